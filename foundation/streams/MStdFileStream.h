@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstdio>
+
+#include "foundation/streams/MStream.h"
+
+/// A file on disk.
+class MStdFileStream : public MStream
+{
+public:
+    enum Flags
+    {
+        ReadAccess = 1,
+        WriteAccess = 2,
+        CreateFile = 4
+    };
+
+    MStdFileStream() = default;
+    MStdFileStream(const MString& path, int flags) { Open(path, flags); }
+    MStdFileStream(const MStdFileStream&) = delete;
+    MStdFileStream& operator=(const MStdFileStream&) = delete;
+    ~MStdFileStream() override;
+
+    /// Flags 1 read, 2 change an existing file, 6 create (an old file is deleted first). An empty path
+    /// closes. Throws "File \"{0}\" could not be open. Make sure it exists." and its kin.
+    void Open(const MString& path, int flags);
+    virtual void Close();
+
+    void Write(const void* bytes, std::int32_t size) override;
+    std::int32_t Read(void* buffer, std::int32_t size) override;
+    void Seek(std::int64_t offset, int origin) override;
+    std::int64_t GetPosition() override;
+    void Flush() override;
+    bool IsEnd() override;
+    void Truncate() override;
+    std::int64_t GetSize() override;
+    bool IsOpen() override;
+
+private:
+    MString path;
+    std::FILE* file = nullptr;
+    std::int64_t sizeAtOpening = 0;
+};

@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "foundation/containers/MList.h"
+#include "foundation/streams/MStream.h"
+#include "foundation/text/MException.h"
+#include "foundation/text/MString.h"
+
+struct MAttributePair
+{
+    MString key;
+    MString value;
+};
+
+/// One element of a settings tree: name, text, attributes sorted by key, children in order of creation.
+/// Keys and names are compared without case and accents. The tree owns its children. One thread at a time.
+class MAttribute
+{
+public:
+    explicit MAttribute(const MString& name = {});
+    ~MAttribute();
+    MAttribute(const MAttribute&) = delete;
+    MAttribute& operator=(const MAttribute&) = delete;
+
+    const MString& Name() const { return name; }
+    void SetName(const MString& newName) { name = newName; }
+    const MString& Text() const { return text; }
+    void SetText(const MString& newText) { text = newText; }
+    int Depth() const { return depth; }
+    MAttribute* Parent() const { return parent; }
+    MAttribute* Next() const { return next; }
+    MAttribute* Previous() const { return previous; }
+
+    int AttributeCount() const;
+    const MAttributePair& AttributeAt(int index) const;
+    bool HasAttribute(const MString& key);
+    /// The value that the last HasAttribute found; throws without one.
+    const MString& GetCachedAttribute() const;
+    MString GetAttribute(const MString& key, const MString& defaultValue = {});
+    const MString& RequireAttribute(const MString& key);
+    void SetAttribute(const MString& key, const MString& value);
+    void RemoveAttribute(const MString& key);
+
+    int SubItemCount() const;
+    MAttribute& SubItemAt(int index) const;
+    bool HasSubItem(const MString& itemName);
+    MAttribute& GetCachedSubItem() const;
+    /// The first child of that name, or a new one at the end.
+    MAttribute& GetSubItem(const MString& itemName);
+    /// Always a new child at the end.
+    MAttribute& AddSubItem(const MString& itemName);
+    MAttribute& RequireSubItem(const MString& itemName);
+    MAttribute* FindSubItem(const MString& itemName, const MString& key, const MString& value);
+
+    void Clear();
+    /// Attributes, text and descendants of `item`; the name stays.
+    void CopyFrom(const MAttribute& item);
+
+    /// Binary data as upper-case hexadecimal digits in the text, through zlib first if asked for.
+    void SetBinary(MStream& stream, bool compress);
+    void SetBinary(const void* buffer, std::int32_t size, bool compress);
+    void GetBinary(MStream& stream, bool compressed) const;
+    /// Plain: at most size and what is there. Compressed: exactly size, or "Value doesn't have correct
+    /// format." is thrown. Answers the bytes written to the buffer.
+    std::int32_t GetBinary(void* buffer, std::int32_t size, bool compressed) const;
+
+    /// Depth-first walk over the descendants of `item` in document order.
+    void BeginIteration(MAttribute& item);
+    MAttribute* NextItem();
+    MAttribute* CurrentItem();
+
+private:
+    MAttribute* parent = nullptr;
+    MAttribute* next = nullptr;
+    MAttribute* previous = nullptr;
+    std::int32_t depth = 0;
+    MList<MAttribute, 2> subItems;
+    MString name;
+    MString text;
+    // The team of state/tree: attributes in an array sorted by key, caches, iterator.
+};
