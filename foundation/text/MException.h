@@ -26,7 +26,10 @@ public:
     MException& operator=(const MException&) = default;
     virtual ~MException() = default;
 
-    MString Title;     ///< empty in everything that the system throws
+    MString Title;   ///< empty in everything that the system throws
     MString Message;   ///< the text for the user
     int Code = 0;
 };
+
+/// The system's description of an `errno` value, "No error description available." when it has none.
+MString SystemErrorText(int errorNumber);

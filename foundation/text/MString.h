@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -14,9 +15,14 @@
 class MString
 {
 public:
-    MString() noexcept;
-    /// Literal form: `literal` must live as long as the program (a string constant). Null is the empty text.
-    MString(const char* literal) noexcept;
+    MString() noexcept : MString("") {}
+    /// Literal form: `constant` must live as long as the program (a string constant). Null is the empty text.
+    MString(const char* constant) noexcept
+        : literal(constant != nullptr ? constant : ""),
+          length(constant != nullptr ? static_cast<std::int32_t>(std::strlen(constant)) : 0),
+          flags(LiteralFlag)
+    {
+    }
     MString(const MString& other) noexcept;
     MString(MString&& other) noexcept;
     explicit MString(char16_t character);
@@ -36,14 +42,21 @@ public:
     /// Always with a point, whatever the locale.
     static MString FromDouble(double value, int precision = 6);
 
-    int Length() const noexcept;
+    int Length() const noexcept { return length; }
     bool IsEmpty() const noexcept { return Length() == 0; }
-    bool IsLiteral() const noexcept;
+    bool IsLiteral() const noexcept { return (flags & LiteralFlag) != 0; }
     /// The character at `index`, 0 to Length(); the terminator at Length().
-    char16_t operator[](int index) const noexcept;
+    char16_t operator[](int index) const noexcept
+    {
+        return IsLiteral() ? static_cast<unsigned char>(literal[index]) : shared[index];
+    }
     std::string ToUTF8() const;
+    /// Bytes of the heap block, header included, and how many values share it; 0 for the literal form.
+    std::int32_t BlockSize() const noexcept;
+    std::int32_t ShareCount() const noexcept;
 
-    /// Makes this the sole owner of a block for `count` characters, terminator included. Never shrinks.
+    /// Makes this the sole owner of a block for `count` characters, terminator included. Never shrinks an
+    /// own block; a text copied out of a literal or a shared block is cut to `count` - 1 characters.
     void Reserve(int count);
     MString& Append(const MString& text);
     MString& Append(char16_t character);
@@ -58,7 +71,10 @@ public:
     int Find(char16_t character, int start = 0) const;
 
     /// Optional "-" and digits of the radix; `consumedCount` gets the characters used, 0 if none fit.
+    /// What doesn't fit 64 bits becomes the nearest value that does.
     std::int64_t ToInt(int radix = 10, int* consumedCount = nullptr) const;
+    /// The same without a sign.
+    std::uint64_t ToUnsigned(int radix = 10, int* consumedCount = nullptr) const;
     /// Standard conversion, with a point whatever the locale; 0 where nothing fits.
     double ToDouble(int* consumedCount = nullptr) const;
 
@@ -71,6 +87,13 @@ public:
     friend MString operator+(const MString& a, const MString& b);
 
 private:
+    static constexpr std::uint8_t LiteralFlag = 1;
+
+    void CopyCharacters(char16_t* target, int start, int count) const noexcept;
+    void ReserveFor(std::int64_t newLength);
+    void SetLength(int newLength) noexcept;
+    void ReleaseBlock() noexcept;
+
     union
     {
         const char* literal;

@@ -11,6 +11,8 @@
 /// "." and a number: digits after the point (10 and more: significant digits), "0" and a number: width
 /// padded with zeros, blank and a number: width padded with blanks. "{{" is one "{", "}}" one "}".
 /// Throws MException for a text that ends inside "{...", and for an index outside 0 to 31.
+/// Arguments without a place are dropped, places without an argument stay empty. Copies are handles of
+/// one object: an argument given to one is seen through all.
 class MStringFormat
 {
 public:
@@ -25,6 +27,8 @@ public:
     MStringFormat& Add(std::uint64_t value);
     MStringFormat& Add(int value) { return Add(static_cast<std::int64_t>(value)); }
     MStringFormat& Add(unsigned value) { return Add(static_cast<std::uint64_t>(value)); }
+    MStringFormat& Add(long long value) { return Add(static_cast<std::int64_t>(value)); }
+    MStringFormat& Add(unsigned long long value) { return Add(static_cast<std::uint64_t>(value)); }
     MStringFormat& Add(double value);
     /// The text with the arguments given so far in their places.
     MString Text() const;
