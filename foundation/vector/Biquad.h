@@ -10,7 +10,8 @@ struct BiquadState;
 struct BiquadStateFloat;
 
 /// `sectionCount` is 1 and `delayInit` 0 (zero memory). Allocates.
-void BiquadCreate(BiquadState** outState, const double* taps, std::int32_t sectionCount, std::int32_t delayInit);
+void BiquadCreate(BiquadState** outState, const double* taps, std::int32_t sectionCount,
+                  std::int32_t delayInit);
 void BiquadSetTaps(const double* taps, BiquadState* state);
 /// src and dst may be the same array; the memory runs on into the next call. Never allocates.
 void BiquadRun(const float* src, float* dst, std::int32_t n, BiquadState* state);

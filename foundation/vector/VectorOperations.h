@@ -65,4 +65,4 @@ void ConvertFrom32Bit(const std::int32_t* src, float* dst, std::int32_t n);
 void WindowHann(float* srcDst, std::int32_t n);
 void WindowBlackman(float* srcDst, std::int32_t n);
 void WindowBartlett(float* srcDst, std::int32_t n);
-} // namespace MVector
+}   // namespace MVector
