@@ -31,12 +31,12 @@ inline constexpr double CoefficientGuard = 1.0000000036274937e-15;
 template <typename T>
 struct Filter
 {
-    double cosW = 0;               ///< cos w of the last second-order design
-    double alpha = 0;              ///< sin w / (2 Q) of the last second-order design
+    double cosW = 0;   ///< cos w of the last second-order design
+    double alpha = 0;   ///< sin w / (2 Q) of the last second-order design
     std::int32_t generation = 0;   ///< raised with each new set of coefficients
     std::int32_t type = 0;
-    T gain = 0;         ///< dB
-    T frequency = 0;    ///< Hz
+    T gain = 0;   ///< dB
+    T frequency = 0;   ///< Hz
     T sampleRate = 0;   ///< Hz
     T q = 0;
     T b0 = 0;
@@ -57,4 +57,4 @@ struct Filter
 
 extern template struct Filter<double>;
 extern template struct Filter<float>;
-} // namespace MAudioFilters
+}   // namespace MAudioFilters

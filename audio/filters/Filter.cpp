@@ -1,0 +1,152 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "audio/filters/Filter.h"
+
+#include <cmath>
+#include <type_traits>
+
+#include "audio/filters/FilterMagnitudes.h"
+
+namespace MAudioFilters
+{
+namespace
+{
+constexpr double TwoPi = 6.283185307179586;
+
+/// Numerator B and denominator A of a section before it is divided by A0.
+struct Quotient
+{
+    double B0, B1, B2;
+    double A0, A1, A2;
+};
+
+Quotient LowShelfQuotient(double A, double c, double s)
+{
+    const double r = 2.0 * std::sqrt(A) * s;
+    return { A * ((A + 1) - (A - 1) * c + r), 2 * A * ((A - 1) - (A + 1) * c),
+             A * ((A + 1) - (A - 1) * c - r), (A + 1) + (A - 1) * c + r,
+             -2 * ((A - 1) + (A + 1) * c),    (A + 1) + (A - 1) * c - r };
+}
+
+Quotient HighShelfQuotient(double A, double c, double s)
+{
+    const double r = 2.0 * std::sqrt(A) * s;
+    return { A * ((A + 1) + (A - 1) * c + r), -2 * A * ((A - 1) + (A + 1) * c),
+             A * ((A + 1) + (A - 1) * c - r), (A + 1) - (A - 1) * c + r,
+             2 * ((A - 1) - (A + 1) * c),     (A + 1) - (A - 1) * c - r };
+}
+
+/// c = cos w, s = sin w / (2 Q), A the square root of the linear gain.
+Quotient Design(std::int32_t type, double A, double c, double s)
+{
+    switch (type)
+    {
+    case Peak:
+        return { 1 + s * A, -2 * c, 1 - s * A, 1 + s / A, -2 * c, 1 - s / A };
+    case LowShelf:
+        return LowShelfQuotient(A, c, s);
+    case HighShelf:
+        return HighShelfQuotient(A, c, s);
+    case LowPass:
+        return { (1 - c) / 2, 1 - c, (1 - c) / 2, 1 + s, -2 * c, 1 - s };
+    case HighPass:
+        return { (1 + c) / 2, -(1 + c), (1 + c) / 2, 1 + s, -2 * c, 1 - s };
+    case BandPass:
+        return { s, 0, -s, 1 + s, -2 * c, 1 - s };
+    case Notch:
+        return { 1, -2 * c, 1, 1 + s, -2 * c, 1 - s };
+    case AllPass:
+        return { 1 - s, -2 * c, 1 + s, 1 + s, -2 * c, 1 - s };
+    default:
+        throw MException("Invalid filter type.", MErrorCode::InvalidArgument);
+    }
+}
+
+/// The rounding to the section's precision comes before the guard is added.
+template <typename T>
+T Guarded(double coefficient)
+{
+    return static_cast<T>(coefficient) + static_cast<T>(CoefficientGuard);
+}
+
+/// First-order sections, which have no Q and no gain. Returns false for any other type.
+bool SetFirstOrder(Filter<double>& section, double w)
+{
+    switch (section.type)
+    {
+    case LowPass6:
+    {
+        const double p = std::exp(-w);
+        section.b0 = (1 - p) + CoefficientGuard;
+        section.b1 = 0;
+        section.a1 = p + CoefficientGuard;
+        break;
+    }
+    case HighPass6:
+    {
+        const double p = std::exp(-w);
+        const double h = (p + 1) / 2;
+        section.b0 = h + CoefficientGuard;
+        section.b1 = CoefficientGuard - h;
+        section.a1 = p + CoefficientGuard;
+        break;
+    }
+    case AllPass6:
+    {
+        // (p - z^-1) / (1 - p z^-1), the -1 with the guard added.
+        const double p = std::exp(-w) + CoefficientGuard;
+        section.b0 = p;
+        section.b1 = -0.999999999999999;
+        section.a1 = p;
+        break;
+    }
+    default:
+        return false;
+    }
+    section.b2 = 0;
+    section.a2 = 0;
+    ++section.generation;
+    return true;
+}
+}   // namespace
+
+template <typename T>
+void Filter<T>::Set(std::int32_t newType, T newGain, T newFrequency, T newSampleRate, T newQ)
+{
+    type = newType;
+    frequency = newFrequency;
+    sampleRate = newSampleRate;
+    q = newQ;
+    const double w = TwoPi * static_cast<double>(frequency) / static_cast<double>(sampleRate);
+    if constexpr (std::is_same_v<T, double>)
+    {
+        if (SetFirstOrder(*this, w))
+            return;
+    }
+    cosW = std::cos(w);
+    alpha = std::sin(w) / (2.0 * static_cast<double>(q));
+    gain = newGain;
+    Update(std::pow(10.0, static_cast<double>(gain) * 0.5 * 0.05));
+}
+
+template <typename T>
+void Filter<T>::Update(double amplitude)
+{
+    ++generation;
+    const Quotient quotient = Design(type, amplitude, cosW, alpha);
+    const double n = 1.0 / quotient.A0;
+    b0 = Guarded<T>(n * quotient.B0);
+    b1 = Guarded<T>(n * quotient.B1);
+    b2 = Guarded<T>(n * quotient.B2);
+    a1 = Guarded<T>(-(n * quotient.A1));
+    a2 = Guarded<T>(-(n * quotient.A2));
+}
+
+template <typename T>
+double Filter<T>::Magnitude(double atFrequency) const
+{
+    return MagnitudeAt(*this, InverseZ(atFrequency, static_cast<double>(sampleRate)));
+}
+
+template struct Filter<double>;
+template struct Filter<float>;
+}   // namespace MAudioFilters
