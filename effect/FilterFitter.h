@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "effect/FilterDictionary.h"
+
+/// How the fitter searches.
+enum MFAAlgorithm : std::int32_t
+{
+    MFADefault = 0,   ///< every shift of every shape
+    MFAOptimized = 1   ///< the one shift of every shape that a convolution names
+};
+
+/// One band that a fit found.
+struct FittedFilter
+{
+    double frequency = 0;   ///< Hz
+    double gain = 0;   ///< dB
+    double q = 0;
+    std::int32_t type = 0;   ///< FilterType
+};
+
+/// Turns a wanted response into a short list of filters: a greedy matching pursuit in decibels over the
+/// shapes of FilterDictionary. Each round takes the shape, shift and gain with the least squared error
+/// against what is still wanted, makes it a real filter, and subtracts that filter's real response.
+///
+/// Used on the GUI thread only; nothing is kept of a fit but the dictionary.
+class FilterFitter
+{
+public:
+    /// The bin-centred logarithmic grid. Skipped if limits (to within 1e-50) and count are unchanged.
+    /// @param count  at most FitGrid::Count
+    void BuildGrid(double minHz, double maxHz, std::int32_t count);
+    std::int32_t GridCount() const { return gridCount; }
+    /// Frequencies in Hz of the grid points; valid once a grid was built.
+    const std::array<float, FitGrid::Count>& Grid() const { return grid; }
+
+    /// Builds, or finds in the process, what depends on the sample rate. Called by Fit.
+    void Prepare(double newSampleRate);
+
+    /// Appends `maxBands` bands to `results`.
+    /// @param wanted          FitGrid::Count gains in dB; consumed: ends as the residual without the last
+    /// band
+    /// @param allowPassNotch  also types without gain, which are used at their full shape
+    /// @param maxQ            shapes of a higher Q stay out; raised to 0.1
+    /// Throws MException "Invalid source data. Please perform analyzation." when no shape has a finite
+    /// error; bands of earlier rounds then stay in `results`.
+    void Fit(float* wanted, double newSampleRate, std::vector<FittedFilter>& results, std::int32_t maxBands,
+             bool allowPassNotch, MFAAlgorithm algorithm, double maxQ);
+
+private:
+    std::array<float, FitGrid::Count> grid{};
+    std::int32_t gridCount = 0;
+    double gridMinHz = 0;
+    double gridMaxHz = 0;
+    std::shared_ptr<const FilterDictionary> dictionary;
+};
