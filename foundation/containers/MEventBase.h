@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "foundation/text/MArray.h"
+#include "foundation/text/MObject.h"
+#include "foundation/threads/MLock.h"
+
+class MEventBase;
+
+/// Guards everything that events and their targets know of each other. Recursive.
+MLock& EventLock();
+
+/// What can receive events. It knows the events that it is subscribed to, each once, and leaves them when
+/// it dies; it must not die while one of them calls it on another thread.
+class MEventTarget : public MObject
+{
+public:
+    MEventTarget();
+    MEventTarget(const MEventTarget&) = delete;
+    MEventTarget& operator=(const MEventTarget&) = delete;
+    ~MEventTarget() override;
+
+    /// Called after something was posted for this target from another thread, so that it may wake whoever
+    /// runs the event processor.
+    virtual void OnEventPosted() {}
+
+protected:
+    friend class MEventBase;
+    // Of a receiver the events it is subscribed to; of the processor the events waiting, repeatedly.
+    MArray<MEventBase*> events;
+};
+
+/// An event without its types, as lists hold it.
+class MEventBase : public MEventTarget
+{
+public:
+    /// Hands the oldest posted params to the handlers. Throws MException "Index out of range." when
+    /// nothing is posted.
+    virtual void Dispatch() = 0;
+    /// Forgets what was posted.
+    virtual void ClearPending() = 0;
+    /// Forgets the handlers of a target.
+    virtual void RemoveTarget(MEventTarget* target) = 0;
+
+protected:
+    // The caller holds the event lock.
+    void Subscribe(MEventTarget& target);
+    void Unsubscribe(MEventTarget& target) noexcept;
+};

@@ -1,0 +1,86 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "foundation/containers/MEvent.h"
+#include "foundation/threads/MMutex.h"
+#include "foundation/threads/MSemaphore.h"
+
+/// A thread whose body a derived class gives, with a stop that the body has to agree to.
+///
+/// The usual body: while not IsCancelled(), do one round, then wakeSemaphore.Acquire(periodMs). Stop()
+/// ends that wait early. A derived class whose data the body uses calls Stop() and Wait() in its own
+/// destructor. After Wait() the object can be started anew.
+class MThread : public MObject
+{
+public:
+    enum class Priority
+    {
+        Idle,
+        Lowest,
+        Low,
+        Normal,
+        High,
+        Highest,
+        Critical
+    };
+    static constexpr int PriorityCount = 7;
+    static const char* PriorityLabel(Priority priority);
+
+    MThread();
+    MThread(const MThread&) = delete;
+    MThread& operator=(const MThread&) = delete;
+    /// Stops and joins.
+    ~MThread() override;
+
+    /// Makes the system thread, suspended, unless there is one. Throws MException "Could not create system
+    /// thread.".
+    void Create();
+    /// Creates it if necessary and lets it run.
+    void Start();
+    /// Creates it if necessary. Priorities above Normal need a privilege. Throws MException "Could not set
+    /// thread priority.".
+    void SetPriority(Priority priority);
+    /// Asks the body to return. Any thread.
+    void Stop();
+    /// Joins; true when the thread has ended in the time. When it has not, it is forgotten and left to
+    /// itself.
+    bool Wait(std::uint32_t timeoutMs);
+    /// The body asks this often.
+    bool IsCancelled();
+    /// -2 until the body has returned.
+    std::int32_t ExitCode();
+    /// Lets the object delete itself when the thread ends.
+    void SetAutoDelete(bool deletesItself);
+    /// Who is told when the thread ends, through `Finished`.
+    void SetNotifyTarget(MEventTarget* target);
+
+    MEvent<MOnThreadNotifyParams> Finished;
+
+protected:
+    /// The body; its answer is the exit code.
+    virtual std::int32_t Thread();
+    /// On the thread, after the body has returned.
+    virtual void OnFinished();
+
+    MSemaphore wakeSemaphore;
+
+private:
+    struct System;   // what the system thread may touch when the object is gone
+
+    static void* MThreadProc(void* argument);
+    static void Run(MThread* thread);
+    void RunBody();
+    void Notify();
+    void Forget(const std::shared_ptr<System>& forgotten, bool hasEnded);
+
+    std::shared_ptr<System> handle;   // null until created and after the join
+    std::int32_t exitCode = -2;
+    bool autoDelete = false;
+    bool cancelled = false;
+    MEventTarget* notifyTarget = nullptr;
+    MLock stateLock;   // guards the four above
+    MMutex creationLock;   // guards `handle`
+};
