@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <memory>
-
-#include "foundation/streams/MDataBlock.h"
 #include "foundation/streams/MStream.h"
+#include "foundation/text/MDataBlock.h"
 
 /// A stream over a block of memory that grows with what is written. Several streams may share one block;
 /// whoever writes copies it first.
@@ -26,10 +24,13 @@ public:
     bool IsEnd() override;
     std::int64_t GetSize() override;
     virtual const std::uint8_t* GetCurrentPointer() const;
+    /// What the stream holds; the block's size is the stream's.
     const MDataBlock& Block() const;
 
 private:
-    MDataBlock block;
+    std::int32_t Remaining() const { return size - position; }
+
+    mutable MDataBlock block;   // larger than the content while it grows
     std::int32_t size = 0;
     std::int32_t position = 0;
 };

@@ -5,7 +5,8 @@
 
 #include "foundation/streams/MStream.h"
 
-/// A file on disk.
+/// A file on disk; its path is UTF-8. Every operation on a stream that is not open throws MException "File
+/// stream is not initialized.".
 class MStdFileStream : public MStream
 {
 public:
@@ -17,14 +18,15 @@ public:
     };
 
     MStdFileStream() = default;
-    MStdFileStream(const MString& path, int flags) { Open(path, flags); }
+    MStdFileStream(const MString& filePath, int flags) { Open(filePath, flags); }
     MStdFileStream(const MStdFileStream&) = delete;
     MStdFileStream& operator=(const MStdFileStream&) = delete;
     ~MStdFileStream() override;
 
     /// Flags 1 read, 2 change an existing file, 6 create (an old file is deleted first). An empty path
     /// closes. Throws "File \"{0}\" could not be open. Make sure it exists." and its kin.
-    void Open(const MString& path, int flags);
+    void Open(const MString& newPath, int flags);
+    /// Throws when what is still buffered can't be written. The destructor closes without a word.
     virtual void Close();
 
     void Write(const void* bytes, std::int32_t size) override;
@@ -37,8 +39,24 @@ public:
     std::int64_t GetSize() override;
     bool IsOpen() override;
 
+protected:
+    /// Takes over an open file; an earlier one is closed.
+    void Attach(std::FILE* openFile, const MString& filePath);
+    std::FILE* File() const;   // throws when the stream is not open
+    const MString& Path() const { return path; }
+
 private:
+    // The C library wants a seek between reading and writing on one handle.
+    enum class LastOperation
+    {
+        None,
+        Reading,
+        Writing
+    };
+    void PrepareFor(LastOperation operation);
+
     MString path;
     std::FILE* file = nullptr;
     std::int64_t sizeAtOpening = 0;
+    LastOperation lastOperation = LastOperation::None;
 };

@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include <cstdlib>
 #include <new>
 #include <string>
 #include <vector>
@@ -10,31 +9,7 @@
 #include "foundation/containers/MList.h"
 #include "foundation/text/MException.h"
 #include "foundation/text/MStringList.h"
-
-namespace
-{
-// Counts down to an allocation that fails; below 0 all succeed.
-int allocationsLeft = -1;
-}   // namespace
-
-void* operator new(std::size_t size)
-{
-    if (allocationsLeft >= 0 && allocationsLeft-- == 0)
-        throw std::bad_alloc();
-    if (void* memory = std::malloc(size == 0 ? 1 : size))
-        return memory;
-    throw std::bad_alloc();
-}
-
-void operator delete(void* memory) noexcept
-{
-    std::free(memory);
-}
-
-void operator delete(void* memory, std::size_t) noexcept
-{
-    std::free(memory);
-}
+#include "tests/foundation/containers/FailingAllocation.h"
 
 namespace
 {
@@ -146,7 +121,8 @@ TEST(MArray, IsAsItWasWhenAddingFails)
                 try
                 {
                     const Element added(99);
-                    (failsByAllocation ? allocationsLeft : Element::copiesLeft) = step;
+                    allocationsLeft = failsByAllocation ? step : -1;
+                    Element::copiesLeft = failsByAllocation ? -1 : step;
                     array.Add(added);
                 }
                 catch (...)

@@ -1,0 +1,195 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "foundation/streams/MFile.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <filesystem>
+#include <string>
+
+#include <spawn.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "foundation/text/LetterFolding.h"
+#include "foundation/text/MException.h"
+#include "foundation/text/MStringFormat.h"
+
+namespace
+{
+std::string SystemPath(const MString& path)
+{
+    std::string bytes = path.ToUTF8();
+    std::replace(bytes.begin(), bytes.end(), '\\', '/');
+    return bytes;
+}
+
+[[noreturn]] void ThrowSystemError(const MString& text, int errorNumber)
+{
+    throw MException(text + " " + SystemErrorText(errorNumber));
+}
+
+void CheckSuccess(bool isSuccess, const char* format, const MString& path)
+{
+    const int errorNumber = errno;
+    if (!isSuccess)
+        ThrowSystemError(Format(format, path), errorNumber);
+}
+
+bool IsDirectory(const std::string& path)
+{
+    struct stat information = {};
+    return stat(path.c_str(), &information) == 0 && S_ISDIR(information.st_mode);
+}
+
+// "*" and "?" as usual. Only the last "*" is ever tried again: linear in practice.
+bool MatchesFilter(const MString& name, const MString& filter)
+{
+    int place = 0;
+    int position = 0;
+    int starPlace = -1;
+    int starPosition = 0;
+    while (position < name.Length())
+    {
+        const bool isStar = place < filter.Length() && filter[place] == u'*';
+        const bool isMatch =
+            place < filter.Length() &&
+            (filter[place] == u'?' || FoldLetter(filter[place]) == FoldLetter(name[position]));
+        if (isStar)
+        {
+            starPlace = place++;
+            starPosition = position;
+        }
+        else if (isMatch)
+        {
+            ++place;
+            ++position;
+        }
+        else if (starPlace >= 0)
+        {
+            place = starPlace + 1;
+            position = ++starPosition;
+        }
+        else
+        {
+            return false;
+        }
+    }
+    while (place < filter.Length() && filter[place] == u'*')
+        ++place;
+    return place == filter.Length();
+}
+
+// The shell puts the opener into the background, so that no child is left for the host to collect.
+int RunInBackground(const std::string& path)
+{
+    const char* const script = "command -v xdg-open >/dev/null 2>&1 || exit 127; "
+                               "xdg-open \"$1\" </dev/null >/dev/null 2>&1 &";
+    std::string arguments[] = { "sh", "-c", script, "sh", path };
+    char* pointers[] = { arguments[0].data(), arguments[1].data(), arguments[2].data(),
+                         arguments[3].data(), arguments[4].data(), nullptr };
+    pid_t child = 0;
+    const int error = posix_spawn(&child, "/bin/sh", nullptr, nullptr, pointers, environ);
+    if (error != 0)
+        return error;
+    int status = 0;
+    while (waitpid(child, &status, 0) < 0)
+        if (errno != EINTR)
+            return 0;   // a host that ignores its children collects them by itself
+    return WIFEXITED(status) && WEXITSTATUS(status) == 0 ? 0 : ENOENT;
+}
+}   // namespace
+
+void MFile::CreatePath(const MString& path)
+{
+    std::error_code error;
+    std::filesystem::create_directories(SystemPath(path), error);
+    if (!error && !IsDirectory(SystemPath(path)))
+        error = std::make_error_code(std::errc::not_a_directory);
+    if (error)
+        ThrowSystemError(Format("Could not create path \"{0}\".", path), error.value());
+}
+
+void MFile::Rename(const MString& from, const MString& to)
+{
+    if (std::rename(SystemPath(from).c_str(), SystemPath(to).c_str()) != 0)
+    {
+        const int errorNumber = errno;
+        ThrowSystemError(Format("Could not rename file \"{0}\" to \"{1}\".", from, to), errorNumber);
+    }
+}
+
+void MFile::Delete(const MString& path)
+{
+    CheckSuccess(unlink(SystemPath(path).c_str()) == 0, "Could not delete file \"{0}\".", path);
+}
+
+void MFile::RemoveDirectory(const MString& path)
+{
+    CheckSuccess(rmdir(SystemPath(path).c_str()) == 0, "Could not remove directory \"{0}\".", path);
+}
+
+void MFile::DeleteTree(const MString& path)
+{
+    errno = ENOTDIR;
+    CheckSuccess(IsDirectory(SystemPath(path)), "Could not remove directory \"{0}\".", path);
+    std::error_code error;
+    std::filesystem::remove_all(SystemPath(path), error);
+    if (error)
+        ThrowSystemError(Format("Could not remove directory \"{0}\".", path), error.value());
+}
+
+bool MFile::Exists(const MString& path) noexcept
+{
+    try
+    {
+        return access(SystemPath(path).c_str(), F_OK) == 0;
+    }
+    catch (...)
+    {
+        return false;   // no memory for the path
+    }
+}
+
+void MFile::Execute(const MString& path)
+{
+    const bool isAddress = path.Find("://") > 0;
+    errno = ENOENT;
+    CheckSuccess(isAddress || Exists(path), "Could not execute file \"{0}\".", path);
+    const int error = RunInBackground(isAddress ? path.ToUTF8() : SystemPath(path));
+    if (error != 0)
+        ThrowSystemError(Format("Could not execute file \"{0}\".", path), error);
+}
+
+MFileIterator::MFileIterator(const MString& path, const MString& filter, int flags)
+{
+    if (path.IsEmpty() && (flags & Drives) != 0)
+    {
+        entries.Add({ "/", true });
+        return;
+    }
+    ListFolder(path, filter, (flags & Directories) != 0);
+}
+
+void MFileIterator::ListFolder(const MString& path, const MString& filter, bool withDirectories)
+{
+    std::error_code error;
+    std::filesystem::directory_iterator item(SystemPath(path), error);
+    for (; !error && item != std::filesystem::directory_iterator(); item.increment(error))
+    {
+        std::error_code ignored;   // an entry that vanished meanwhile is a file without properties
+        const bool isDirectory = item->is_directory(ignored);
+        const MString name = MString::FromUTF8(item->path().filename().string());
+        if ((withDirectories || !isDirectory) && (filter.IsEmpty() || MatchesFilter(name, filter)))
+            entries.Add({ name, isDirectory });
+    }
+    if (error)
+        ThrowSystemError(Format("Could not access path \"{0}\" to get file list.", path), error.value());
+    std::sort(entries.begin(), entries.end(),
+              [](const Entry& a, const Entry& b)
+              {
+                  const int order = MString::CompareNoCase(a.name, b.name);
+                  return order != 0 ? order < 0 : a.name.ToUTF8() < b.name.ToUTF8();
+              });
+}
