@@ -1,0 +1,146 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "foundation/vector/BiquadCascade.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+#include <random>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "tests/foundation/vector/Targets.h"
+
+namespace
+{
+using MVector::CascadeDirection;
+using MVector::CascadeMemory;
+using MVector::CascadeTaps;
+
+constexpr std::uint32_t Seed = 99;
+constexpr double Guard = 777.0;
+
+std::vector<double> Noise(std::size_t count, std::uint32_t seed)
+{
+    std::mt19937 random(seed);
+    std::uniform_real_distribution<double> values(-1.0, 1.0);
+    std::vector<double> noise(count);
+    std::generate(noise.begin(), noise.end(), [&] { return values(random); });
+    return noise;
+}
+
+/// Peaks of moderate gain, poles from 40 Hz to 15 kHz at 48 kHz.
+std::vector<CascadeTaps> Peaks(std::int32_t count, std::uint32_t seed)
+{
+    std::mt19937 random(seed);
+    std::uniform_real_distribution<double> place(std::log(40.0), std::log(15000.0));
+    std::uniform_real_distribution<double> amplitude(0.7, 1.4);
+    std::vector<CascadeTaps> taps(static_cast<std::size_t>(count));
+    for (CascadeTaps& t : taps)
+    {
+        const double w = 2.0 * std::numbers::pi * std::exp(place(random)) / 48000.0;
+        const double alpha = std::sin(w) / 3.0;
+        const double a = amplitude(random);
+        const double n = 1.0 / (1.0 + alpha / a);
+        t = { n * (1.0 + alpha * a), -2.0 * n * std::cos(w), n * (1.0 - alpha * a), 2.0 * n * std::cos(w),
+              -n * (1.0 - alpha / a) };
+    }
+    return taps;
+}
+
+std::vector<CascadeMemory> RandomMemory(std::size_t count)
+{
+    const std::vector<double> values = Noise(4 * count, Seed + 1);
+    std::vector<CascadeMemory> memory(count);
+    for (std::size_t i = 0; i < count; ++i)
+        memory[i] = { { values[4 * i], values[4 * i + 1] }, { values[4 * i + 2], values[4 * i + 3] } };
+    return memory;
+}
+
+void ExpectEqualMemory(const std::vector<CascadeMemory>& actual, const std::vector<CascadeMemory>& expected,
+                       double tolerance)
+{
+    for (std::size_t i = 0; i < expected.size(); ++i)
+    {
+        for (std::size_t channel = 0; channel < 2; ++channel)
+        {
+            ASSERT_NEAR(actual[i].s1[channel], expected[i].s1[channel], tolerance) << "s1 of section " << i;
+            ASSERT_NEAR(actual[i].s2[channel], expected[i].s2[channel], tolerance) << "s2 of section " << i;
+        }
+    }
+}
+
+/// Poles at 40 Hz amplify a rounding of 1e-16 by 1 / w^2 = 4e4, and as often as sections follow.
+constexpr double Tolerance = 1e-9;
+
+void CompareWithPlain(std::int32_t sectionCount, std::int32_t n, CascadeDirection direction)
+{
+    const std::vector<CascadeTaps> taps = Peaks(sectionCount, Seed);
+    std::vector<CascadeMemory> expectedMemory = RandomMemory(taps.size());
+    std::vector<CascadeMemory> memory = expectedMemory;
+    memory.push_back({ { Guard, Guard }, { Guard, Guard } });
+    const auto size = static_cast<std::size_t>(2 * n);
+    std::vector<double> expected = Noise(size, Seed + 2);
+    std::vector<double> guarded(size + 16, Guard);
+    std::copy(expected.begin(), expected.end(), guarded.begin() + 9);
+    MVector::CascadeRunPlain(taps.data(), expectedMemory.data(), sectionCount, expected.data(), n, direction);
+    MVector::CascadeRun(taps.data(), memory.data(), sectionCount, guarded.data() + 9, n, direction);
+    for (std::size_t i = 0; i < guarded.size(); ++i)
+    {
+        if (i < 9 || i >= 9 + size)
+            ASSERT_EQ(guarded[i], Guard) << "guard " << i;
+        else
+            ASSERT_NEAR(guarded[i], expected[i - 9], Tolerance) << "value " << i - 9;
+    }
+    ASSERT_EQ(memory.back().s1[0], Guard);
+    ASSERT_EQ(memory.back().s2[1], Guard);
+    ExpectEqualMemory(memory, expectedMemory, Tolerance);
+}
+
+TEST(BiquadCascade, EqualsSectionAfterSectionForEveryCountAndDirection)
+{
+    ForEveryTarget(
+        []
+        {
+            for (std::int32_t sectionCount = 0; sectionCount <= 15; ++sectionCount)
+            {
+                for (const std::int32_t n : { 0, 1, 2, 3, 15, 16, 17, 18, 19, 40, 301 })
+                {
+                    SCOPED_TRACE(testing::Message() << sectionCount << " sections, " << n << " pairs");
+                    CompareWithPlain(sectionCount, n, CascadeDirection::Forward);
+                    CompareWithPlain(sectionCount, n, CascadeDirection::Backward);
+                    if (HasFatalFailure())
+                        return;
+                }
+            }
+            CompareWithPlain(170, 200, CascadeDirection::Backward);
+        });
+}
+
+TEST(BiquadCascade, MemoryRunsOnThroughBlocksOfAnyLengthAndNewTaps)
+{
+    ForEveryTarget(
+        []
+        {
+            constexpr std::int32_t SectionCount = 7;
+            std::vector<CascadeMemory> memory(SectionCount);
+            std::vector<CascadeMemory> expectedMemory(SectionCount);
+            std::mt19937 random(Seed);
+            std::uniform_int_distribution<std::int32_t> lengths(0, 70);
+            for (std::uint32_t block = 0; block < 60; ++block)
+            {
+                const std::vector<CascadeTaps> taps = Peaks(SectionCount, Seed + block / 7);
+                const std::int32_t n = lengths(random);
+                std::vector<double> expected = Noise(static_cast<std::size_t>(2 * n), block);
+                std::vector<double> actual = expected;
+                MVector::CascadeRunPlain(taps.data(), expectedMemory.data(), SectionCount, expected.data(), n,
+                                         CascadeDirection::Forward);
+                MVector::CascadeRun(taps.data(), memory.data(), SectionCount, actual.data(), n,
+                                    CascadeDirection::Forward);
+                for (std::size_t i = 0; i < actual.size(); ++i)
+                    ASSERT_NEAR(actual[i], expected[i], Tolerance) << "block " << block << " value " << i;
+            }
+            ExpectEqualMemory(memory, expectedMemory, Tolerance);
+        });
+}
+}   // namespace
