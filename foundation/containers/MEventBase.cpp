@@ -2,16 +2,14 @@
 #include "foundation/containers/MEventBase.h"
 
 #include <algorithm>
+#include <new>
 
 MLock& EventLock()
 {
-    static MLock lock;
+    // Never destroyed: a thread that deletes itself may come here after the module's destructors.
+    alignas(MLock) static unsigned char storage[sizeof(MLock)];
+    static MLock& lock = *new (storage) MLock;
     return lock;
-}
-
-MEventTarget::MEventTarget()
-{
-    EventLock();   // made before the first target, so it outlives the last one
 }
 
 MEventTarget::~MEventTarget()

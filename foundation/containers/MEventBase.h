@@ -15,7 +15,7 @@ MLock& EventLock();
 class MEventTarget : public MObject
 {
 public:
-    MEventTarget();
+    MEventTarget() = default;
     MEventTarget(const MEventTarget&) = delete;
     MEventTarget& operator=(const MEventTarget&) = delete;
     ~MEventTarget() override;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "foundation/containers/MEventProcessor.h"
 
+#include <new>
+
 MEventProcessor::~MEventProcessor()
 {
     const MSynchronizerGuard guard(EventLock());
@@ -39,6 +41,8 @@ MEventBase* MEventProcessor::TakeFirst()
 
 MEventProcessor& GlobalEventProcessor()
 {
-    static MEventProcessor processor;
+    // Never destroyed, like the event lock.
+    alignas(MEventProcessor) static unsigned char storage[sizeof(MEventProcessor)];
+    static MEventProcessor& processor = *new (storage) MEventProcessor;
     return processor;
 }

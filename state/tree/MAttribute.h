@@ -29,6 +29,8 @@ public:
     void SetName(const MString& newName) { name = newName; }
     const MString& Text() const { return text; }
     void SetText(const MString& newText) { text = newText; }
+    /// Joined to what is there by a blank.
+    void AppendText(const MString& piece);
     int Depth() const { return depth; }
     MAttribute* Parent() const { return parent; }
     MAttribute* Next() const { return next; }
@@ -37,7 +39,7 @@ public:
     int AttributeCount() const;
     const MAttributePair& AttributeAt(int index) const;
     bool HasAttribute(const MString& key);
-    /// The value that the last HasAttribute found; throws without one.
+    /// The value that the last HasAttribute found, as long as it stays in the tree; throws without one.
     const MString& GetCachedAttribute() const;
     MString GetAttribute(const MString& key, const MString& defaultValue = {});
     const MString& RequireAttribute(const MString& key);
@@ -62,17 +64,26 @@ public:
     /// Binary data as upper-case hexadecimal digits in the text, through zlib first if asked for.
     void SetBinary(MStream& stream, bool compress);
     void SetBinary(const void* buffer, std::int32_t size, bool compress);
+    /// The stream stands where it stood before. Throws "Invalid character to be converted to a number.".
     void GetBinary(MStream& stream, bool compressed) const;
     /// Plain: at most size and what is there. Compressed: exactly size, or "Value doesn't have correct
     /// format." is thrown. Answers the bytes written to the buffer.
     std::int32_t GetBinary(void* buffer, std::int32_t size, bool compressed) const;
 
-    /// Depth-first walk over the descendants of `item` in document order.
+    /// Depth-first walk over the descendants of `item` in document order. NextItem answers null at the end;
+    /// CurrentItem is the item it gave last. The tree must not change meanwhile.
     void BeginIteration(MAttribute& item);
     MAttribute* NextItem();
     MAttribute* CurrentItem();
 
 private:
+    MAttribute(MAttribute& parentItem, const MString& itemName);
+    // Where the key stands or would have to stand; `found` tells which.
+    int FindPair(const MString& key, bool& found) const;
+    MAttributePair* PairOf(const MString& key) const;
+    MAttribute* FirstSubItem(const MString& itemName) const;
+    void CopyContent(const MAttribute& item);
+
     MAttribute* parent = nullptr;
     MAttribute* next = nullptr;
     MAttribute* previous = nullptr;
@@ -80,5 +91,10 @@ private:
     MList<MAttribute, 2> subItems;
     MString name;
     MString text;
-    // The team of state/tree: attributes in an array sorted by key, caches, iterator.
+    MList<MAttributePair, 2> attributes;   // sorted by key
+    MAttributePair* attributeCache = nullptr;   // set by HasAttribute
+    MAttribute* subItemCache = nullptr;   // set by HasSubItem
+    MAttribute* iterationRoot = nullptr;
+    MAttribute* iterated = nullptr;   // the item last given out; the root before the first
+    bool isIterating = false;
 };

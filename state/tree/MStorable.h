@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "foundation/text/MObject.h"
+#include "foundation/text/MString.h"
+
+class MAttribute;
+
+/// What stores itself as one attribute of an item, named `Name`.
+class MStorable : public MObject
+{
+public:
+    explicit MStorable(const MString& name = {}) : Name(name) {}
+
+    virtual MString GetText() const;
+    virtual void SetText(const MString& text);
+    virtual void SetDefault();
+    virtual void Store(MAttribute& item);
+    /// SetText with the attribute, SetDefault without one.
+    virtual void Load(MAttribute& item);
+
+    MString Name;
+};
