@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+
+#include "plugin/contract/MPlugin.h"
+
+class MPluginSystem;
+
+/// What a driver does for an effect that changes its parameters or limits at run time.
+class MPluginDriver
+{
+public:
+    virtual ~MPluginDriver() = default;
+    virtual std::int64_t OnDestroyTemporaryAdapters() = 0;
+    virtual std::int64_t OnRebuildParameters() = 0;
+    virtual std::int64_t OnRefreshAdapters() = 0;
+    virtual std::int64_t OnBlockLimitChanged() = 0;
+    virtual void AddEffectEventTarget(MEventTarget* target) = 0;
+};
+
+/// The driver's side of one effect: holds the entry function and the instance, and answers the effect's
+/// host commands. It owns the effect: its end sends the command Destroy.
+class MPluginHost : public MEventTarget
+{
+public:
+    using Handler = std::int64_t (*)(MPluginHost& host, MPluginArgument* arguments);
+
+    MPluginHost() = default;
+    ~MPluginHost() override;
+
+    /// Makes the effect. 0 for success, 1 if there is none.
+    virtual std::int32_t Connect() = 0;
+    virtual void OnConnected() {}
+    /// A command from the effect. A null handler answers 0, a number above 7 -1.
+    virtual std::int64_t Dispatch(std::int64_t command, MPluginArgument* arguments);
+    virtual std::int64_t OnCommand(std::int64_t argument);
+
+    std::int64_t Send(std::int64_t command, MPluginArgument* arguments);
+    /// Sends a command whose arguments are all empty.
+    std::int64_t Send(std::int64_t command);
+
+    /// Takes the first free of eight owner records for `driver`; its place in them, or -1 if none is free.
+    std::int32_t ConnectDriver(MPluginDriver& driver, std::int32_t eventIndex);
+    MPluginDriver* Driver() const;
+
+    MPluginEntry entry = nullptr;
+    MPlugin* instance = nullptr;
+    MString libraryName;
+    MString name;
+    MPluginDescription* description = nullptr;
+    MPluginSystem* system = nullptr;
+    bool active = true;
+    /// Handlers of the host commands 1 to 3, empty unless an editor sets them.
+    std::array<Handler, 4> handlers{};
+
+private:
+    struct OwnerRecord
+    {
+        std::int32_t state = -1;   // -1: free
+        std::int32_t kind = 0;
+        MPluginDriver* target = nullptr;
+    };
+    std::array<OwnerRecord, 8> owners{};
+};
+
+class MAudioEffectPluginHost : public MPluginHost
+{
+public:
+    std::int32_t Connect() override;
+    std::int32_t QueryTailSize();
+    void SendProcessUpdate();
+};
+
+/// Makes effects from nothing but their entry function. Lives on the stack of whoever does so; the hosts
+/// that it makes survive it.
+class MPluginSystem : public MObject
+{
+public:
+    enum Result : std::int32_t
+    {
+        Success = 0,
+        NoEntry = 4,
+        NotConnected = 5,
+        NoDescription = 6
+    };
+
+    std::int32_t CreatePlugin(const MString& name, MPluginEntry entry,
+                              std::unique_ptr<MAudioEffectPluginHost>& host);
+};
