@@ -1,0 +1,118 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <vector>
+
+#include "foundation/audiofile/AudioFile.h"
+#include "foundation/text/MException.h"
+#include "foundation/text/Translate.h"
+
+namespace
+{
+constexpr std::int32_t BlockFrames = 512;
+constexpr std::int32_t BlocksPerReport = 256;
+
+// Where the frames of a block lie in the source; the same for all channels.
+struct Positions
+{
+    std::array<std::int32_t, BlockFrames> index;
+    std::array<float, BlockFrames> fraction;
+    std::int32_t count = 0;   // behind these the block is silent
+
+    void Set(std::int32_t start, std::int32_t frameCount, double step, std::int32_t sourceFrames)
+    {
+        const std::int32_t lastIndex = sourceFrames - 2;
+        count = frameCount;
+        while (count > 0 && (start + count - 1) * step >= sourceFrames)
+            --count;
+        for (std::int32_t i = 0; i < count; ++i)
+        {
+            const double position = (start + i) * step;
+            const auto whole = static_cast<std::int32_t>(position);
+            fraction[static_cast<std::size_t>(i)] = static_cast<float>(position - whole);
+            index[static_cast<std::size_t>(i)] = whole < lastIndex ? whole : lastIndex;
+        }
+    }
+};
+
+// Catmull-Rom between x1 and x2. The samples are gathered first, so that the arithmetic runs in vectors.
+void Interpolate(const float* source, const Positions& positions, float* out)
+{
+    std::array<float, BlockFrames> x0, x1, x2, x3;
+    const auto count = static_cast<std::size_t>(positions.count);
+    for (std::size_t i = 0; i < count; ++i)
+    {
+        const float* near = source + positions.index[i];
+        x0[i] = near[-1];
+        x1[i] = near[0];
+        x2[i] = near[1];
+        x3[i] = near[2];
+    }
+    for (std::size_t i = 0; i < count; ++i)
+    {
+        const float t = positions.fraction[i];
+        const float cubic = 3.0f * (x1[i] - x2[i]) - x0[i] + x3[i];
+        const float square = x0[i] + 2.0f * x2[i] - (5.0f * x1[i] + x3[i]) * 0.5f;
+        const float slope = (x2[i] - x0[i]) * 0.5f;
+        out[i] = x1[i] + t * (slope + t * (square + t * (cubic * 0.5f)));
+    }
+}
+
+// The same samples as floats, with the guards.
+AudioSampleBuffer Expand(const AudioSampleBuffer& buffer)
+{
+    AudioSampleBuffer expanded;
+    expanded.Allocate(buffer.channels, buffer.frames);
+    for (std::int32_t channel = 0; channel < buffer.channels; ++channel)
+    {
+        const std::int16_t* source = buffer.CompactData(channel);
+        float* out = expanded.channelData[static_cast<std::size_t>(channel)];
+        for (std::int32_t i = 0; i < buffer.frames; ++i)
+            out[i] = static_cast<float>(source[i]) * AudioSampleBuffer::CompactScale;
+    }
+    return expanded;
+}
+}   // namespace
+
+void Resample(AudioSampleBuffer& buffer, double targetRate, const LoadProgress& progress)
+{
+    if (targetRate == buffer.sampleRate)
+        return;
+    const double step = buffer.sampleRate / targetRate;
+    const double newLength = buffer.frames / step;
+    if (!(newLength >= 0.0 && newLength < std::numeric_limits<std::int32_t>::max() - BlockFrames))
+        throw MException(Translate("The audio is too long to be resampled."), MErrorCode::InvalidArgument);
+
+    const AudioSampleBuffer expanded = buffer.compact != 0 ? Expand(buffer) : AudioSampleBuffer();
+    const AudioSampleBuffer& source = buffer.compact != 0 ? expanded : buffer;
+    const auto newFrames = static_cast<std::int32_t>(newLength);
+    AudioSampleBuffer result;
+    result.Allocate(buffer.channels, newFrames);
+    Positions positions;
+    for (std::int32_t start = 0; start < newFrames; start += BlockFrames)
+    {
+        if (start / BlockFrames % BlocksPerReport == 0)
+            progress.Report(static_cast<double>(start) / newFrames);
+        const std::int32_t count = std::min(BlockFrames, newFrames - start);
+        // A single frame has no neighbours: it stands for as long as it lasts.
+        if (source.frames >= 2)
+            positions.Set(start, count, step, source.frames);
+        for (std::size_t channel = 0; channel < static_cast<std::size_t>(result.channels); ++channel)
+        {
+            float* out = result.channelData[channel] + start;
+            if (source.frames < 2)
+            {
+                std::fill_n(out, count, source.channelData[channel][0]);
+                continue;
+            }
+            Interpolate(source.channelData[channel], positions, out);
+            std::fill(out + positions.count, out + count, 0.0f);
+        }
+    }
+    result.sampleRate = targetRate;
+    result.scale = buffer.scale;
+    result.bitsPerSample = buffer.bitsPerSample;
+    result.isFloatSource = buffer.isFloatSource;
+    buffer = std::move(result);
+}
