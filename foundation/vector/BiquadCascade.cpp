@@ -36,9 +36,9 @@ constexpr std::int32_t ShortestVectorRun = 16;
 //     section   A, left      A, right     B, left              B, right
 //     sample    k            k            k - Skew             k - Skew
 //
-// Vectors are chained to a pass of several groups, each section Skew samples behind the one before. One step of
-// a group is five operations. They are ordered so that a step waits for its predecessor by one multiply-add
-// only; Skew 2 gives the shift between the lanes the time that it takes.
+// Vectors are chained to a pass of several groups, each section Skew samples behind the one before. One step
+// of a group is five operations. They are ordered so that a step waits for its predecessor by one
+// multiply-add only; Skew 2 gives the shift between the lanes the time that it takes.
 //
 // The recursion inside is direct form I, which needs the two last inputs and outputs. The memory that
 // outlasts the call is that of the transposed form: at a section's first sample its s1 is added to the

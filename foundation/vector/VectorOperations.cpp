@@ -265,6 +265,26 @@ void ThresholdHighRun(const float* src, float level, float* dst, std::size_t n)
     WithConstant<MinOp>(src, level, dst, n);
 }
 
+void CopyFiniteRun(const float* src, float* dst, std::size_t n)
+{
+    const Wide wide;
+    const One one;
+    const std::size_t lanes = hn::Lanes(wide);
+    const auto largest = hn::Set(wide, std::numeric_limits<float>::max());
+    std::size_t i = 0;
+    for (; i + lanes <= n; i += lanes)
+    {
+        const auto v = hn::LoadU(wide, src + i);
+        hn::StoreU(hn::IfThenElseZero(hn::Le(hn::Abs(v), largest), v), wide, dst + i);
+    }
+    for (; i < n; ++i)
+    {
+        const auto v = hn::LoadU(one, src + i);
+        const auto finite = hn::Le(hn::Abs(v), hn::Set(one, std::numeric_limits<float>::max()));
+        hn::StoreU(hn::IfThenElseZero(finite, v), one, dst + i);
+    }
+}
+
 void AddScaledRun(float* dst, const float* src, float value, std::size_t n)
 {
     const Wide wide;
@@ -402,6 +422,7 @@ HWY_EXPORT(AddConstantRun);
 HWY_EXPORT(MultiplyConstantRun);
 HWY_EXPORT(ThresholdLowRun);
 HWY_EXPORT(ThresholdHighRun);
+HWY_EXPORT(CopyFiniteRun);
 HWY_EXPORT(AddScaledRun);
 HWY_EXPORT(AddProductRun);
 HWY_EXPORT(SumRun);
@@ -448,6 +469,11 @@ void Move(const float* src, float* dst, std::int32_t n)
 {
     if (n > 0)
         std::memmove(dst, src, Size(n) * sizeof(float));
+}
+
+void CopyFinite(const float* src, float* dst, std::int32_t n)
+{
+    HWY_DYNAMIC_DISPATCH(CopyFiniteRun)(src, dst, Size(n));
 }
 
 void Add(const float* a, const float* b, float* dst, std::int32_t n)
