@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <span>
+
+#include "control/values/MValueIndex.h"
+
+/// The labels of an enumeration in the order of its values:
+/// template <> struct MEnumLabels<Mode> { static constexpr const char* Labels[] = { "One", "Two" }; };
+template <typename E>
+struct MEnumLabels;
+
+/// Parsing takes a label that is not in the table for the first one.
+class MValueEnumBase : public MValueIndex
+{
+public:
+    MValueEnumBase(int* boundVariable, int initialDefault, std::span<const char* const> labelTable);
+
+    int LabelCount() const override { return static_cast<int>(labels.size()); }
+    MString LabelAt(int index) const override { return labels[static_cast<std::size_t>(index)]; }
+
+protected:
+    TextResult TakeText(const MString& text) override;
+
+private:
+    int IndexOf(const MString& text) const;
+
+    std::span<const char* const> labels;
+};
+
+/// Chooses a value of E, bound as an int.
+template <typename E>
+class MValueEnum : public MValueEnumBase
+{
+public:
+    explicit MValueEnum(int* boundVariable = nullptr, E initialDefault = {})
+        : MValueEnumBase(boundVariable, static_cast<int>(initialDefault), MEnumLabels<E>::Labels)
+    {
+    }
+
+    E GetEnum() const { return static_cast<E>(Get()); }
+    bool SetEnum(E value) { return Set(static_cast<int>(value)); }
+};

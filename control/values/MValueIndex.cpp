@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "control/values/MValueIndex.h"
+
+#include <algorithm>
+#include <atomic>
+
+MValueIndex::MValueIndex(int* boundVariable, int initialDefault)
+    : owned(initialDefault), bound(boundVariable != nullptr ? boundVariable : &owned),
+      defaultIndex(initialDefault)
+{
+}
+
+int MValueIndex::Get() const
+{
+    return std::atomic_ref<int>(*bound).load(std::memory_order_relaxed);
+}
+
+bool MValueIndex::Set(int index)
+{
+    const bool differs = Get() != index;
+    std::atomic_ref<int>(*bound).store(index, std::memory_order_relaxed);
+    changed = changed || differs;
+    return differs;
+}
+
+bool MValueIndex::SetNumber(double number)
+{
+    return Set(static_cast<int>(std::clamp(number, 0.0, static_cast<double>(LabelCount()))));
+}
+
+MString MValueIndex::ToText() const
+{
+    const int index = Get();
+    return index >= 0 && index < LabelCount() ? LabelAt(index) : MString();
+}
+
+int MValueIndex::IndexAt(double position) const
+{
+    return std::max(0, static_cast<int>(LimitedPosition(position) * (LabelCount() - 1) + 0.5));
+}
+
+MContent MValueIndex::CreateContentAt(double position) const
+{
+    const int index = IndexAt(position);
+    return MakeContent(DisplayTextOf(index, index < LabelCount() ? LabelAt(index) : MString()));
+}
+
+void MValueIndex::Clamp()
+{
+    Set(std::clamp(Get(), 0, std::max(LabelCount() - 1, 0)));
+}
+
+bool MValueIndex::Step(int direction, int)
+{
+    return Increment(direction);
+}
+
+bool MValueIndex::Increment(int steps)
+{
+    const int before = Get();
+    const std::int64_t moved = std::int64_t{ before } + steps;
+    Set(static_cast<int>(std::clamp<std::int64_t>(moved, 0, std::max(LabelCount() - 1, 0))));
+    return Get() != before;
+}
+
+double MValueIndex::GetNormalized() const
+{
+    const int count = LabelCount();
+    return count < 2 ? 0.0 : LimitedPosition(static_cast<double>(Get()) / (count - 1));
+}
+
+bool MValueIndex::SetNormalized(double position)
+{
+    return Set(IndexAt(position));
+}
