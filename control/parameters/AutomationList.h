@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <vector>
+
+#include "control/parameters/AutomationAdapter.h"
+#include "plugin/contract/MPlugin.h"
+
+/// The sorted list of adapters that gives the host its flat list of numbered parameters.
+///
+/// Built once when the plug-in is made; only temporary adapters come and go afterwards, above
+/// `HostParameterCount`, so the host's numbering never shifts. Searching is safe from any thread as long
+/// as the list stands.
+class AutomationList
+{
+public:
+    struct BuildContext
+    {
+        AutomationOwner* plugin = nullptr;
+        const MRelaxed<bool>* editorOpen = nullptr;
+        MString prefix;
+    };
+
+    AutomationList() = default;
+    AutomationList(const AutomationList&) = delete;
+    AutomationList& operator=(const AutomationList&) = delete;
+    ~AutomationList() { Clear(); }
+
+    /// One adapter for each visible record of the description, in its order; then its special parameters.
+    /// Throws MException "Invalid plugin parameter type.".
+    void Build(MPlugin& effect, const BuildContext& context);
+    void Add(AutomationAdapter* adapter);
+    /// Sorts by `sortKey`, numbers the targets and counts them.
+    void AssignIndices();
+    void RemoveTemporary();
+    void Clear();
+
+    /// The adapter whose targets hold a host index; null in an empty list. `sub` gets its number in it.
+    AutomationAdapter* Find(std::int32_t index, std::int32_t& sub) const;
+    /// The adapter of a record of the description, null if it has none.
+    AutomationAdapter* FindParameter(std::int32_t parameterIndex) const;
+
+    std::int32_t ParameterCount() const { return parameterCount; }
+    std::int32_t HostParameterCount() const { return hostParameterCount; }
+    const std::vector<AutomationAdapter*>& Adapters() const { return adapters; }
+
+    bool sortingEnabled = true;
+
+private:
+    struct BucketEntry
+    {
+        std::int32_t parameterIndex;
+        AutomationAdapter* adapter;
+    };
+    void BuildPass(MPlugin& effect, MPluginParameterInfo* const* records, std::int32_t count, bool temporary,
+                   const BuildContext& context);
+    void BuildSpecial(MPlugin& effect, const BuildContext& context);
+
+    std::vector<AutomationAdapter*> adapters;
+    std::array<std::vector<BucketEntry>, 8> buckets;   // by parameter index & 7
+    std::int32_t parameterCount = 0;
+    std::int32_t hostParameterCount = 0;
+};

@@ -1,0 +1,249 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "plugin/driver/MAudioEffectPluginToAudioPluginAdapter.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "foundation/text/MException.h"
+#include "foundation/text/MStringFormat.h"
+#include "state/tree/MAttribute.h"
+#include "state/tree/MStoreParams.h"
+
+MAudioEffectPluginToAudioPluginAdapter::~MAudioEffectPluginToAudioPluginAdapter()
+{
+    // The adapters point into the effect, which goes with its host.
+    editorUpdates.StopListening();
+    automation.Clear();
+    host.reset();
+}
+
+void MAudioEffectPluginToAudioPluginAdapter::Initialize(const MString& effectName, const MString& makerName,
+                                                        MPluginEntry entry, std::int32_t editorWidth,
+                                                        std::int32_t editorHeight)
+{
+    MPluginSystem system;
+    if (system.CreatePlugin(effectName, entry, host) != MPluginSystem::Success)
+        throw MException("Error creating plugin.");
+    effect = dynamic_cast<MAudioEffectPlugin*>(
+        reinterpret_cast<MPlugin*>(static_cast<std::intptr_t>(host->Send(PluginCommand::GetInstance))));
+    host->system = nullptr;   // it ends with this operation
+    if (effect == nullptr)
+        throw MException("Error creating plugin.");
+
+    name = effectName;
+    maker = makerName;
+    defaultEditorWidth = editorWidth;
+    defaultEditorHeight = editorHeight;
+    takesMIDI = true;
+    BuildChannelNames();
+    host->ConnectDriver(*this, -1);
+    RebuildParameters();
+    UpdateMaxBufferSize();
+}
+
+void MAudioEffectPluginToAudioPluginAdapter::BuildChannelNames()
+{
+    static constexpr const char* sides[] = { "L", "R" };
+    inputNames.Clear();
+    outputNames.Clear();
+    for (const char* side : sides)
+    {
+        inputNames.Add(Format("In {0}", MString(side)));
+        outputNames.Add(Format("Out {0}", MString(side)));
+    }
+    const std::int32_t buses = effect->description.inputBusCount;
+    for (std::int32_t bus = 1; bus < buses; ++bus)
+        for (const char* side : sides)
+            inputNames.Add(buses == 2 ? Format("Sidechain {0}", MString(side))
+                                      : Format("Sidechain {0} {1}", MString(side), bus));
+    channelsPerGroup = 2;
+}
+
+void MAudioEffectPluginToAudioPluginAdapter::RebuildParameters()
+{
+    updateTimeInfo = effect->description.Has(EffectFlag::WantsTimeInfo);
+    wantsTimeInfo = updateTimeInfo;
+    // From here on the effect and the driver share one lock.
+    effect->lock = &settingsLock;
+    environment.editorVisible = false;
+    effect->description.environment = &environment;
+    automation.Build(*effect, { .plugin = this, .editorOpen = &editorOpen, .prefix = {} });
+    automation.AssignIndices();
+    interpolator.Rebuild(automation);
+}
+
+void MAudioEffectPluginToAudioPluginAdapter::UpdateMaxBufferSize()
+{
+    maxProcessBlockLimit = std::max(1, effect->description.maxBlockSize);
+}
+
+void MAudioEffectPluginToAudioPluginAdapter::Update()
+{
+    effect->Update();
+}
+
+std::int32_t MAudioEffectPluginToAudioPluginAdapter::GetLatency()
+{
+    return effect->GetLatency();
+}
+
+std::int32_t MAudioEffectPluginToAudioPluginAdapter::GetTailSize()
+{
+    return effect->GetTailSize();
+}
+
+void MAudioEffectPluginToAudioPluginAdapter::ProcessUpdate()
+{
+    if (editorOpen)
+        effect->ProcessUpdate();
+}
+
+void MAudioEffectPluginToAudioPluginAdapter::PrepareProcessing()
+{
+    MAudioPlugin::PrepareProcessing();
+    // Directly and not by a command: what fails here has to reach the host adapter.
+    effect->InitProcessing(effectChannels, processingSampleRate);
+    effect->Update();
+    effect->AcceptValues();
+}
+
+void MAudioEffectPluginToAudioPluginAdapter::ProcessingBegin(float* const*, float* const*, std::int32_t, bool)
+{
+    interpolationBlock = maxLFOBlockSize;
+    maxProcessBlock = maxProcessBlockLimit;
+}
+
+void MAudioEffectPluginToAudioPluginAdapter::FillContext()
+{
+    if (!updateTimeInfo)
+        return;
+    context = {};
+    context.tempo = tempo;
+    if (playing)
+    {
+        context.position = position;
+        context.barStart = barStart;
+        context.timeSignatureNumerator = timeSignatureNumerator;
+        context.timeSignatureDenominator = timeSignatureDenominator;
+    }
+    context.updateTimeInfo = true;
+    context.maxBlockSize = maxProcessBlock;
+}
+
+void MAudioEffectPluginToAudioPluginAdapter::Process(float** inputs, float** outputs,
+                                                     std::int32_t sampleCount)
+{
+    FillContext();
+    if (effect->description.TakeUpdateRequest())
+        effect->Update();
+    effect->Process(context, inputs, outputs, sampleCount);
+}
+
+namespace
+{
+constexpr const char* channelModeLabels[] = {
+    "Left + Right", "Left", "Right", "Mono", "Stereo", "Mono + Stereo", "Left + Right (neg)", "Surround"
+};
+
+void StoreNumber(const MStoreParams& params, const MString& key, std::int32_t& value)
+{
+    if (params.saving)
+        params.item->SetAttribute(key, MString::FromInt(value));
+    else if (params.item->HasAttribute(key))
+        value = static_cast<std::int32_t>(params.item->GetCachedAttribute().ToInt());
+}
+
+// Left out at its default, which an absent key also reads as.
+void StoreUnlessDefault(const MStoreParams& params, const MString& key, std::int32_t& value,
+                        std::int32_t defaultValue)
+{
+    if (!params.saving)
+        value = params.item->HasAttribute(key)
+                    ? static_cast<std::int32_t>(params.item->GetCachedAttribute().ToInt())
+                    : defaultValue;
+    else if (value == defaultValue)
+        params.item->RemoveAttribute(key);
+    else
+        params.item->SetAttribute(key, MString::FromInt(value));
+}
+}   // namespace
+
+void MAudioEffectPluginToAudioPluginAdapter::Store(const MStoreParams& params)
+{
+    if (!params.saving)
+        version = FirstVersion;
+    StoreNumber(params, "Version", version);
+    if (params.saving)
+    {
+        params.item->SetAttribute("ChannelMode", channelModeLabels[channelMode]);
+    }
+    else if (params.item->HasAttribute("ChannelMode"))
+    {
+        const MString label = params.item->GetCachedAttribute();
+        const auto* found = std::find_if(std::begin(channelModeLabels), std::end(channelModeLabels),
+                                         [&](const char* known) { return label == MString(known); });
+        if (found != std::end(channelModeLabels))
+            channelMode = static_cast<std::int32_t>(found - channelModeLabels);
+    }
+    std::int32_t bypassed = bypass ? 1 : 0;
+    StoreUnlessDefault(params, "Bypass", bypassed, 0);
+    bypass = bypassed != 0;
+    StoreUnlessDefault(params, "MaxLFOBlockSize", maxLFOBlockSize, 256);
+    StoreSettings(params);
+}
+
+void MAudioEffectPluginToAudioPluginAdapter::StoreSettings(const MStoreParams& params)
+{
+    {
+        const MSynchronizerGuard processGuard(processLock);
+        const MSynchronizerGuard initGuard(initLock);
+        const MSynchronizerGuard settingsGuard(settingsLock);
+        if (params.saving)
+        {
+            effect->SaveSettings(*params.item);
+            return;
+        }
+        effect->LoadSettings(*params.item);
+        interpolator.SkipNextRamp();
+        InitProcessing();
+    }
+    OnSettingsChanged();
+}
+
+std::int64_t MAudioEffectPluginToAudioPluginAdapter::OnDestroyTemporaryAdapters()
+{
+    editorUpdates.Forget();
+    automation.RemoveTemporary();
+    automation.AssignIndices();
+    interpolator.Rebuild(automation);
+    return 0;
+}
+
+std::int64_t MAudioEffectPluginToAudioPluginAdapter::OnRebuildParameters()
+{
+    const MSynchronizerGuard processGuard(processLock);
+    const MSynchronizerGuard initGuard(initLock);
+    const MSynchronizerGuard settingsGuard(settingsLock);
+    editorUpdates.Forget();
+    automation.Clear();
+    RebuildParameters();
+    return OnRefreshAdapters();
+}
+
+std::int64_t MAudioEffectPluginToAudioPluginAdapter::OnRefreshAdapters()
+{
+    for (AutomationAdapter* each : automation.Adapters())
+        each->OnReconnect();
+    return 0;
+}
+
+std::int64_t MAudioEffectPluginToAudioPluginAdapter::OnBlockLimitChanged()
+{
+    UpdateMaxBufferSize();
+    return 0;
+}
+
+void MAudioEffectPluginToAudioPluginAdapter::AddEffectEventTarget(MEventTarget* target)
+{
+    effectEventTargets.push_back(target);
+}

@@ -1,0 +1,231 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "plugin/driver/MAudioPlugin.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "control/parameters/ParameterAdapters.h"
+#include "foundation/text/Boundary.h"
+
+MAudioPlugin::MAudioPlugin() = default;
+
+std::int32_t MAudioPlugin::GroupWidth() const
+{
+    return connectedWidth >= 0 ? connectedWidth : channelsPerGroup;
+}
+
+namespace
+{
+// Channels that the mode "Left + Right" takes and gives.
+constexpr std::int32_t modeInputChannels = 2;
+constexpr std::int32_t modeOutputChannels = 2;
+}   // namespace
+
+std::int32_t MAudioPlugin::GetEffectChannels() const
+{
+    return std::max(1, std::min(GroupWidth(), modeInputChannels));
+}
+
+std::int32_t MAudioPlugin::GetInputChannelsPerGroup() const
+{
+    return inputNames.Count() == 0 ? 0 : std::max(1, std::min(GroupWidth(), modeOutputChannels));
+}
+
+std::int32_t MAudioPlugin::GetOutputChannelsPerGroup() const
+{
+    return std::max(1, std::min(GroupWidth(), modeOutputChannels));
+}
+
+std::int32_t MAudioPlugin::GetInputGroups() const
+{
+    return inputNames.Count() / channelsPerGroup;
+}
+
+std::int32_t MAudioPlugin::GetOutputGroups() const
+{
+    return outputNames.Count() / channelsPerGroup;
+}
+
+void MAudioPlugin::SetConnectedChannels(std::int32_t inputs, std::int32_t outputs)
+{
+    connectedInputs = inputs;
+    connectedOutputs = outputs;
+    const std::int32_t width = std::max(inputs, outputs);
+    if (width == connectedWidth)
+        return;
+    connectedWidth = width;
+    InitProcessing();
+}
+
+void MAudioPlugin::PrepareProcessing()
+{
+    const MSynchronizerGuard initGuard(initLock);
+    const MSynchronizerGuard settingsGuard(settingsLock);
+    processingSampleRate = upsamplingFactor * sampleRate;
+    inputsPerGroup = GetInputChannelsPerGroup();
+    outputsPerGroup = GetOutputChannelsPerGroup();
+    effectChannels = GetEffectChannels();
+}
+
+void MAudioPlugin::InitProcessing()
+{
+    {
+        const MSynchronizerGuard processGuard(processLock);
+        const MSynchronizerGuard initGuard(initLock);
+        const MSynchronizerGuard settingsGuard(settingsLock);
+        PrepareProcessing();
+        bypassDelayLength = TotalLatency();
+        const std::int32_t groups = std::min(GetInputGroups(), GetOutputGroups());
+        for (std::int32_t group = 0; group < groups; ++group)
+            for (std::int32_t channel = 0; channel < inputsPerGroup; ++channel)
+                bypassDelay[static_cast<std::size_t>(group * channelsPerGroup + channel)].SetLength(
+                    bypassDelayLength);
+    }
+    CheckLatency();
+}
+
+void MAudioPlugin::CheckLatency()
+{
+    const std::int32_t latency = TotalLatency();
+    if (latency == reportedLatency)
+        return;
+    reportedLatency = latency;
+    if (adapter != nullptr)
+        adapter->ReportLatency();
+}
+
+void MAudioPlugin::SendAutomation(std::int32_t index, double value01)
+{
+    if (adapter != nullptr)
+        adapter->SendAutomation(index, value01);
+}
+
+void MAudioPlugin::RequestEditorUpdate(AutomationAdapter& changed)
+{
+    editorUpdates.Request(changed);
+}
+
+namespace
+{
+// Finds the adapter of a host index and runs one of its operations at the edge of the system.
+template <typename Operation>
+void WithAdapter(const AutomationList& list, std::int32_t index, const char* name, Operation&& operation)
+{
+    AtBoundary(name,
+               [&]
+               {
+                   std::int32_t sub = 0;
+                   if (index < 0 || index >= list.ParameterCount())
+                       return;
+                   if (AutomationAdapter* found = list.Find(index, sub))
+                       operation(*found, sub);
+               });
+}
+}   // namespace
+
+void MAudioPlugin::SetParameter(std::int32_t index, double value01, bool silent) noexcept
+{
+    WithAdapter(
+        automation, index, "MAudioPlugin::SetParameter",
+        [&](AutomationAdapter& target, std::int32_t sub)
+        { target.SetValue(sub, std::isfinite(value01) ? std::clamp(value01, 0.0, 1.0) : 0.0, silent); });
+}
+
+void MAudioPlugin::SetParameterIfChanged(std::int32_t index, double value01, bool silent) noexcept
+{
+    if (std::fabs(GetParameter(index) - value01) > 1e-07)
+        SetParameter(index, value01, silent);
+}
+
+double MAudioPlugin::GetParameter(std::int32_t index) const noexcept
+{
+    double value = 0;
+    WithAdapter(automation, index, "MAudioPlugin::GetParameter",
+                [&](AutomationAdapter& target, std::int32_t sub) { value = target.GetValue(sub); });
+    return value;
+}
+
+void MAudioPlugin::GetParameterName(MString& out, std::int32_t index) const noexcept
+{
+    WithAdapter(automation, index, "MAudioPlugin::GetParameterName",
+                [&](AutomationAdapter& target, std::int32_t sub) { target.GetName(out, sub); });
+}
+
+void MAudioPlugin::GetParameterID(MString& out, std::int32_t index) const noexcept
+{
+    WithAdapter(automation, index, "MAudioPlugin::GetParameterID",
+                [&](AutomationAdapter& target, std::int32_t sub)
+                {
+                    MString id;
+                    MString name;
+                    target.GetID(id, sub);
+                    target.GetName(name, sub);
+                    out = target.prefix + id + name;
+                });
+}
+
+void MAudioPlugin::GetParameterLabel(MString& out, std::int32_t index) const noexcept
+{
+    WithAdapter(automation, index, "MAudioPlugin::GetParameterLabel",
+                [&](AutomationAdapter& target, std::int32_t sub) { target.GetShortName(out, sub); });
+}
+
+void MAudioPlugin::GetParameterValueName(MString& out, std::int32_t index) const noexcept
+{
+    WithAdapter(automation, index, "MAudioPlugin::GetParameterValueName",
+                [&](AutomationAdapter& target, std::int32_t sub) { target.GetValueName(out, sub); });
+}
+
+void MAudioPlugin::GetParameterValueNameFrom01(MString& out, std::int32_t index,
+                                               double value01) const noexcept
+{
+    WithAdapter(automation, index, "MAudioPlugin::GetParameterValueNameFrom01",
+                [&](AutomationAdapter& target, std::int32_t sub)
+                { target.GetValueNameFrom01(out, sub, value01); });
+}
+
+double MAudioPlugin::ParseParameterValueName(std::int32_t index, const MString& text) const noexcept
+{
+    double value = 0;
+    WithAdapter(automation, index, "MAudioPlugin::ParseParameterValueName",
+                [&](AutomationAdapter& target, std::int32_t sub)
+                { value = target.ParseValueName(sub, text); });
+    return value;
+}
+
+void MAudioPlugin::GetParameterUnitsName(MString& out, std::int32_t index) const noexcept
+{
+    WithAdapter(automation, index, "MAudioPlugin::GetParameterUnitsName",
+                [&](AutomationAdapter& target, std::int32_t sub) { target.GetUnitsName(out, sub); });
+}
+
+bool MAudioPlugin::IsParameterDiscrete(std::int32_t index) const noexcept
+{
+    return GetParameterType(index) != AutomationAdapter::Type::Float;
+}
+
+void MAudioPlugin::GetParameterHelp(MString& out, std::int32_t index) const noexcept
+{
+    WithAdapter(automation, index, "MAudioPlugin::GetParameterHelp",
+                [&](AutomationAdapter& target, std::int32_t)
+                {
+                    if (const auto* parameter = dynamic_cast<const ParameterMainBase*>(&target))
+                        out = parameter->info->help;
+                });
+}
+
+AutomationAdapter::Type MAudioPlugin::GetParameterType(std::int32_t index) const noexcept
+{
+    AutomationAdapter::Type type = AutomationAdapter::Type::Float;
+    WithAdapter(automation, index, "MAudioPlugin::GetParameterType",
+                [&](AutomationAdapter& target, std::int32_t sub) { type = target.GetType(sub); });
+    return type;
+}
+
+double MAudioPlugin::GetParameterDefaultValue(std::int32_t index) const noexcept
+{
+    double value = 0;
+    WithAdapter(automation, index, "MAudioPlugin::GetParameterDefaultValue",
+                [&](AutomationAdapter& target, std::int32_t sub) { value = target.GetDefaultValue(sub); });
+    return value;
+}

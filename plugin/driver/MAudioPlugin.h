@@ -1,0 +1,159 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <vector>
+
+#include "control/parameters/AutomationList.h"
+#include "foundation/containers/MEvent.h"
+#include "foundation/text/MStringList.h"
+#include "foundation/threads/MLock.h"
+#include "plugin/driver/EditorUpdates.h"
+#include "plugin/driver/MAudioPluginAdapter.h"
+#include "plugin/driver/MSampleQueue.h"
+#include "plugin/driver/ParameterInterpolator.h"
+
+struct MStoreParams;
+
+/// The host-neutral plug-in object. A host adapter owns one and feeds it blocks and parameter calls.
+///
+/// Order of calls: the adapter sets `adapter`, `sampleRate` and the connected channels and runs
+/// InitProcessing; then ProcessBlock as often as it likes. A change of rate or channels runs InitProcessing
+/// again, from any thread.
+///
+/// Locks, always in this order: `processLock`, `initLock`, `settingsLock`. ProcessBlock only tries the first
+/// and waits for the last; whoever changes what processing reads holds all three, so that the audio thread
+/// drops a block instead of waiting.
+class MAudioPlugin : public MEventTarget, public AutomationOwner
+{
+public:
+    static constexpr std::int32_t MaxChannels = 128;
+
+    MAudioPlugin();
+    ~MAudioPlugin() override = default;
+    MAudioPlugin(const MAudioPlugin&) = delete;
+    MAudioPlugin& operator=(const MAudioPlugin&) = delete;
+
+    /// One block, the only way audio goes. `inputs` and `outputs` are channel pointers in groups,
+    /// `groupStride` apart; null pointers stand for channels that aren't connected. Not `replacing` adds to
+    /// the outputs. Audio thread. Throws MException "Could not acquire mutex." when the block is dropped,
+    /// with the outputs untouched.
+    void ProcessBlock(float* const* inputs, float* const* outputs, std::int32_t sampleCount, bool replacing);
+    /// Prepares for `sampleRate` and the channels set. Any thread but the audio thread; allocates.
+    virtual void InitProcessing();
+    /// How many channels of a group the host really connected; a change prepares anew.
+    void SetConnectedChannels(std::int32_t inputs, std::int32_t outputs);
+
+    // Parameters, by the host's index. Any thread. Out of range answers the neutral value.
+    std::int32_t GetParameterCount() const { return automation.HostParameterCount(); }
+    void SetParameter(std::int32_t index, double value01, bool silent = false) noexcept;
+    void SetParameterIfChanged(std::int32_t index, double value01, bool silent = false) noexcept;
+    double GetParameter(std::int32_t index) const noexcept;
+    void GetParameterName(MString& out, std::int32_t index) const noexcept;
+    void GetParameterID(MString& out, std::int32_t index) const noexcept;
+    void GetParameterLabel(MString& out, std::int32_t index) const noexcept;
+    void GetParameterValueName(MString& out, std::int32_t index) const noexcept;
+    void GetParameterValueNameFrom01(MString& out, std::int32_t index, double value01) const noexcept;
+    double ParseParameterValueName(std::int32_t index, const MString& text) const noexcept;
+    void GetParameterUnitsName(MString& out, std::int32_t index) const noexcept;
+    bool IsParameterDiscrete(std::int32_t index) const noexcept;
+    void GetParameterHelp(MString& out, std::int32_t index) const noexcept;
+    AutomationAdapter::Type GetParameterType(std::int32_t index) const noexcept;
+    double GetParameterDefaultValue(std::int32_t index) const noexcept;
+    void SendAutomation(std::int32_t index, double value01) override;
+    void RequestEditorUpdate(AutomationAdapter& changed) override;
+
+    virtual void Update() = 0;
+    virtual void Store(const MStoreParams& params) = 0;
+    /// The latency and tail of the effect itself, in samples at the rate that it sees.
+    virtual std::int32_t GetLatency() = 0;
+    virtual std::int32_t GetTailSize() = 0;
+    /// Samples that the host has to compensate.
+    std::int32_t TotalLatency() { return GetLatency() / upsamplingFactor; }
+    /// Tells the adapter when the latency isn't what was last reported.
+    virtual void CheckLatency();
+    virtual double GetOutputLimit() { return -1.0; }
+
+    virtual std::int32_t GetEffectChannels() const;
+    virtual std::int32_t GetInputChannelsPerGroup() const;
+    virtual std::int32_t GetOutputChannelsPerGroup() const;
+    virtual std::int32_t GetInputGroups() const;
+    virtual std::int32_t GetOutputGroups() const;
+    virtual void OnSettingsChanged() {}
+    /// A slow tick of the user interface.
+    virtual void ProcessUpdate() {}
+
+    double tempo = -1;
+    double position = 0;
+    double barStart = 0;
+    std::int32_t timeSignatureNumerator = -1;
+    std::int32_t timeSignatureDenominator = -1;
+    double processingSampleRate = 44100;   ///< the rate that the effect sees
+    double cycleStart = -1;
+    double cycleEnd = -1;
+    MStringList inputNames;   ///< their counts are the channel counts
+    MStringList outputNames;
+    std::int32_t connectedInputs = 0;   ///< 0: all
+    std::int32_t connectedOutputs = 0;
+    std::int32_t channelsPerGroup = 2;
+    std::int32_t groupStride = 8;
+    bool takesMIDI = false;
+    bool producesMIDI = false;
+    bool outputsAccumulate = false;   ///< Process adds to its outputs
+    bool noInPlace = true;   ///< Process must not get one buffer as input and output
+    bool wantsTimeInfo = true;
+    std::int32_t upsamplingFactor = 1;
+    MAudioPluginAdapter* adapter = nullptr;
+    bool playing = false;
+    MRelaxed<bool> bypass = false;
+    MLock processLock;
+    MLock initLock;
+    MLock settingsLock;
+    double sampleRate = 44100;
+    std::int32_t reportedLatency = -1;
+    AutomationList automation;
+
+protected:
+    /// The part of InitProcessing that runs under all three locks.
+    virtual void PrepareProcessing();
+    /// One run of samples through the effect.
+    virtual void Process(float** inputs, float** outputs, std::int32_t sampleCount) = 0;
+    virtual void ProcessingBegin(float* const* inputs, float* const* outputs, std::int32_t sampleCount,
+                                 bool replacing) = 0;
+    virtual void ProcessingEnd(float* const*, float* const*, std::int32_t, bool) {}
+    virtual void PrepareForProcessingOnce() {}
+
+    std::int32_t maxProcessBlock = 0x7FFFFFFF;
+    std::int32_t interpolationBlock = 256;
+    ParameterInterpolator interpolator;
+    EditorUpdates editorUpdates;
+    MRelaxed<bool> editorOpen = false;
+    std::int32_t inputsPerGroup = 2;
+    std::int32_t outputsPerGroup = 2;
+    std::int32_t effectChannels = 2;
+
+private:
+    struct ChannelSet
+    {
+        std::array<float*, MaxChannels> pointers{};
+    };
+
+    void ProcessDirect(ChannelSet& inputs, ChannelSet& outputs, std::int32_t sampleCount, bool replacing);
+    void ProcessChannels(float** inputs, float** outputs, std::int32_t sampleCount);
+    void ProcessBypassed(const ChannelSet& inputs, const ChannelSet& outputs, std::int32_t sampleCount,
+                         bool replacing);
+    void FixAudioBuffers(ChannelSet& channels, std::int32_t connected, std::int32_t groups, bool isInput,
+                         std::int32_t sampleCount);
+    float** Scratch(std::vector<std::vector<float>>& buffers, ChannelSet& pointers, std::int32_t channels,
+                    std::int32_t sampleCount);
+    std::int32_t GroupWidth() const;
+
+    std::int32_t connectedWidth = -1;   // of the host's group; negative: the group as it is
+    std::int32_t bypassDelayLength = 0;
+    std::array<MSampleQueue, MaxChannels> bypassDelay;
+    std::vector<std::vector<float>> inputScratch;
+    std::vector<std::vector<float>> outputScratch;
+    std::vector<float> silentInput;
+    std::vector<float> discardOutput;
+};
