@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <vector>
+
+#include "audio/equalizer/ChunkTransition.h"
+#include "audio/equalizer/LinearPhasePair.h"
+#include "audio/equalizer/SectionList.h"
+#include "audio/fft/MSignalWindowType.h"
+
+/// The "Linear-phase" mode: every section runs backward in time over overlapping frames and forward over
+/// their sum, so that magnitudes add up and phases cancel. The output equals PlainLinearPhase's up to float
+/// rounding, at any block lengths, but the work comes evenly instead of in bursts:
+///
+/// A hop is cut into chunks. A chunk that has arrived is run backward from silence at once, to know its state
+/// at its beginning. When the hop is complete, these states are carried through it by the map of the filters'
+/// memory over one chunk, which gives the true state at every boundary. A chunk of output is then run
+/// backward from its state, and forward, in the block that needs it.
+///
+/// A new list is taken over when a hop is complete, for the frame that ends there and the hop that then comes
+/// out. What was computed with the old list is made again in the blocks that follow, as far as the hop leaves
+/// time, or by running through the hop when it ends.
+///
+/// Samples that are not finite are taken as 0. Thread: Process is audio, the rest is main, never at once with
+/// it.
+class LinearPhaseEngine
+{
+public:
+    LinearPhaseEngine() = default;
+    LinearPhaseEngine(const LinearPhaseEngine&) = delete;
+    LinearPhaseEngine& operator=(const LinearPhaseEngine&) = delete;
+
+    /// 1 to 8 channels. Allocates everything; Reset is included.
+    void Prepare(std::int32_t channels);
+    /// Silence, with the latency of 32768 samples ahead. The filters stay.
+    void Reset();
+    /// 0 to SectionList::Capacity sections. Between two blocks, under the owner's lock. Never allocates.
+    void SetFilters(const MAudioFilters::Filter<double>* sections, std::int32_t count);
+    /// Off, the frames still fade, but nothing is filtered.
+    void SetEnabled(bool filtered);
+    /// Any number of frames; an output may be an input's array. Thread: audio. Never allocates.
+    void Process(const float* const* inputs, float* const* outputs, std::int32_t frames);
+
+private:
+    using Stamp = std::uint32_t;
+
+    /// Which list the chunk states of a segment were made with.
+    struct Segment
+    {
+        std::array<Stamp, LinearPhaseGeometry::ChunkCount> whole{};
+        std::array<Stamp, LinearPhaseGeometry::ChunkCount> faded{};   // from FadeChunk on
+        std::int32_t arrived = 0;   // chunks
+    };
+
+    bool IsCurrent(Stamp stamp) const { return stamp == current || stamp == Silent; }
+    void TakeList();
+    void Step(const float* const* inputs, float* const* outputs, std::int32_t offset, std::int32_t frames);
+    void CompleteHop();
+    void BeginHop(std::int32_t slot);
+    bool HasAllFadeStates(const Segment& segment) const;
+
+    void Work(std::int32_t frames, bool produced);
+    std::int64_t WorkOnce();
+    std::int64_t RunPendingChunk(std::int32_t slot, bool wholeFirstHalf);
+    void RunPendingForHop(std::int32_t slot);
+
+    static constexpr Stamp Never = 0;
+    static constexpr Stamp Silent = 1;   // of silence, whatever the list
+    static constexpr Stamp FirstList = 2;
+
+    std::int32_t channelCount = 0;
+    MSignalWindowType fade;
+    std::vector<LinearPhasePair> channelPairs;
+
+    SectionList given;   // by the owner
+    SectionList active;   // what runs: given, or nothing
+    SectionList latched;   // of the hop that comes out, and of the frame that its last hop completed
+    SectionList previous;   // of the frame before
+    bool enabled = true;
+    bool changed = false;   // since the last block
+    bool started = false;
+    Stamp current = FirstList;   // of `active`
+    ChunkTransition transition;
+    LinearPhasePair::Lists lists;
+
+    std::array<Segment, LinearPhasePair::SlotCount> segments;
+    std::int32_t arrivingSlot = 0;   // also the one whose former segment comes out
+    std::int32_t position = 0;   // in the hop
+};

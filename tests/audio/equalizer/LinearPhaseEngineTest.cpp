@@ -1,0 +1,230 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "audio/equalizer/LinearPhaseEngine.h"
+
+#include <limits>
+#include <memory>
+
+#include <gtest/gtest.h>
+
+#include "audio/equalizer/PlainLinearPhase.h"
+#include "tests/audio/equalizer/Signals.h"
+
+namespace
+{
+using namespace EngineTest;
+constexpr std::uint32_t Seed = 4711;
+
+/// The plain form of all channels, behind the engine's interface.
+class PlainChannels
+{
+public:
+    explicit PlainChannels(std::size_t count)
+    {
+        for (std::size_t i = 0; i < count; ++i)
+            channels.push_back(std::make_unique<PlainLinearPhase>());
+    }
+    void SetFilters(const Filters& sections)
+    {
+        for (auto& channel : channels)
+            channel->SetFilters(sections.data(), static_cast<std::int32_t>(sections.size()));
+    }
+    void SetEnabled(bool enabled)
+    {
+        for (auto& channel : channels)
+            channel->SetEnabled(enabled);
+    }
+    void Process(const float* const* inputs, float* const* outputs, std::int32_t frames)
+    {
+        for (std::size_t i = 0; i < channels.size(); ++i)
+            channels[i]->Process(inputs[i], outputs[i], frames);
+    }
+
+private:
+    std::vector<std::unique_ptr<PlainLinearPhase>> channels;
+};
+
+void ExpectEqual(const Channels& actual, const Channels& expected)
+{
+    for (std::size_t channel = 0; channel < expected.size(); ++channel)
+    {
+        // The plain form rounds to float between its passes: a few units of the last place of the largest
+        // value, as often as the forward pass may raise them.
+        const float tolerance = 1.5e-6f * Peak(expected[channel]) + 1e-12f;
+        for (std::size_t i = 0; i < expected[channel].size(); ++i)
+            ASSERT_NEAR(actual[channel][i], expected[channel][i], tolerance)
+                << "channel " << channel << " at " << i;
+    }
+}
+
+struct Case
+{
+    const char* what;
+    std::int32_t channelCount;
+    std::int32_t sectionCount;
+    std::int32_t maxBlock;
+    double changesPerHop;   // of filters or the enable flag, at random times
+    std::int32_t hops;
+    bool anyCount;   // the number of sections changes too
+};
+
+void CompareWithPlain(const Case& known)
+{
+    SCOPED_TRACE(known.what);
+    const auto channelCount = static_cast<std::size_t>(known.channelCount);
+    const auto length = static_cast<std::size_t>(known.hops * EqualizerGeometry::HopSize) + 777;
+    Channels actual = Noise(channelCount, length, Seed);
+    Channels expected = actual;
+    LinearPhaseEngine engine;
+    engine.Prepare(known.channelCount);
+    PlainChannels plain(channelCount);
+    std::mt19937 random(Seed + 1);
+    std::uniform_int_distribution<std::int32_t> blocks(0, known.maxBlock);
+    std::uniform_real_distribution<double> chance(0.0, 1.0);
+    std::uint32_t list = 0;
+    bool enabled = true;
+    std::size_t position = 0;
+    while (position < length)
+    {
+        const auto frames = std::min(blocks(random), static_cast<std::int32_t>(length - position));
+        const bool change = chance(random) < known.changesPerHop * frames / EqualizerGeometry::HopSize;
+        if (position == 0 || change)
+        {
+            if (list % 4 == 3)
+                enabled = !enabled;
+            std::int32_t count = known.sectionCount;
+            if (known.anyCount)
+                count = std::uniform_int_distribution<std::int32_t>(0, count)(random);
+            const Filters sections = Sections(count, Seed + (list % 4 == 2 ? list - 1 : list));
+            engine.SetEnabled(enabled);
+            engine.SetFilters(sections.data(), count);
+            plain.SetEnabled(enabled);
+            plain.SetFilters(sections);
+            ++list;
+        }
+        ProcessBlock(engine, actual, position, frames);
+        ProcessBlock(plain, expected, position, frames);
+        position += static_cast<std::size_t>(frames);
+    }
+    ExpectEqual(actual, expected);
+}
+
+TEST(LinearPhaseEngine, EqualsThePlainFormAtRestForAnyListChannelsAndBlocks)
+{
+    const Case cases[] = {
+        { "no section", 2, 0, 300, 0, 4, false },
+        { "one section", 1, 1, 128, 0, 4, false },
+        { "4 in stereo", 2, 4, 64, 0, 5, false },
+        { "10 in stereo, long blocks", 2, 10, 3000, 0, 5, false },
+        { "10 in mono, huge blocks", 1, 10, 40000, 0, 6, false },
+        { "11 in five channels", 5, 11, 1000, 0, 4, false },
+        { "40 in stereo", 2, 40, 700, 0, 4, false },
+        { "170 in mono", 1, 170, 500, 0, 4, false },
+        { "200, beyond the map", 1, 200, 500, 0, 4, false },
+    };
+    for (const Case& known : cases)
+        CompareWithPlain(known);
+}
+
+TEST(LinearPhaseEngine, EqualsThePlainFormWhenFiltersChangeAtAnyTime)
+{
+    const Case cases[] = {
+        { "now and then", 2, 6, 500, 0.7, 8, false },
+        { "with other counts", 2, 9, 500, 0.7, 10, true },
+        { "often", 1, 5, 400, 3.0, 8, false },
+        { "at every block", 2, 3, 200, 1e9, 5, false },
+        { "often with large blocks", 1, 8, 9000, 1.5, 10, true },
+        { "many sections", 1, 60, 1000, 0.8, 6, true },
+        { "beyond the map and back", 1, 300, 2000, 0.8, 5, true },
+    };
+    for (const Case& known : cases)
+        CompareWithPlain(known);
+}
+
+TEST(LinearPhaseEngine, WithoutSectionsItIsAnExactDelay)
+{
+    LinearPhaseEngine engine;
+    engine.Prepare(2);
+    const Channels input = Noise(2, 100000, Seed);
+    Channels output = input;
+    for (std::size_t position = 0; position < 100000; position += 500)
+        ProcessBlock(engine, output, position, 500);
+    for (std::size_t i = 0; i < 100000; ++i)
+    {
+        ASSERT_EQ(output[0][i], i < 32768 ? 0.0f : input[0][i - 32768]) << i;
+        ASSERT_EQ(output[1][i], i < 32768 ? 0.0f : input[1][i - 32768]) << i;
+    }
+}
+
+/// Blocks of 100 frames.
+void ProcessAll(LinearPhaseEngine& engine, Channels& channels)
+{
+    const std::size_t length = channels[0].size();
+    for (std::size_t position = 0; position < length; position += 100)
+        ProcessBlock(engine, channels, position,
+                     static_cast<std::int32_t>(std::min<std::size_t>(100, length - position)));
+}
+
+TEST(LinearPhaseEngine, AResetForgetsEverythingButTheFilters)
+{
+    const Filters sections = Sections(7, Seed);
+    Channels fresh = Noise(2, 90000, Seed);
+    Channels again = fresh;
+    LinearPhaseEngine engine;
+    engine.Prepare(2);
+    engine.SetFilters(sections.data(), 7);
+    ProcessAll(engine, fresh);
+    engine.Reset();
+    ProcessAll(engine, again);
+    for (std::size_t i = 0; i < fresh[0].size(); ++i)
+        ASSERT_NEAR(again[0][i], fresh[0][i], 1e-12) << i;   // the way states were found may differ
+}
+
+TEST(LinearPhaseEngine, SamplesThatAreNotFiniteAreTakenAsSilence)
+{
+    const Filters sections = Sections(7, Seed);
+    Channels dirty = Noise(2, 150000, Seed);
+    Channels clean = dirty;
+    for (std::size_t i = 40000; i < 40100; ++i)
+    {
+        clean[0][i] = 0.0f;
+        dirty[0][i] =
+            i % 2 == 0 ? std::numeric_limits<float>::quiet_NaN() : -std::numeric_limits<float>::infinity();
+    }
+    for (Channels* channels : { &dirty, &clean })
+    {
+        LinearPhaseEngine engine;
+        engine.Prepare(2);
+        engine.SetFilters(sections.data(), 7);
+        ProcessAll(engine, *channels);
+    }
+    EXPECT_EQ(dirty, clean);
+}
+
+TEST(LinearPhaseEngine, RecoversFromUnstableFilters)
+{
+    // A band above half the sample rate has its poles outside the unit circle.
+    Filters unstable(1);
+    unstable[0].Set(MAudioFilters::Peak, 12.0, 30000.0, 48000.0, 1.0);
+    Filters stable(1);
+    stable[0].Set(MAudioFilters::HighShelf, 6.0, 5000.0, 48000.0, 0.7);   // forgets fast
+    Channels channels = Noise(2, 300000, Seed);
+    const Channels input = channels;
+    LinearPhaseEngine engine;
+    engine.Prepare(2);
+    engine.SetFilters(unstable.data(), 1);
+    for (std::size_t position = 0; position < 300000; position += 100)
+    {
+        if (position == 100000)
+            engine.SetFilters(stable.data(), 1);
+        ProcessBlock(engine, channels, position, 100);
+    }
+    Channels expected = input;
+    LinearPhaseEngine calm;
+    calm.Prepare(2);
+    calm.SetFilters(stable.data(), 1);
+    ProcessAll(calm, expected);
+    // The list is taken over at the end of its hop; the hop after that still holds a frame of the old one.
+    for (std::size_t i = 9 * 16384; i < 300000; ++i)
+        ASSERT_NEAR(channels[0][i], expected[0][i], 1e-5) << i;
+}
+}   // namespace
