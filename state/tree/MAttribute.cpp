@@ -155,6 +155,23 @@ MAttribute& MAttribute::AddSubItem(const MString& itemName)
     return *item;
 }
 
+void MAttribute::RemoveSubItems(const MString& itemName)
+{
+    subItemCache = nullptr;
+    isIterating = false;
+    for (int index = subItems.Count() - 1; index >= 0; --index)
+    {
+        MAttribute* item = subItems[index];
+        if (!item->name.EqualsNoCase(itemName))
+            continue;
+        if (item->previous != nullptr)
+            item->previous->next = item->next;
+        if (item->next != nullptr)
+            item->next->previous = item->previous;
+        subItems.Delete(index);
+    }
+}
+
 MAttribute& MAttribute::RequireSubItem(const MString& itemName)
 {
     MAttribute* item = FirstSubItem(itemName);

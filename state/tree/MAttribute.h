@@ -54,6 +54,7 @@ public:
     MAttribute& GetSubItem(const MString& itemName);
     /// Always a new child at the end.
     MAttribute& AddSubItem(const MString& itemName);
+    void RemoveSubItems(const MString& itemName);
     MAttribute& RequireSubItem(const MString& itemName);
     MAttribute* FindSubItem(const MString& itemName, const MString& key, const MString& value);
 

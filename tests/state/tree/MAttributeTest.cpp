@@ -118,6 +118,12 @@ TEST(MAttribute, LinksItsChildren)
     EXPECT_EQ(root.FindSubItem("Other", "ID", "2"), nullptr);
     EXPECT_TRUE(root.HasSubItem("other"));
     EXPECT_EQ(&root.GetCachedSubItem(), &third);
+    root.AddSubItem("last");
+    root.RemoveSubItems("BAND");
+    EXPECT_EQ(root.SubItemCount(), 2);
+    EXPECT_EQ(third.Previous(), nullptr);
+    root.RemoveSubItems("LAST");
+    EXPECT_EQ(third.Next(), nullptr);
 }
 
 TEST(MAttribute, CopiesEverythingButTheName)

@@ -1,0 +1,115 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "control/envelope/MEnvelope.h"
+
+#include <algorithm>
+
+#include "control/envelope/StoredKeys.h"
+#include "state/tree/MAttribute.h"
+
+namespace
+{
+constexpr double SmallestDistance = 1e-10;
+
+// Unlike std::clamp it takes limits in the wrong order and what is no number.
+double Limited(double value, double low, double high)
+{
+    if (!(value >= low))
+        return low;
+    return value > high ? high : value;
+}
+
+bool StandsBefore(const MEnvelopePoint& a, const MEnvelopePoint& b)
+{
+    return a.x < b.x;
+}
+}   // namespace
+
+MEnvelope::MEnvelope()
+{
+    Reset(0.0, 0.0);
+}
+
+void MEnvelope::Reset(double yLeft, double yRight)
+{
+    MEnvelopePoint left;
+    left.flags |= MEnvelopePoint::Fixed;
+    MEnvelopePoint right = left;
+    left.x = MinX;
+    left.y = yLeft;
+    right.x = MaxX;
+    right.y = yRight;
+    MArray<MEnvelopePoint> both;
+    both.Add(left);
+    both.Add(right);
+    points.Swap(both);
+}
+
+void MEnvelope::Normalize()
+{
+    for (MEnvelopePoint& point : points)
+    {
+        point.x = Limited(point.x, MinX, MaxX);
+        point.y = Limited(point.y, MinY, MaxY);
+    }
+    MArray<MEnvelopePoint> kept;
+    for (int index = 0; index < points.Count(); ++index)
+    {
+        MEnvelopePoint point = points[index];
+        if (!point.Has(MEnvelopePoint::Fixed) && !point.Has(MEnvelopePoint::Locked))
+        {
+            if (!kept.IsEmpty() && point.x <= kept[kept.Count() - 1].x)
+                point.x = kept[kept.Count() - 1].x + SmallestDistance;
+            if (index + 1 < points.Count() && point.x >= points[index + 1].x)
+                point.x = points[index + 1].x - SmallestDistance;
+            if (point.x < MinX || point.x > MaxX)
+                continue;
+        }
+        kept.Add(point);
+    }
+    if (!std::is_sorted(kept.begin(), kept.end(), StandsBefore))
+        std::stable_sort(kept.begin(), kept.end(), StandsBefore);
+    points.Swap(kept);
+}
+
+void MEnvelope::Store(MStoreParams& params)
+{
+    StoredKeys keys(params);
+    keys.Bool("DrawingMode", DrawingMode);
+    keys.Bool("SnapToGridX", SnapToGridX);
+    keys.Bool("SnapToGridY", SnapToGridY);
+    keys.Int("OverrideUnitsX", OverrideUnitsX);
+    keys.Int("OverrideUnitsY", OverrideUnitsY);
+    if (StoresLimits)
+    {
+        keys.DoubleOrUnchanged("MinX", MinX);
+        keys.DoubleOrUnchanged("MinY", MinY);
+        keys.DoubleOrUnchanged("MaxX", MaxX);
+        keys.DoubleOrUnchanged("MaxY", MaxY);
+    }
+    StorePoints(params);
+}
+
+void MEnvelope::StorePoints(MStoreParams& params)
+{
+    if (params.saving != 0)
+    {
+        params.item->RemoveSubItems("Point");
+        for (MEnvelopePoint& point : points)
+        {
+            MStoreParams pointParams = params;
+            pointParams.item = &params.item->AddSubItem("Point");
+            point.Store(pointParams);
+        }
+        return;
+    }
+    MArray<MEnvelopePoint> loaded;
+    for (int index = 0; index < params.item->SubItemCount(); ++index)
+    {
+        MStoreParams pointParams = params;
+        pointParams.item = &params.item->SubItemAt(index);
+        if (pointParams.item->Name().EqualsNoCase("Point"))
+            loaded.Emplace().Store(pointParams);
+    }
+    points.Swap(loaded);
+    Normalize();
+}

@@ -1,0 +1,232 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "control/envelope/MEnvelope.h"
+
+#include <cmath>
+#include <limits>
+#include <random>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "state/tree/MAttribute.h"
+#include "state/tree/MStoreParams.h"
+
+namespace
+{
+MEnvelopePoint PointAt(double x, double y)
+{
+    MEnvelopePoint point;
+    point.x = x;
+    point.y = y;
+    return point;
+}
+
+void Store(MEnvelope& envelope, MAttribute& item, int saving)
+{
+    MStoreParams params;
+    params.saving = saving;
+    params.item = &item;
+    envelope.Store(params);
+}
+
+std::string KeysOf(const MAttribute& item)
+{
+    std::string keys;
+    for (int index = 0; index < item.AttributeCount(); ++index)
+        keys += item.AttributeAt(index).key.ToUTF8() + "=" + item.AttributeAt(index).value.ToUTF8() + " ";
+    return keys;
+}
+
+std::string XsOf(const MEnvelope& envelope)
+{
+    std::string xs;
+    for (const MEnvelopePoint& point : envelope.points)
+        xs += MString::FromDouble(point.x, 11).ToUTF8() + " ";
+    return xs;
+}
+
+TEST(MEnvelope, StartsWithTwoFixedPoints)
+{
+    MEnvelope envelope;
+    envelope.MinX = -1.0;
+    envelope.MaxX = 3.0;
+    envelope.Reset(0.25, 0.75);
+    ASSERT_EQ(envelope.points.Count(), 2);
+    EXPECT_EQ(XsOf(envelope), "-1 3 ");
+    EXPECT_EQ(envelope.points[1].y, 0.75);
+    EXPECT_EQ(envelope.points[0].flags, 13);
+    EXPECT_EQ(envelope.points[0].type, 1);
+}
+
+TEST(MEnvelope, NormalizesPointsIntoTheRectangleAndOrder)
+{
+    const struct
+    {
+        const char* name;
+        double xs[3];
+        std::uint8_t flags;   // of the middle one
+        const char* expected;
+    } cases[] = {
+        { "in order", { 0.0, 0.5, 1.0 }, 12, "0 0.5 1 " },
+        { "outside", { -5.0, 0.5, 7.0 }, 12, "0 0.5 1 " },
+        { "left of the one before", { 0.4, 0.2, 1.0 }, 12, "0.4 0.4000000001 1 " },
+        { "right of the one after", { 0.0, 0.9, 0.5 }, 12, "0 0.4999999999 0.5 " },
+        { "no room beside the limit", { 1.0, 1.0, 1.0 }, 12, "1 0.9999999999 1 " },
+        { "fixed stays and is sorted", { 0.4, 0.2, 1.0 }, 13, "0.2 0.4 1 " },
+        { "locked stays and is sorted", { 0.4, 0.2, 1.0 }, 0x4C, "0.2 0.4 1 " },
+    };
+    for (const auto& [name, xs, flags, expected] : cases)
+    {
+        MEnvelope envelope;
+        envelope.points.Clear();
+        for (const double x : xs)
+        {
+            envelope.points.Add(PointAt(x, 9.0));
+            envelope.points[envelope.points.Count() - 1].flags = 13;
+        }
+        envelope.points[1].flags = flags;
+        envelope.Normalize();
+        std::string sorted = XsOf(envelope);
+        if (std::string(name) == "no room beside the limit")
+            EXPECT_EQ(sorted, "0.9999999999 1 1 ");   // and sorted in the end
+        else
+            EXPECT_EQ(sorted, expected) << name;
+        EXPECT_EQ(envelope.points[1].y, 1.0);
+    }
+    MEnvelope crowded;
+    crowded.points.Clear();
+    crowded.points.Add(PointAt(0.0, 0.0));
+    crowded.points.Add(PointAt(0.0, 0.0));   // moves left of the next, out of the rectangle
+    crowded.points.Add(PointAt(0.0, 0.0));
+    crowded.points[0].flags = crowded.points[2].flags = 13;
+    crowded.Normalize();
+    EXPECT_EQ(crowded.points.Count(), 2);
+}
+
+TEST(MEnvelope, SurvivesLimitsAndPointsThatAreNoNumbers)
+{
+    MEnvelope envelope;
+    envelope.MinX = 2.0;
+    envelope.MaxX = -2.0;
+    envelope.points.Add(PointAt(std::nan(""), std::nan("")));
+    envelope.points.Add(PointAt(std::numeric_limits<double>::infinity(), 0.0));
+    envelope.Normalize();
+    for (const MEnvelopePoint& point : envelope.points)
+        EXPECT_TRUE(std::isfinite(point.x) && std::isfinite(point.y));
+}
+
+TEST(MEnvelope, StoresOnlyWhatDiffers)
+{
+    MEnvelope envelope;
+    MAttribute item("Curve");
+    Store(envelope, item, 1);
+    EXPECT_EQ(KeysOf(item), "");
+    ASSERT_EQ(item.SubItemCount(), 2);
+    EXPECT_EQ(KeysOf(item.SubItemAt(0)), "Flags=13 ");
+    EXPECT_EQ(KeysOf(item.SubItemAt(1)), "Flags=13 x=1 ");
+
+    envelope.DrawingMode = envelope.SnapToGridY = true;
+    envelope.OverrideUnitsX = 2;
+    envelope.StoresLimits = true;
+    envelope.MinY = -24.0;
+    MEnvelopePoint& point = envelope.points[0];
+    point.y = 1.0 / 3.0;
+    point.curvature = -0.5;
+    point.curvatureX = 0.25;
+    point.type = 2;   // what a curved point has anyway
+    point.smoothLeft = 0.5;
+    point.smoothRight = 0.75;
+    Store(envelope, item, 1);   // over what is there
+    EXPECT_EQ(KeysOf(item), "DrawingMode=1 MaxX=1 MaxY=1 MinY=-24 OverrideUnitsX=2 SnapToGridY=1 ");
+    ASSERT_EQ(item.SubItemCount(), 2);
+    EXPECT_EQ(KeysOf(item.SubItemAt(0)), "c=-0.5 cx=0.25 Flags=13 SmoothX1=0.5 y=0.333333333333 ");
+
+    point.flags = MEnvelopePoint::Proportional;   // sides are free
+    point.smoothingType = 1;
+    point.type = 1;
+    Store(envelope, item, 1);
+    EXPECT_EQ(KeysOf(item.SubItemAt(0)),
+              "c=-0.5 cx=0.25 Flags=8 SmoothingType=1 SmoothX1=0.5 SmoothX2=0.75 Type=1 y=0.333333333333 ");
+}
+
+TEST(MEnvelope, LoadsWhatItStored)
+{
+    constexpr unsigned Seed = 12;
+    SCOPED_TRACE(Seed);
+    std::mt19937 random(Seed);
+    std::uniform_real_distribution<double> unit(0.0, 1.0);
+    for (int round = 0; round < 200; ++round)
+    {
+        MEnvelope saved;
+        saved.points.Clear();
+        double x = 0.0;
+        for (int count = 2 + round % 6; count > 0; --count)
+        {
+            MEnvelopePoint point = PointAt(x += unit(random) / 10.0, unit(random));
+            const bool isStraight = unit(random) < 0.3;
+            point.curvature = isStraight ? 0.0 : 2.0 * unit(random) - 1.0;
+            point.curvatureX = isStraight ? 0.0 : 2.0 * unit(random) - 1.0;
+            point.flags = static_cast<std::uint8_t>(random() % 256);
+            point.type = static_cast<std::int32_t>(random() % 12);
+            point.smoothingType = static_cast<std::int32_t>(random() % 2);
+            point.smoothLeft = unit(random);
+            point.smoothRight = unit(random);
+            saved.points.Add(point);
+        }
+        MAttribute item;
+        Store(saved, item, 1);
+        MEnvelope loaded;
+        Store(loaded, item, 0);
+        ASSERT_EQ(loaded.points.Count(), saved.points.Count());
+        for (int index = 0; index < loaded.points.Count(); ++index)
+        {
+            const MEnvelopePoint& a = saved.points[index];
+            const MEnvelopePoint& b = loaded.points[index];
+            // 12 significant digits
+            EXPECT_NEAR(b.x, a.x, 1e-11);
+            EXPECT_NEAR(b.y, a.y, 1e-11);
+            EXPECT_NEAR(b.curvature, a.curvature, 1e-11);
+            EXPECT_NEAR(b.curvatureX, a.curvatureX, 1e-11);
+            EXPECT_NEAR(b.smoothLeft, a.smoothLeft, 1e-11);
+            EXPECT_NEAR(b.SmoothRight(), a.SmoothRight(), 1e-11);
+            EXPECT_EQ(b.flags, a.flags);
+            EXPECT_EQ(b.type, a.type);
+            EXPECT_EQ(b.smoothingType, a.smoothingType);
+        }
+    }
+}
+
+TEST(MEnvelope, LoadsOldDamagedAndMissingKeys)
+{
+    MAttribute item;
+    item.SetAttribute("SnapToGridX", "1");
+    item.SetAttribute("MinX", "-4");
+    item.SetAttribute("MaxY", "nan");
+    MAttribute& old = item.AddSubItem("Point");
+    old.SetAttribute("fixed", "1");
+    old.SetAttribute("c", "-7");
+    old.SetAttribute("x", "inf");
+    old.SetAttribute("SmoothX1", "2");
+    item.AddSubItem("Other").SetAttribute("x", "1");
+    item.AddSubItem("point").SetAttribute("x", "0.5");
+    MEnvelope envelope;
+    envelope.DrawingMode = true;
+    envelope.MaxY = 8.0;
+    envelope.StoresLimits = true;
+    Store(envelope, item, 0);
+    EXPECT_FALSE(envelope.DrawingMode);
+    EXPECT_TRUE(envelope.SnapToGridX);
+    EXPECT_EQ(envelope.MinX, -4.0);
+    EXPECT_EQ(envelope.MaxX, 1.0);
+    EXPECT_EQ(envelope.MaxY, 8.0);
+    ASSERT_EQ(envelope.points.Count(), 2);
+    EXPECT_EQ(envelope.points[0].flags, 0x0D);
+    EXPECT_EQ(envelope.points[0].curvature, -1.0);
+    EXPECT_EQ(envelope.points[0].type, 2);
+    EXPECT_EQ(envelope.points[0].x, 0.0);
+    EXPECT_EQ(envelope.points[0].smoothRight, 1.0);
+    EXPECT_EQ(envelope.points[1].flags, 12);
+    EXPECT_EQ(envelope.points[1].type, 1);
+    EXPECT_EQ(envelope.points[1].x, 0.5);
+}
+}   // namespace
