@@ -7,7 +7,7 @@
 /// ones make the worst block short, long ones save what each run of a cascade costs at its ends.
 struct LinearPhaseGeometry : EqualizerGeometry
 {
-    static constexpr std::int32_t ChunkSize = 512;
+    static constexpr std::int32_t ChunkSize = 1024;
     static constexpr std::int32_t ChunkCount = HopSize / ChunkSize;
     /// The first chunk of the half of a hop in which frames fade.
     static constexpr std::int32_t FadeChunk = FadeSize / ChunkSize;

@@ -11,7 +11,7 @@ namespace MVector
 namespace
 {
 /// Shorter runs are not worth a pass of vectors in any of the instruction sets.
-constexpr std::int32_t ShortestVectorRun = 16;
+constexpr std::int32_t ShortestVectorRun = 20;
 }   // namespace
 }   // namespace MVector
 #endif
@@ -335,24 +335,29 @@ struct Pass
     }
 };
 
+/// Groups of a pass, as measured: what the registers hold, with taps that are fetched from memory.
+#if HWY_TARGET <= HWY_AVX3 && HWY_ARCH_X86
+constexpr std::ptrdiff_t MaxGroups = 5;
+#elif HWY_TARGET == HWY_AVX2
+constexpr std::ptrdiff_t MaxGroups = 4;
+#else
 constexpr std::ptrdiff_t MaxGroups = 3;
+#endif
 static_assert(Pass<MaxGroups>::Lag + 2 <= ShortestVectorRun);
 
-HWY_NOINLINE void RunFullGroups(std::ptrdiff_t groups, const CascadeTaps* taps, CascadeMemory* memory,
+template <std::ptrdiff_t groups>
+HWY_NOINLINE void RunFullGroups(std::ptrdiff_t count, const CascadeTaps* taps, CascadeMemory* memory,
                                 double* pairs, std::ptrdiff_t step, std::ptrdiff_t n)
 {
-    switch (groups)
+    if constexpr (groups > 1)
     {
-    case 1:
-        Pass<1>().Run(taps, memory, pairs, step, n);
-        break;
-    case 2:
-        Pass<2>().Run(taps, memory, pairs, step, n);
-        break;
-    default:
-        Pass<MaxGroups>().Run(taps, memory, pairs, step, n);
-        break;
+        if (count < groups)
+        {
+            RunFullGroups<groups - 1>(count, taps, memory, pairs, step, n);
+            return;
+        }
     }
+    Pass<groups>().Run(taps, memory, pairs, step, n);
 }
 
 void CascadeRunTarget(const CascadeTaps* taps, CascadeMemory* memory, std::ptrdiff_t sectionCount,
@@ -360,10 +365,13 @@ void CascadeRunTarget(const CascadeTaps* taps, CascadeMemory* memory, std::ptrdi
 {
     while (sectionCount > 0)
     {
-        const std::ptrdiff_t groups = std::min((sectionCount + StageCount - 1) / StageCount, MaxGroups);
+        // Passes of like length: a single group waits for itself most of the time.
+        const std::ptrdiff_t allGroups = (sectionCount + StageCount - 1) / StageCount;
+        const std::ptrdiff_t passes = (allGroups + MaxGroups - 1) / MaxGroups;
+        const std::ptrdiff_t groups = (allGroups + passes - 1) / passes;
         const std::ptrdiff_t taken = std::min(groups * StageCount, sectionCount);
         if (taken == groups * StageCount)
-            RunFullGroups(groups, taps, memory, pairs, step, n);
+            RunFullGroups<MaxGroups>(groups, taps, memory, pairs, step, n);
         else
         {
             // The last group is filled with sections that pass their input through.
@@ -371,7 +379,7 @@ void CascadeRunTarget(const CascadeTaps* taps, CascadeMemory* memory, std::ptrdi
             CascadeMemory paddedMemory[MaxGroups * StageCount];
             std::copy_n(taps, taken, paddedTaps);
             std::copy_n(memory, taken, paddedMemory);
-            RunFullGroups(groups, paddedTaps, paddedMemory, pairs, step, n);
+            RunFullGroups<MaxGroups>(groups, paddedTaps, paddedMemory, pairs, step, n);
             std::copy_n(paddedMemory, taken, memory);
         }
         taps += taken;
