@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <limits>
 #include <vector>
 
@@ -26,36 +27,39 @@ struct Positions
         count = frameCount;
         while (count > 0 && (start + count - 1) * step >= sourceFrames)
             --count;
-        for (std::int32_t i = 0; i < count; ++i)
-        {
-            const double position = (start + i) * step;
-            const auto whole = static_cast<std::int32_t>(position);
-            fraction[static_cast<std::size_t>(i)] = static_cast<float>(position - whole);
-            index[static_cast<std::size_t>(i)] = whole < lastIndex ? whole : lastIndex;
-        }
+        // One step at a time, as each then runs in vectors.
+        std::array<double, BlockFrames> position;
+        const auto used = static_cast<std::size_t>(count);
+        for (std::size_t i = 0; i < used; ++i)
+            position[i] = (start + static_cast<std::int32_t>(i)) * step;
+        for (std::size_t i = 0; i < used; ++i)
+            index[i] = static_cast<std::int32_t>(position[i]);
+        for (std::size_t i = 0; i < used; ++i)
+            fraction[i] = static_cast<float>(position[i] - index[i]);
+        for (std::size_t i = 0; i < used; ++i)
+            index[i] = std::min(index[i], lastIndex);
     }
 };
 
-// Catmull-Rom between x1 and x2. The samples are gathered first, so that the arithmetic runs in vectors.
+// Catmull-Rom between the second and the third of four samples. These are gathered first, so that the
+// arithmetic runs in vectors.
 void Interpolate(const float* source, const Positions& positions, float* out)
 {
-    std::array<float, BlockFrames> x0, x1, x2, x3;
+    std::array<float, 4 * BlockFrames> gathered;
     const auto count = static_cast<std::size_t>(positions.count);
     for (std::size_t i = 0; i < count; ++i)
-    {
-        const float* near = source + positions.index[i];
-        x0[i] = near[-1];
-        x1[i] = near[0];
-        x2[i] = near[1];
-        x3[i] = near[2];
-    }
+        std::memcpy(&gathered[4 * i], source + positions.index[i] - 1, 4 * sizeof(float));
     for (std::size_t i = 0; i < count; ++i)
     {
+        const float x0 = gathered[4 * i];
+        const float x1 = gathered[4 * i + 1];
+        const float x2 = gathered[4 * i + 2];
+        const float x3 = gathered[4 * i + 3];
         const float t = positions.fraction[i];
-        const float cubic = 3.0f * (x1[i] - x2[i]) - x0[i] + x3[i];
-        const float square = x0[i] + 2.0f * x2[i] - (5.0f * x1[i] + x3[i]) * 0.5f;
-        const float slope = (x2[i] - x0[i]) * 0.5f;
-        out[i] = x1[i] + t * (slope + t * (square + t * (cubic * 0.5f)));
+        const float cubic = 3.0f * (x1 - x2) - x0 + x3;
+        const float square = x0 + 2.0f * x2 - (5.0f * x1 + x3) * 0.5f;
+        const float slope = (x2 - x0) * 0.5f;
+        out[i] = x1 + t * (slope + t * (square + t * (cubic * 0.5f)));
     }
 }
 
