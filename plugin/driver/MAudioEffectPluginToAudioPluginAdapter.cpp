@@ -141,10 +141,6 @@ void MAudioEffectPluginToAudioPluginAdapter::Process(float** inputs, float** out
 
 namespace
 {
-constexpr const char* channelModeLabels[] = {
-    "Left + Right", "Left", "Right", "Mono", "Stereo", "Mono + Stereo", "Left + Right (neg)", "Surround"
-};
-
 void StoreNumber(const MStoreParams& params, const MString& key, std::int32_t& value)
 {
     if (params.saving)
@@ -168,23 +164,51 @@ void StoreUnlessDefault(const MStoreParams& params, const MString& key, std::int
 }
 }   // namespace
 
+void MAudioEffectPluginToAudioPluginAdapter::StoreChannelMode(const MStoreParams& params)
+{
+    MAttribute& item = *params.item;
+    if (params.saving)
+    {
+        item.SetAttribute("ChannelMode", InfoOf(channelMode).longName);
+        if (channelMode != ChannelMode::Surround)
+            return;
+        MString flags;
+        for (const bool enabled : enabledChannels)
+            flags.Append(enabled ? u'1' : u'0');
+        item.SetAttribute("SurroundChannelsEnable", flags);
+        return;
+    }
+    if (item.HasAttribute("ChannelMode"))
+    {
+        const MString label = item.GetCachedAttribute();
+        ChannelMode mode = channelMode;
+        int digits = 0;
+        const std::int64_t number = label.ToInt(10, &digits);
+        if (FindChannelMode(label, mode))
+            channelMode = mode;
+        else if (digits > 0 && number >= 0 && number < ChannelModeCount)
+            channelMode = static_cast<ChannelMode>(number);
+    }
+    if (item.HasAttribute("SurroundChannelsEnable"))
+    {
+        const MString& flags = item.GetCachedAttribute();
+        for (int index = 0; index < flags.Length() && index < 8; ++index)
+            enabledChannels[static_cast<std::size_t>(index)] = flags[index] != u'0';
+    }
+    // States from before the channel modes knew surround.
+    if (item.HasAttribute("EnableSurroundProcessing"))
+        channelMode =
+            item.GetCachedAttribute().ToInt() > 0 ? ChannelMode::Surround : ChannelMode::LeftAndRight;
+    if (channelMode == ChannelMode::Surround && channelsPerGroup < 3)
+        channelMode = ChannelMode::LeftAndRight;
+}
+
 void MAudioEffectPluginToAudioPluginAdapter::Store(const MStoreParams& params)
 {
     if (!params.saving)
         version = FirstVersion;
     StoreNumber(params, "Version", version);
-    if (params.saving)
-    {
-        params.item->SetAttribute("ChannelMode", channelModeLabels[channelMode]);
-    }
-    else if (params.item->HasAttribute("ChannelMode"))
-    {
-        const MString label = params.item->GetCachedAttribute();
-        const auto* found = std::find_if(std::begin(channelModeLabels), std::end(channelModeLabels),
-                                         [&](const char* known) { return label == MString(known); });
-        if (found != std::end(channelModeLabels))
-            channelMode = static_cast<std::int32_t>(found - channelModeLabels);
-    }
+    StoreChannelMode(params);
     std::int32_t bypassed = bypass ? 1 : 0;
     StoreUnlessDefault(params, "Bypass", bypassed, 0);
     bypass = bypassed != 0;

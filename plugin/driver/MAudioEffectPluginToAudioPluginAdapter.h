@@ -33,7 +33,6 @@ public:
     const MString& MakerName() const { return maker; }
 
     std::int32_t version = FirstVersion;
-    std::int32_t channelMode = 0;
     std::int32_t maxLFOBlockSize = 256;   ///< the finest step in which modulators are followed
 
 protected:
@@ -55,6 +54,7 @@ private:
     std::int64_t OnBlockLimitChanged() override;
     void AddEffectEventTarget(MEventTarget* target) override;
     void BuildChannelNames();
+    void StoreChannelMode(const MStoreParams& params);
     void FillContext();
 
     MString name;

@@ -14,15 +14,15 @@ std::int32_t MAudioPlugin::GroupWidth() const
     return connectedWidth >= 0 ? connectedWidth : channelsPerGroup;
 }
 
-namespace
+std::int32_t MAudioPlugin::GetEffectInputChannels() const
 {
-// Channels that the mode "Left + Right" takes and gives.
-constexpr std::int32_t modeInputChannels = 2;
-constexpr std::int32_t modeOutputChannels = 2;
-}   // namespace
+    return inputNames.Count() == 0 ? 0 : std::max(1, std::min(GroupWidth(), modeInputChannels));
+}
 
 std::int32_t MAudioPlugin::GetEffectChannels() const
 {
+    if (InfoOf(activeChannelMode).countsByMode)
+        return std::max(1, inputsPerGroup == 2 ? modeInputChannels : GroupWidth());
     return std::max(1, std::min(GroupWidth(), modeInputChannels));
 }
 
@@ -62,6 +62,14 @@ void MAudioPlugin::PrepareProcessing()
     const MSynchronizerGuard initGuard(initLock);
     const MSynchronizerGuard settingsGuard(settingsLock);
     processingSampleRate = upsamplingFactor * sampleRate;
+    activeChannelMode = channelMode;
+    modeInputChannels = InfoOf(activeChannelMode).inputChannels;
+    modeOutputChannels = InfoOf(activeChannelMode).outputChannels;
+    midSideEffect = InfoOf(activeChannelMode).midSide;
+    if (activeChannelMode == ChannelMode::Surround)
+        modeInputChannels = std::min(
+            modeInputChannels,
+            static_cast<std::int32_t>(std::count(enabledChannels.begin(), enabledChannels.end(), true)));
     inputsPerGroup = GetInputChannelsPerGroup();
     outputsPerGroup = GetOutputChannelsPerGroup();
     effectChannels = GetEffectChannels();
@@ -74,6 +82,13 @@ void MAudioPlugin::InitProcessing()
         const MSynchronizerGuard initGuard(initLock);
         const MSynchronizerGuard settingsGuard(settingsLock);
         PrepareProcessing();
+        routing.Prepare({ .mode = activeChannelMode,
+                          .enabled = enabledChannels,
+                          .width = std::max(inputsPerGroup, outputsPerGroup),
+                          .groupStride = channelsPerGroup,
+                          .inputGroups = GetInputGroups(),
+                          .outputGroups = GetOutputGroups(),
+                          .latency = GetLatency() });
         bypassDelayLength = TotalLatency();
         const std::int32_t groups = std::min(GetInputGroups(), GetOutputGroups());
         for (std::int32_t group = 0; group < groups; ++group)

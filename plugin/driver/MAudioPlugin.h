@@ -9,6 +9,7 @@
 #include "foundation/containers/MEvent.h"
 #include "foundation/text/MStringList.h"
 #include "foundation/threads/MLock.h"
+#include "plugin/driver/ChannelRouting.h"
 #include "plugin/driver/EditorUpdates.h"
 #include "plugin/driver/MAudioPluginAdapter.h"
 #include "plugin/driver/MSampleQueue.h"
@@ -75,6 +76,8 @@ public:
     virtual void CheckLatency();
     virtual double GetOutputLimit() { return -1.0; }
 
+    /// Channels that the effect takes and that it is prepared for.
+    virtual std::int32_t GetEffectInputChannels() const;
     virtual std::int32_t GetEffectChannels() const;
     virtual std::int32_t GetInputChannelsPerGroup() const;
     virtual std::int32_t GetOutputChannelsPerGroup() const;
@@ -112,6 +115,10 @@ public:
     MLock settingsLock;
     double sampleRate = 44100;
     std::int32_t reportedLatency = -1;
+    /// The choice; in force from the next InitProcessing on.
+    MRelaxed<ChannelMode> channelMode = ChannelMode::LeftAndRight;
+    /// Which channels of a group mode 7 hands to the effect.
+    std::array<bool, 8> enabledChannels{ true, true, true, true, true, true, true, true };
     AutomationList automation;
 
 protected:
@@ -132,15 +139,18 @@ protected:
     std::int32_t inputsPerGroup = 2;
     std::int32_t outputsPerGroup = 2;
     std::int32_t effectChannels = 2;
+    ChannelMode activeChannelMode = ChannelMode::LeftAndRight;
+    bool midSideEffect = false;   // the effect's channels are mid and side
 
 private:
     struct ChannelSet
     {
-        std::array<float*, MaxChannels> pointers{};
+        ChannelRouting::Channels pointers{};
     };
 
     void ProcessDirect(ChannelSet& inputs, ChannelSet& outputs, std::int32_t sampleCount, bool replacing);
-    void ProcessChannels(float** inputs, float** outputs, std::int32_t sampleCount);
+    void ProcessChannels(ChannelSet& inputs, ChannelSet& outputs, std::int32_t sampleCount);
+    void RunEffect(float** inputs, float** outputs, std::int32_t sampleCount);
     void ProcessBypassed(const ChannelSet& inputs, const ChannelSet& outputs, std::int32_t sampleCount,
                          bool replacing);
     void FixAudioBuffers(ChannelSet& channels, std::int32_t connected, std::int32_t groups, bool isInput,
@@ -150,6 +160,9 @@ private:
     std::int32_t GroupWidth() const;
 
     std::int32_t connectedWidth = -1;   // of the host's group; negative: the group as it is
+    std::int32_t modeInputChannels = 2;
+    std::int32_t modeOutputChannels = 2;
+    ChannelRouting routing;
     std::int32_t bypassDelayLength = 0;
     std::array<MSampleQueue, MaxChannels> bypassDelay;
     std::vector<std::vector<float>> inputScratch;

@@ -87,14 +87,17 @@ void MAudioPlugin::ProcessDirect(ChannelSet& inputs, ChannelSet& outputs, std::i
     if (!replacing && !outputsAccumulate)
     {
         ChannelSet scratch;
-        ProcessChannels(inputs.pointers.data(), Scratch(outputScratch, scratch, outputChannels, sampleCount),
-                        sampleCount);
+        Scratch(outputScratch, scratch, outputChannels, sampleCount);
+        ChannelSet routed = scratch;
+        ProcessChannels(inputs, routed, sampleCount);
         for (std::int32_t channel = 0; channel < outputsPerGroup; ++channel)
             MVector::AddInPlace(scratch.pointers[static_cast<std::size_t>(channel)],
                                 outputs.pointers[static_cast<std::size_t>(channel)], sampleCount);
         return;
     }
-    if (replacing && noInPlace && inputs.pointers[0] == outputs.pointers[0])
+    // A mode that mixes channels works in place, and the host's input is the host's.
+    const bool mixes = activeChannelMode >= ChannelMode::Mid && activeChannelMode < ChannelMode::Surround;
+    if (replacing && (mixes || (noInPlace && inputs.pointers[0] == outputs.pointers[0])))
     {
         ChannelSet scratch;
         Scratch(inputScratch, scratch, inputChannels, sampleCount);
@@ -106,13 +109,19 @@ void MAudioPlugin::ProcessDirect(ChannelSet& inputs, ChannelSet& outputs, std::i
     if (replacing && outputsAccumulate)
         for (std::int32_t channel = 0; channel < outputsPerGroup; ++channel)
             MVector::Zero(outputs.pointers[static_cast<std::size_t>(channel)], sampleCount);
-    ProcessChannels(inputs.pointers.data(), outputs.pointers.data(), sampleCount);
+    ProcessChannels(inputs, outputs, sampleCount);
 }
 
-void MAudioPlugin::ProcessChannels(float** inputs, float** outputs, std::int32_t sampleCount)
+void MAudioPlugin::ProcessChannels(ChannelSet& inputs, ChannelSet& outputs, std::int32_t sampleCount)
 {
     PrepareForProcessingOnce();
+    routing.Before(inputs.pointers, outputs.pointers, sampleCount);
+    RunEffect(inputs.pointers.data(), outputs.pointers.data(), sampleCount);
+    routing.After(inputs.pointers, outputs.pointers, sampleCount);
+}
 
+void MAudioPlugin::RunEffect(float** inputs, float** outputs, std::int32_t sampleCount)
+{
     std::int32_t block = maxProcessBlock;
     bool interpolating = false;
     if (sampleCount > interpolationBlock)
