@@ -96,9 +96,9 @@ struct MHandlerRecord : Handler
         static_cast<Handler&>(record) = additional;
         record.target = &object;
         record.context = contextWord;
-        record.call = [](MEventTarget* target, std::uintptr_t word, const Params* params)
+        record.call = [](MEventTarget* called, std::uintptr_t word, const Params* params)
         {
-            auto* self = static_cast<Class*>(target);
+            auto* self = static_cast<Class*>(called);
             if constexpr (requires { (self->*Operation)(*params, word); })
                 (self->*Operation)(*params, word);
             else

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "state/tree/XMLScanner.h"
 
+#include <algorithm>
+
 #include "state/tree/MXMLParser.h"
 #include "state/tree/XMLEntities.h"
 
@@ -77,6 +79,15 @@ std::string JoinLines(std::string_view text)
         text.remove_prefix(1);
     }
     return joined;
+}
+
+// Whether a decoded name can be written again: bad bytes may decode to nothing, to a control character or,
+// in an overlong sequence, to markup.
+bool IsName(const MString& name)
+{
+    const std::string bytes = name.ToUTF8();
+    return !bytes.empty() &&
+           std::none_of(bytes.begin(), bytes.end(), [](char c) { return IsBlank(c) || IsSpecial(c); });
 }
 
 bool IsUTF16(std::string_view document)
@@ -205,10 +216,9 @@ void XMLScanner::ScanEndTag()
 void XMLScanner::ScanStartTag()
 {
     ++position;
-    const std::string_view nameBytes = ScanName();
-    if (nameBytes.empty())
+    const MString name = codec->Decode(ScanName());
+    if (!IsName(name))
         ThrowInvalidContents("No element name found.");
-    const MString name = codec->Decode(nameBytes);
     MArray<MAttributePair> attributes;
     for (;;)
     {
@@ -237,7 +247,7 @@ MAttributePair XMLScanner::ScanAttribute()
     const MString key = codec->Decode(ScanName());
     SkipBlanks();
     RequireMore();
-    if (Current() != '=')
+    if (Current() != '=' || !IsName(key))
         ThrowInvalidContents("Invalid character found where attribute expected.");
     ++position;
     SkipBlanks();

@@ -180,6 +180,9 @@ TEST(XML, SaysWhatIsWrongWithADocument)
         { "<a></>", "Invalid closing element syntax." },
         { "<>", "No element name found." },
         { "< a/>", "No element name found." },
+        { "<\x98/>", "No element name found." },
+        { "<a\xC0\xBC/>", "No element name found." },   // "<" in two bytes
+        { "<a \xED\xA0\x80=\"1\"/>", "Invalid character found where attribute expected." },
         { "<!DOCTYPE a>", "Invalid special element sequence." },
         { "<a x>", "Invalid character found where attribute expected." },
         { "<a x y=\"1\">", "Invalid character found where attribute expected." },
