@@ -1,0 +1,340 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "audio/analyzer/MSpectralAnalyzerAdvanced.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+#include <gtest/gtest.h>
+
+#include "foundation/text/MException.h"
+#include "foundation/threads/MLock.h"
+#include "state/tree/MAttribute.h"
+
+namespace
+{
+using Points = std::array<float, 1024>;
+
+constexpr double SampleRate = 48000.0;
+constexpr double LeftHz = 1000.0;
+constexpr double RightHz = 5000.0;
+constexpr double ThirdHz = 9000.0;
+
+// One sine of amplitude 1 on each channel.
+struct Channels
+{
+    explicit Channels(std::int32_t count = 24000)
+    {
+        for (const double hz : { LeftHz, RightHz, ThirdHz })
+        {
+            auto& channel = samples.emplace_back(static_cast<std::size_t>(count));
+            for (std::size_t i = 0; i < channel.size(); ++i)
+                channel[i] = static_cast<float>(
+                    std::sin(2 * std::numbers::pi * hz * static_cast<double>(i) / SampleRate));
+            pointers.push_back(channel.data());
+        }
+    }
+    std::int32_t Count() const { return static_cast<std::int32_t>(samples[0].size()); }
+    std::vector<std::vector<float>> samples;
+    std::vector<const float*> pointers;
+};
+
+// The amplitude of the sine near hz, 0 where there is none. The window loses up to 1.42 dB.
+double Level(MSpectralAnalyzerAdvanced& analyzer, AnalyzerClient& client, double hz,
+             std::int32_t processor = ProcessorAverage)
+{
+    Points points;
+    analyzer.GetSpectrum(client, points.data(), processor, 0.0);
+    const auto near = points.begin() + static_cast<std::ptrdiff_t>(std::log10(hz / 20.0) * 1024.0 / 3.0);
+    const double level = 2.0 * *std::max_element(near - 4, near + 5);
+    return level < 0.01 ? 0.0 : level;
+}
+
+TEST(AdvancedAnalyzer, TakesTheChannelsThatTheModeSays)
+{
+    struct Row
+    {
+        std::int32_t mode;
+        std::int32_t channelCount;
+        double left[3];   // amplitudes in client 0
+        double right[3];   // in client 1
+        double added[3];   // in an added client
+    };
+    const double third = 1.0 / 3.0;
+    const Row rows[] = {
+        { ChannelModeLeft, 2, { 1, 0, 0 }, { 0, 0, 0 }, { 1, 0, 0 } },
+        { ChannelModeRight, 2, { 0, 1, 0 }, { 0, 0, 0 }, { 0, 1, 0 } },
+        { ChannelModeRight, 1, { 1, 0, 0 }, { 0, 0, 0 }, { 1, 0, 0 } },
+        { ChannelModeMix, 1, { 1, 0, 0 }, { 0, 0, 0 }, { 1, 0, 0 } },
+        { ChannelModeMix, 2, { 0.5, 0.5, 0 }, { 0, 0, 0 }, { 0.5, 0.5, 0 } },
+        { ChannelModeMix, 3, { third, third, third }, { 0, 0, 0 }, { third, third, third } },
+        { ChannelModeLeftAndRight, 2, { 1, 0, 0 }, { 0, 1, 0 }, { 1, 0, 0 } },
+        { ChannelModeLeftAndRight, 1, { 1, 0, 0 }, { 0, 0, 0 }, { 1, 0, 0 } },
+    };
+    const Channels channels;
+    for (const Row& row : rows)
+    {
+        SCOPED_TRACE(std::to_string(row.mode) + " with " + std::to_string(row.channelCount) + " channels");
+        MSpectralAnalyzerAdvanced analyzer;
+        AnalyzerClient added;
+        analyzer.settings.channelMode = row.mode;
+        analyzer.AddClient(added, ProcessorAverageInfinite);
+        analyzer.SetDisplayAttached(true);
+        analyzer.Initialise(SampleRate, true);
+        analyzer.AnalyseOwn(channels.pointers.data(), channels.Count(), row.channelCount);
+        analyzer.AnalyseClient(added, channels.pointers.data(), channels.Count(), row.channelCount);
+        const double hz[] = { LeftHz, RightHz, ThirdHz };
+        for (std::size_t i = 0; i < 3; ++i)
+        {
+            EXPECT_NEAR(Level(analyzer, analyzer.OwnClient(0), hz[i]), row.left[i], 0.16 * row.left[i]);
+            EXPECT_NEAR(Level(analyzer, analyzer.OwnClient(1), hz[i]), row.right[i], 0.16 * row.right[i]);
+            EXPECT_NEAR(Level(analyzer, added, hz[i], ProcessorAverageInfinite), row.added[i],
+                        0.16 * row.added[i]);
+        }
+        EXPECT_EQ(Level(analyzer, added, LeftHz, ProcessorMaximum), 0.0);   // wasn't asked for
+    }
+}
+
+TEST(AdvancedAnalyzer, FeedsOnlyForADisplayAndNotWhileFrozen)
+{
+    struct Row
+    {
+        bool attached;
+        bool frozen;
+        bool enabled;
+        bool sonogram;
+        bool own;
+        bool added;
+    };
+    const Row rows[] = { { false, false, true, false, false, false },
+                         { true, true, true, false, false, false },
+                         { true, false, false, false, false, true },
+                         { true, false, false, true, true, true },
+                         { true, false, true, false, true, true } };
+    const Channels channels;
+    for (const Row& row : rows)
+    {
+        MSpectralAnalyzerAdvanced analyzer;
+        AnalyzerClient added;
+        analyzer.AddClient(added, MSpectralAnalyzerAdvanced::AllProcessors);
+        analyzer.settings.enabled = row.enabled;
+        analyzer.settings.sonogramEnabled = row.sonogram;
+        analyzer.settings.freeze = row.frozen;
+        analyzer.SetDisplayAttached(row.attached);
+        analyzer.Initialise(SampleRate, true);
+        analyzer.AnalyseOwn(channels.pointers.data(), channels.Count(), 2);
+        analyzer.AnalyseClient(added, channels.pointers.data(), channels.Count(), 2);
+        EXPECT_EQ(Level(analyzer, analyzer.OwnClient(0), LeftHz) > 0.4, row.own);
+        for (const std::int32_t processor : { 0, 1, 2, 3 })
+            EXPECT_EQ(Level(analyzer, added, LeftHz, processor) > 0.4, row.added);
+        // With the analyzer off only the sonogram's statistic runs, and no curve is drawn.
+        EXPECT_EQ(analyzer.LatchedProcessors()[0], row.enabled);
+        EXPECT_EQ(analyzer.Visibility().processors[0][0], row.enabled);
+        EXPECT_EQ(analyzer.Visibility().sonogram, row.sonogram);
+    }
+}
+
+TEST(AdvancedAnalyzer, LatchesWhatTheAudioThreadReads)
+{
+    MSpectralAnalyzerAdvanced analyzer;
+    analyzer.Initialise(SampleRate, true);
+    EXPECT_TRUE(analyzer.IsLatchedEnabled());
+    EXPECT_EQ(analyzer.LatchedChannelMode(), ChannelModeMix);
+    analyzer.settings.channelMode = ChannelModeLeftAndRight;
+    analyzer.settings.processors[2].enabled = true;
+    analyzer.settings.enabled = false;
+    analyzer.settings.comparisonEnable = true;
+    EXPECT_TRUE(analyzer.IsLatchedEnabled());
+    analyzer.Initialise(SampleRate, false);
+    EXPECT_FALSE(analyzer.IsLatchedEnabled());
+    EXPECT_TRUE(analyzer.Visibility().comparison);
+    EXPECT_EQ(analyzer.LatchedChannelMode(), ChannelModeMix);
+    EXPECT_FALSE(analyzer.LatchedProcessors()[2]);
+    analyzer.settings.enabled = true;
+    analyzer.Initialise(SampleRate, true);
+    EXPECT_EQ(analyzer.LatchedChannelMode(), ChannelModeLeftAndRight);
+    EXPECT_TRUE(analyzer.LatchedProcessors()[2]);
+    EXPECT_TRUE(analyzer.Visibility().processors[2][1]);
+    EXPECT_FALSE(analyzer.Visibility().processors[3][0]);
+    analyzer.settings.resolutionDb = -75;
+    analyzer.SetDisplayAttached(true);
+    EXPECT_EQ(analyzer.displayFloor, -75.0);
+}
+
+TEST(AdvancedAnalyzer, BringsTheEngineInLineWithSaneAndInsaneSettings)
+{
+    struct Row
+    {
+        std::int32_t fftSizePow;
+        std::int32_t overlapPow;
+        bool superResolution;
+        double averageLength;
+        std::int32_t frameSize;
+        std::int32_t keep;
+    };
+    const Row rows[] = { { 12, 2, false, 0.1, 4096, 3072 },      { 10, 0, false, 5.0, 1024, 0 },
+                         { 13, 1, true, 0.1, 2048, 1024 },       { 999, 1, false, 0.0, 262144, 131072 },
+                         { -5, 999, false, -1e300, 1024, 1020 }, { 10, -3, false, 1e300, 1024, 0 } };
+    for (const Row& row : rows)
+    {
+        SCOPED_TRACE(row.fftSizePow);
+        MSpectralAnalyzerAdvanced analyzer;
+        analyzer.settings.fftSizePow = row.fftSizePow;
+        analyzer.settings.overlapPow = row.overlapPow;
+        analyzer.settings.superResolution = row.superResolution;
+        analyzer.settings.averageLength = row.averageLength;
+        analyzer.Initialise(SampleRate, true);
+        EXPECT_EQ(analyzer.FFTSize(), row.frameSize);
+        EXPECT_EQ(analyzer.OwnClient(0).keep, row.keep);
+        Points points;
+        analyzer.GetSpectrum(analyzer.OwnClient(0), points.data(), 0, 0.0);
+        EXPECT_NEAR(points[500], 1e-10f, 1e-14f);
+    }
+    MSpectralAnalyzerAdvanced analyzer;
+    analyzer.settings.windowType = 4;
+    analyzer.settings.timeResolution = 1.0;
+    analyzer.Initialise(44100.0, false);
+    EXPECT_EQ(analyzer.Window().GetType(), 4);
+    EXPECT_EQ(analyzer.Window().Size(), 882);
+    analyzer.settings.timeResolution = 0.0;
+    analyzer.ApplyTimeResolution();
+    EXPECT_EQ(analyzer.Window().Size(), 4096);
+    analyzer.settings.windowType = 3;
+    analyzer.Initialise(44100.0, false);
+    EXPECT_EQ(analyzer.Window().GetType(), 3);
+}
+
+TEST(AdvancedAnalyzer, SmoothnessSetsTheKernel)
+{
+    struct Row
+    {
+        double smoothness;
+        std::int32_t halfLength;
+    };
+    // Widths in points: rounded, and from 3 on.
+    for (const Row& row : { Row{ 0.0, 1 }, Row{ 2.4 / 1024, 1 }, Row{ 2.5 / 1024, 3 }, Row{ 0.05, 51 },
+                            Row{ 0.2, 205 }, Row{ 7.0, 1024 }, Row{ -1.0, 1 }, Row{ std::nan(""), 1 } })
+    {
+        MSpectralAnalyzerAdvanced analyzer;
+        EXPECT_EQ(analyzer.SmoothingKernel().HalfLength(), 10);   // of the default 0.01
+        analyzer.SetSmoothness(row.smoothness);
+        EXPECT_EQ(analyzer.SmoothingKernel().HalfLength(), row.halfLength) << row.smoothness;
+    }
+    MSpectralAnalyzerAdvanced analyzer;
+    MAttribute item("Analyzer");
+    item.SetAttribute("Smoothness", "0.1");
+    analyzer.Store({ 0, &item });
+    EXPECT_EQ(analyzer.SmoothingKernel().HalfLength(), 102);
+}
+
+TEST(AdvancedAnalyzer, PrefilterLowersWhatItsCurveRaises)
+{
+    const auto point = [](double log10Hz, double db)
+    {
+        MEnvelopePoint made;
+        made.x = log10Hz;
+        made.y = db;
+        return made;
+    };
+    const double low = 1.3010299956639813, high = 4.301029995663981;
+    struct Row
+    {
+        std::vector<MEnvelopePoint> points;
+        double depth;
+        bool active;
+        double firstDb;
+        double middleDb;
+        double lastDb;
+    };
+    const double last = 1023.0 / 1024.0;
+    const Row rows[] = {
+        { {}, 1.0, false, 0, 0, 0 },
+        { { point(low, 0), point(high, 0) }, 1.0, false, 0, 0, 0 },
+        { { point(low, 20), point(high, 20) }, 0.5, true, -10, -10, -10 },
+        { { point(low, -30), point(high, 10) }, 1.0, true, 30, 10, 30 - 40 * last },
+        { { point(low, 20), point(high, 20) }, 0.0, true, 0, 0, 0 },
+        { {}, 0.0, true, 0, 0, 0 },
+    };
+    for (const Row& row : rows)
+    {
+        MSpectralAnalyzerAdvanced analyzer;
+        for (const MEnvelopePoint& made : row.points)
+            analyzer.settings.prefilter.points.Add(made);
+        analyzer.settings.prefilterDepth = row.depth;
+        Points points;
+        points.fill(0.5f);
+        analyzer.ApplyPrefilter(points.data());
+        EXPECT_EQ(points[512], 0.5f);   // nothing before it was built and latched
+        analyzer.Initialise(SampleRate, false);
+        EXPECT_EQ(analyzer.IsPrefilterActive(), row.active);
+        analyzer.ApplyPrefilter(points.data());
+        EXPECT_NEAR(20 * std::log10(points[0] / 0.5), row.firstDb, 1e-4);
+        EXPECT_NEAR(20 * std::log10(points[512] / 0.5), row.middleDb, 1e-4);
+        EXPECT_NEAR(20 * std::log10(points[1023] / 0.5), row.lastDb, 1e-4);
+        analyzer.settings.enabled = false;
+        analyzer.Initialise(SampleRate, false);
+        points.fill(0.5f);
+        analyzer.ApplyPrefilter(points.data());
+        EXPECT_EQ(points[0], 0.5f);
+    }
+}
+
+TEST(AdvancedAnalyzer, ResetClearsTheStatisticsOfAllClients)
+{
+    const Channels channels;
+    MSpectralAnalyzerAdvanced analyzer;
+    AnalyzerClient added;
+    analyzer.AddClient(added, ProcessorMaximumInfinite);
+    analyzer.settings.channelMode = ChannelModeLeftAndRight;
+    analyzer.SetDisplayAttached(true);
+    analyzer.Initialise(SampleRate, true);
+    analyzer.AnalyseOwn(channels.pointers.data(), channels.Count(), 2);
+    analyzer.AnalyseClient(added, channels.pointers.data(), channels.Count(), 2);
+    EXPECT_GT(Level(analyzer, added, LeftHz, ProcessorMaximumInfinite), 0.8);
+    // A forced initialisation of the same sizes keeps what it can.
+    analyzer.Initialise(SampleRate, true);
+    EXPECT_GT(Level(analyzer, added, LeftHz, ProcessorMaximumInfinite), 0.8);
+    EXPECT_GT(Level(analyzer, analyzer.OwnClient(1), RightHz), 0.8);
+    analyzer.ResetAll();
+    EXPECT_EQ(Level(analyzer, added, LeftHz, ProcessorMaximumInfinite), 0.0);
+    EXPECT_EQ(Level(analyzer, analyzer.OwnClient(0), LeftHz), 0.0);
+    EXPECT_EQ(Level(analyzer, analyzer.OwnClient(1), RightHz), 0.0);
+}
+
+TEST(AdvancedAnalyzer, PeakDetectionActsWithoutInitialising)
+{
+    const Channels channels;
+    MSpectralAnalyzerAdvanced analyzer;
+    analyzer.SetDisplayAttached(true);
+    analyzer.settings.processors[1].enabled = true;
+    analyzer.Initialise(SampleRate, true);
+    analyzer.settings.peakDetection = 1.0;
+    analyzer.settings.peakDetectionThreshold = -20.0;
+    analyzer.AnalyseOwn(channels.pointers.data(), channels.Count(), 2);
+    Points points;
+    analyzer.GetSpectrum(analyzer.OwnClient(0), points.data(), ProcessorAverageInfinite, 0.0);
+    // Between the two sines everything went down by 120 dB.
+    EXPECT_LT(points[static_cast<std::size_t>(std::log10(2500.0 / 20.0) * 1024 / 3)], 1e-8f);
+    EXPECT_GT(Level(analyzer, analyzer.OwnClient(0), RightHz, ProcessorAverageInfinite), 0.3);
+}
+
+TEST(AdvancedAnalyzer, TakesTheLockThatItWasGiven)
+{
+    struct BusyLock : MSynchronizer
+    {
+        int Acquire(std::uint32_t) override { return 1; }
+        void Release() override {}
+    };
+    BusyLock busy;
+    MSpectralAnalyzerAdvanced analyzer;
+    analyzer.SetLock(&busy);
+    EXPECT_THROW(analyzer.Initialise(SampleRate, true), MException);
+    EXPECT_THROW(analyzer.SetSmoothness(0.1), MException);
+    EXPECT_THROW(analyzer.ResetAll(), MException);
+    MLock lock;
+    analyzer.SetLock(&lock);
+    analyzer.Initialise(SampleRate, true);
+    EXPECT_EQ(lock.Acquire(0), 0);   // was let go
+    lock.Release();
+}
+}   // namespace
