@@ -16,4 +16,10 @@ struct EqualizerGeometry
 
     /// Added to each sample that sections have filtered: keeps denormals out of what follows.
     static constexpr float OutputGuard = 1e-15f;
+    /// Added to what runs into sections, so that no recursion dies away into denormals. No float beside 1e-22
+    /// shows it.
+    static constexpr double RunGuard = 1e-30;
+    /// No stable list gets a section's memory near this from audio; an unstable one that does is taken back
+    /// to silence.
+    static constexpr double AbsurdState = 1e20;
 };

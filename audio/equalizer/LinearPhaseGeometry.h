@@ -13,8 +13,4 @@ struct LinearPhaseGeometry : EqualizerGeometry
     static constexpr std::int32_t FadeChunk = FadeSize / ChunkSize;
     /// Boundaries of chunks; boundary i is where chunk i begins, and where a run backward through it ends.
     static constexpr std::int32_t BoundaryCount = ChunkCount + 1;
-
-    /// Added to what runs through sections, so that no recursion dies away into denormals. Far below the last
-    /// bit of any sample that a float can show beside 1e-23.
-    static constexpr double RunGuard = 1e-30;
 };

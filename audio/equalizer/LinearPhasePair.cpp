@@ -17,9 +17,6 @@ constexpr std::int32_t FadeSize = LinearPhaseGeometry::FadeSize;
 
 /// Ringing below this is silence: 400 dB under full scale.
 constexpr double Negligible = 1e-20;
-/// No stable list gets near this from audio; an unstable one that does is taken back to silence.
-constexpr double Absurd = 1e20;
-
 using MVector::CascadeMemory;
 
 double Largest(const CascadeMemory* memory, std::int32_t count)
@@ -33,30 +30,9 @@ double Largest(const CascadeMemory* memory, std::int32_t count)
     return largest;
 }
 
-/// Silences memory that has grown beyond all measure or is not a number, channel by channel. Answers whether
-/// it was in order.
 bool KeepSane(CascadeMemory* memory, std::int32_t count)
 {
-    bool sane[2] = { true, true };
-    for (std::int32_t i = 0; i < count; ++i)
-    {
-        for (std::size_t channel = 0; channel < 2; ++channel)
-        {
-            sane[channel] &= std::abs(memory[i].s1[channel]) < Absurd;
-            sane[channel] &= std::abs(memory[i].s2[channel]) < Absurd;
-        }
-    }
-    if (sane[0] && sane[1])
-        return true;
-    for (std::int32_t i = 0; i < count; ++i)
-    {
-        for (std::size_t channel = 0; channel < 2; ++channel)
-        {
-            memory[i].s1[channel] = sane[channel] ? memory[i].s1[channel] : 0.0;
-            memory[i].s2[channel] = sane[channel] ? memory[i].s2[channel] : 0.0;
-        }
-    }
-    return false;
+    return MVector::CascadeKeepSane(memory, count, EqualizerGeometry::AbsurdState);
 }
 
 void Silence(CascadeMemory* memory, std::int32_t count)

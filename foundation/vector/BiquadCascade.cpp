@@ -2,6 +2,7 @@
 #include "foundation/vector/BiquadCascade.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 
 #ifndef TONALIGN_BIQUAD_CASCADE_ONCE
@@ -429,6 +430,30 @@ void CascadeRunPlain(const CascadeTaps* taps, CascadeMemory* memory, std::int32_
         for (std::size_t channel = 0; channel < 2; ++channel)
             RunPlain(taps[i], memory[i], channel, first + channel, forward ? 2 : -2, n);
     }
+}
+
+bool CascadeKeepSane(CascadeMemory* memory, std::int32_t sectionCount, double limit)
+{
+    bool sane[2] = { true, true };
+    for (std::int32_t i = 0; i < sectionCount; ++i)
+    {
+        for (std::size_t channel = 0; channel < 2; ++channel)
+        {
+            sane[channel] &= std::abs(memory[i].s1[channel]) < limit;
+            sane[channel] &= std::abs(memory[i].s2[channel]) < limit;
+        }
+    }
+    if (sane[0] && sane[1])
+        return true;
+    for (std::int32_t i = 0; i < sectionCount; ++i)
+    {
+        for (std::size_t channel = 0; channel < 2; ++channel)
+        {
+            memory[i].s1[channel] = sane[channel] ? memory[i].s1[channel] : 0.0;
+            memory[i].s2[channel] = sane[channel] ? memory[i].s2[channel] : 0.0;
+        }
+    }
+    return false;
 }
 
 void CascadeRun(const CascadeTaps* taps, CascadeMemory* memory, std::int32_t sectionCount, double* pairs,

@@ -38,8 +38,12 @@ enum class CascadeDirection
 void CascadeRun(const CascadeTaps* taps, CascadeMemory* memory, std::int32_t sectionCount, double* pairs,
                 std::int32_t n, CascadeDirection direction);
 
-/// The same by the definition, section by section and one channel at a time: the oracle of tests and
-/// benchmarks.
+/// Silences the memory of a channel in which a value is not a number or its amount not below `limit`. Answers
+/// whether all was in order.
+bool CascadeKeepSane(CascadeMemory* memory, std::int32_t sectionCount, double limit);
+
+/// The same as CascadeRun by the definition, section by section and one channel at a time: the oracle of
+/// tests and benchmarks.
 void CascadeRunPlain(const CascadeTaps* taps, CascadeMemory* memory, std::int32_t sectionCount, double* pairs,
                      std::int32_t n, CascadeDirection direction);
 }   // namespace MVector

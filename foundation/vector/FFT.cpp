@@ -4,17 +4,17 @@
 #include <array>
 #include <cstddef>
 #include <cstring>
-#include <mutex>
 
 #include <fftw3.h>
 
 #include "foundation/text/MException.h"
+#include "foundation/vector/FFTPlanner.h"
 #include "foundation/vector/VectorOperations.h"
 
 namespace
 {
 constexpr std::int32_t MaxOrder = 18;
-constexpr std::size_t Alignment = 64;
+constexpr std::size_t Alignment = AlignedFloats::Alignment;
 
 std::size_t LengthOf(std::int32_t order)
 {
@@ -40,8 +40,7 @@ struct Plans
     fftwf_plan inverse = nullptr;
 };
 
-/// The plans of all lengths, made on first use. Only making them needs the lock: FFTW's planner isn't
-/// thread-safe, but executing a plan on new arrays is.
+/// The plans of all lengths, made on first use.
 class PlanCache
 {
 public:
@@ -58,7 +57,7 @@ public:
 
     const Plans& Get(std::int32_t order)
     {
-        const std::lock_guard<std::mutex> lock(mutex);
+        const std::lock_guard<std::mutex> lock(FFTPlannerLock());
         Plans& made = plans[static_cast<std::size_t>(order)];
         if (made.forward == nullptr || made.inverse == nullptr)
             Make(order, made);
@@ -69,8 +68,8 @@ private:
     static void Make(std::int32_t order, Plans& made)
     {
         const std::size_t length = LengthOf(order);
-        std::unique_ptr<float[]> memory(new float[2 * HalfComplexSize(length) + Alignment]);
-        float* real = AlignUp(memory.get());
+        const AlignedFloats memory(2 * HalfComplexSize(length));
+        float* real = memory.Data();
         auto* bins = reinterpret_cast<fftwf_complex*>(real + HalfComplexSize(length));
         if (made.forward == nullptr)
             made.forward = fftwf_plan_dft_r2c_1d(static_cast<int>(length), real, bins, FFTW_ESTIMATE);
@@ -80,7 +79,6 @@ private:
             throw MException("Cannot plan the Fourier transform.");
     }
 
-    std::mutex mutex;
     std::array<Plans, MaxOrder + 1> plans;
 };
 
@@ -90,6 +88,12 @@ PlanCache& Cache()
     return cache;
 }
 }   // namespace
+
+std::mutex& FFTPlannerLock()
+{
+    static std::mutex mutex;
+    return mutex;
+}
 
 struct FFTSpec
 {

@@ -74,7 +74,7 @@ void Average(benchmark::State& state, Engine& engine, std::int32_t frames)
     for (auto _ : state)
         stereo.Process(engine, frames);
     const double seconds = static_cast<double>(state.iterations()) * frames / SampleRate;
-    state.counters["ms/s"] =
+    state.counters["ms_per_s"] =
         benchmark::Counter(seconds / 1000.0, benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
 }
 
