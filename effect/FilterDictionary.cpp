@@ -86,10 +86,16 @@ FilterDictionary::FilterDictionary(double usedSampleRate)
     {
         const auto& properties = MAudioFilters::PropertiesOf(type);
         if (!properties.hasQ)
+        {
             AddCandidate(type, FixedQ);
-        else
-            for (double q = FirstQ; q < properties.topQ; q *= QRatio)
-                AddCandidate(type, q);
+            continue;
+        }
+        double q = FirstQ;
+        while (q < properties.topQ)
+        {
+            AddCandidate(type, q);
+            q *= QRatio;
+        }
     }
 }
 
@@ -133,7 +139,8 @@ void FilterDictionary::AddCandidate(std::int32_t type, double q)
     double energy = candidate.maxShift * square(0);
     for (std::int32_t i = 0; i < FitGrid::Count - candidate.maxShift; ++i)
         energy += square(i);
-    candidate.energy.reserve(static_cast<std::size_t>(candidate.maxShift + FilterCandidate::ShiftEnd));
+    const std::int32_t shiftCount = candidate.maxShift + FilterCandidate::ShiftEnd;
+    candidate.energy.reserve(static_cast<std::size_t>(shiftCount));
     for (std::int32_t shift = -candidate.maxShift; shift < FilterCandidate::ShiftEnd; ++shift)
     {
         candidate.energy.push_back(energy);

@@ -63,7 +63,11 @@ struct FilterCandidate
     /// part of what the search means by "energy", so it is kept rather than computed afresh.
     std::vector<double> energy;
 
-    double EnergyAt(std::int32_t shift) const { return energy[static_cast<std::size_t>(shift + maxShift)]; }
+    double EnergyAt(std::int32_t shift) const
+    {
+        const std::int32_t index = shift + maxShift;
+        return energy[static_cast<std::size_t>(index)];
+    }
 };
 
 /// All shapes for one sample rate, 227 of them, in the order of type and then rising Q. Immutable, so that

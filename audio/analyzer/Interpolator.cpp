@@ -60,7 +60,7 @@ void Interpolator::Convolve(float* dst, const float* src, std::int32_t n, bool a
 {
     if (n < 1)
         return;
-    const auto length = static_cast<std::size_t>(n + 2 * halfLength);
+    const std::size_t length = ExtendedLength(n);
     if (halfLength >= FirstHalfLengthByFFT && allowFFT)
     {
         ExtendEdges(src, n, std::bit_ceil(length));
@@ -106,7 +106,7 @@ void Interpolator::MaxFilter(float* dst, const float* src, std::int32_t n)
 {
     if (n < 1)
         return;
-    ExtendEdges(src, n, static_cast<std::size_t>(n + 2 * halfLength));
+    ExtendEdges(src, n, ExtendedLength(n));
     MVector::MultiplyConstant(edgeBuffer.data(), kernel[0], dst, n);
     for (std::size_t j = 1; j < kernel.size(); ++j)
     {

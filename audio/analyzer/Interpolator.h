@@ -31,6 +31,11 @@ public:
     void MaxFilter(float* dst, const float* src, std::int32_t n);
 
 private:
+    std::size_t ExtendedLength(std::int32_t n) const
+    {
+        const std::int32_t length = n + 2 * halfLength;
+        return static_cast<std::size_t>(length);
+    }
     void ExtendEdges(const float* src, std::int32_t n, std::size_t length);
     void ConvolveByFFT(float* dst, std::int32_t n);
 

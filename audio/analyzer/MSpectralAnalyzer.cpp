@@ -252,7 +252,8 @@ void MSpectralAnalyzerT<float, 1024>::ProcessFrame(AnalyzerClient& client, std::
 void MSpectralAnalyzerT<float, 1024>::FeedNextLevel(AnalyzerClient& client, std::int32_t levelIndex)
 {
     AnalyzerLevel& level = client.levels[static_cast<std::size_t>(levelIndex)];
-    AnalyzerLevel& next = client.levels[static_cast<std::size_t>(levelIndex + 1)];
+    const std::int32_t nextIndex = levelIndex + 1;
+    AnalyzerLevel& next = client.levels[static_cast<std::size_t>(nextIndex)];
     const float* source = level.frame.data() + client.keep;
     std::int32_t pairsLeft = (fftSize - client.keep) / 2;
     while (pairsLeft > 0)
@@ -261,13 +262,14 @@ void MSpectralAnalyzerT<float, 1024>::FeedNextLevel(AnalyzerClient& client, std:
         float* scratch = levelScratch.data();
         MVector::Copy(source, scratch, 2 * pairs);
         level.halfBand.Run(halfBandDecimator, scratch, 2 * pairs);
+        float* kept = next.frame.data() + next.position;
         for (std::int32_t i = 0; i < pairs; ++i)
-            next.frame[static_cast<std::size_t>(next.position + i)] = scratch[2 * i];
+            kept[i] = scratch[2 * i];
         next.position += pairs;
         source += 2 * pairs;
         pairsLeft -= pairs;
         if (next.position == fftSize)
-            ProcessFrame(client, levelIndex + 1);
+            ProcessFrame(client, nextIndex);
     }
 }
 
