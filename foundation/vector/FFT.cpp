@@ -4,11 +4,13 @@
 #include <array>
 #include <cstddef>
 #include <cstring>
+#include <utility>
 
 #include <fftw3.h>
 
 #include "foundation/text/MException.h"
 #include "foundation/vector/FFTPlanner.h"
+#include "foundation/vector/HalfSpectrum.h"
 #include "foundation/vector/VectorOperations.h"
 
 namespace
@@ -21,10 +23,10 @@ std::size_t LengthOf(std::int32_t order)
     return std::size_t{ 1 } << order;
 }
 
-/// Floats of N/2 + 1 complex bins, rounded up so that what follows is aligned too.
-std::size_t HalfComplexSize(std::size_t length)
+/// Floats of one scratch array, rounded up so that what follows is aligned too.
+std::size_t ScratchSize(std::size_t length)
 {
-    return (length + 2 + 15) / 16 * 16;
+    return (length + 15) / 16 * 16;
 }
 
 float* AlignUp(void* memory)
@@ -33,11 +35,14 @@ float* AlignUp(void* memory)
     return reinterpret_cast<float*>((address + Alignment - 1) / Alignment * Alignment);
 }
 
-/// Both directions of one length, out of place on aligned arrays: real <-> N/2 + 1 complex bins.
+/// What a length needs: both directions of the complex transform of half the length, out of place on aligned
+/// arrays, and the roots that make a real transform of it. FFTW's real transforms take longer, to plan and to
+/// run.
 struct Plans
 {
     fftwf_plan forward = nullptr;
-    fftwf_plan inverse = nullptr;
+    fftwf_plan backward = nullptr;
+    AlignedFloats roots;
 };
 
 /// The plans of all lengths, made on first use.
@@ -50,8 +55,8 @@ public:
         {
             if (made.forward != nullptr)
                 fftwf_destroy_plan(made.forward);
-            if (made.inverse != nullptr)
-                fftwf_destroy_plan(made.inverse);
+            if (made.backward != nullptr)
+                fftwf_destroy_plan(made.backward);
         }
     }
 
@@ -59,24 +64,27 @@ public:
     {
         const std::lock_guard<std::mutex> lock(FFTPlannerLock());
         Plans& made = plans[static_cast<std::size_t>(order)];
-        if (made.forward == nullptr || made.inverse == nullptr)
-            Make(order, made);
+        if (made.roots.Data() == nullptr)
+            Make(LengthOf(order), made);
         return made;
     }
 
 private:
-    static void Make(std::int32_t order, Plans& made)
+    static void Make(std::size_t length, Plans& made)
     {
-        const std::size_t length = LengthOf(order);
-        const AlignedFloats memory(2 * HalfComplexSize(length));
-        float* real = memory.Data();
-        auto* bins = reinterpret_cast<fftwf_complex*>(real + HalfComplexSize(length));
+        const AlignedFloats memory = AlignedFloats::Unfilled(2 * ScratchSize(length));
+        auto* source = reinterpret_cast<fftwf_complex*>(memory.Data());
+        auto* target = reinterpret_cast<fftwf_complex*>(memory.Data() + ScratchSize(length));
+        const auto half = static_cast<int>(length / 2);
         if (made.forward == nullptr)
-            made.forward = fftwf_plan_dft_r2c_1d(static_cast<int>(length), real, bins, FFTW_ESTIMATE);
-        if (made.inverse == nullptr)
-            made.inverse = fftwf_plan_dft_c2r_1d(static_cast<int>(length), bins, real, FFTW_ESTIMATE);
-        if (made.forward == nullptr || made.inverse == nullptr)
+            made.forward = fftwf_plan_dft_1d(half, source, target, FFTW_FORWARD, FFTW_ESTIMATE);
+        if (made.backward == nullptr)
+            made.backward = fftwf_plan_dft_1d(half, source, target, FFTW_BACKWARD, FFTW_ESTIMATE);
+        if (made.forward == nullptr || made.backward == nullptr)
             throw MException("Cannot plan the Fourier transform.");
+        AlignedFloats roots(length / 2 + 2);
+        HalfSpectrum::FillRoots(roots.Data(), length / 2);
+        made.roots = std::move(roots);
     }
 
     std::array<Plans, MaxOrder + 1> plans;
@@ -97,7 +105,7 @@ std::mutex& FFTPlannerLock()
 
 struct FFTSpec
 {
-    Plans plans;
+    const Plans& plans;
     std::size_t length;
     float inverseScale;
 };
@@ -113,37 +121,33 @@ void FFTCreate(FFTSpec** outSpec, std::int32_t order, std::uint32_t flags, std::
 
 void FFTBufferSize(const FFTSpec* spec, std::int32_t* outBytes)
 {
-    *outBytes = static_cast<std::int32_t>(2 * HalfComplexSize(spec->length) * sizeof(float) + Alignment);
+    *outBytes = static_cast<std::int32_t>(2 * ScratchSize(spec->length) * sizeof(float) + Alignment);
 }
 
 void FFTForward(float* srcDst, const FFTSpec* spec, std::uint8_t* buffer)
 {
-    const std::size_t bytes = spec->length * sizeof(float);
-    float* bins = AlignUp(buffer);
-    float* real = srcDst;
+    float* z = AlignUp(buffer);
+    float* samples = srcDst;
     if (fftwf_alignment_of(srcDst) != 0)
     {
-        real = bins + HalfComplexSize(spec->length);
-        std::memcpy(real, srcDst, bytes);
+        samples = z + ScratchSize(spec->length);
+        std::memcpy(samples, srcDst, spec->length * sizeof(float));
     }
-    fftwf_execute_dft_r2c(spec->plans.forward, real, reinterpret_cast<fftwf_complex*>(bins));
-    std::memcpy(srcDst, bins, bytes);
-    srcDst[1] = bins[spec->length];
+    fftwf_execute_dft(spec->plans.forward, reinterpret_cast<fftwf_complex*>(samples),
+                      reinterpret_cast<fftwf_complex*>(z));
+    HalfSpectrum::ToPacked(z, spec->plans.roots.Data(), srcDst, spec->length / 2);
 }
 
 void FFTInverse(float* srcDst, const FFTSpec* spec, std::uint8_t* buffer)
 {
-    const std::size_t bytes = spec->length * sizeof(float);
-    float* bins = AlignUp(buffer);
-    std::memcpy(bins, srcDst, bytes);
-    bins[spec->length] = srcDst[1];
-    bins[1] = 0.0f;
-    bins[spec->length + 1] = 0.0f;
+    float* z = AlignUp(buffer);
+    HalfSpectrum::FromPacked(srcDst, spec->plans.roots.Data(), z, spec->length / 2);
     const bool aligned = fftwf_alignment_of(srcDst) == 0;
-    float* real = aligned ? srcDst : bins + HalfComplexSize(spec->length);
-    fftwf_execute_dft_c2r(spec->plans.inverse, reinterpret_cast<fftwf_complex*>(bins), real);
+    float* samples = aligned ? srcDst : z + ScratchSize(spec->length);
+    fftwf_execute_dft(spec->plans.backward, reinterpret_cast<fftwf_complex*>(z),
+                      reinterpret_cast<fftwf_complex*>(samples));
     if (!aligned)
-        std::memcpy(srcDst, real, bytes);
+        std::memcpy(srcDst, samples, spec->length * sizeof(float));
     if (spec->inverseScale != 1.0f)
         MVector::MultiplyConstantInPlace(srcDst, static_cast<std::int32_t>(spec->length), spec->inverseScale);
 }

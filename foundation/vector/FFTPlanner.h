@@ -17,13 +17,19 @@ class AlignedFloats
 public:
     AlignedFloats() = default;
     /// Zeros.
-    explicit AlignedFloats(std::size_t count)
+    explicit AlignedFloats(std::size_t count) : AlignedFloats(Unfilled(count))
+    {
+        std::uninitialized_fill_n(values.get(), count, 0.0f);
+    }
+    /// Memory that nobody has touched, for planning, which only looks at addresses.
+    static AlignedFloats Unfilled(std::size_t count)
     {
         const std::size_t bytes = (count * sizeof(float) + Alignment - 1) / Alignment * Alignment;
-        values.reset(static_cast<float*>(std::aligned_alloc(Alignment, bytes)));
-        if (!values)
+        AlignedFloats array;
+        array.values.reset(static_cast<float*>(std::aligned_alloc(Alignment, bytes)));
+        if (!array.values)
             throw std::bad_alloc();
-        std::uninitialized_fill_n(values.get(), bytes / sizeof(float), 0.0f);
+        return array;
     }
     float* Data() const { return values.get(); }
 

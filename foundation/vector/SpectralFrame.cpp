@@ -17,7 +17,9 @@
 #include <hwy/highway.h>
 
 #include "foundation/text/MException.h"
+#include "foundation/vector/ComplexLanes-inl.h"
 #include "foundation/vector/FFTPlanner.h"
+#include "foundation/vector/HalfSpectrum.h"
 #include "foundation/vector/VectorOperations.h"
 
 // The way of a frame
@@ -74,39 +76,9 @@ std::size_t GainRow(const float* /*roots*/, const float* /*gains*/, const float*
     return column;
 }
 #else
-using Floats = hn::ScalableTag<float>;
-using V = hn::Vec<Floats>;
-
-/// Interleaved complex product.
-HWY_INLINE V ComplexTimes(V a, V b)
-{
-    const Floats d;
-    const V swapped = hn::Shuffle2301(a);
-    const V cross = hn::Mul(swapped, hn::DupOdd(b));
-    const V straight = hn::Mul(a, hn::DupEven(b));
-    return hn::OddEven(hn::Add(straight, cross), hn::Sub(straight, cross));
-}
-
-/// Multiplies odd lanes, the imaginary parts, by -1.
-HWY_INLINE V Conjugate(V a)
-{
-    return hn::OddEven(hn::Neg(a), a);
-}
-
-/// a times j.
-HWY_INLINE V Turn(V a)
-{
-    const V swapped = hn::Shuffle2301(a);
-    return hn::OddEven(swapped, hn::Neg(swapped));
-}
-
-/// Complex elements in the reverse order.
-HWY_INLINE V ReverseComplex(V a)
-{
-    const Floats d;
-    const hn::RepartitionToWide<Floats> pairs;
-    return hn::BitCast(d, hn::Reverse(pairs, hn::BitCast(pairs, a)));
-}
+using MVector::HWY_NAMESPACE::ComplexLanes;
+using Floats = ComplexLanes::Floats;
+using V = ComplexLanes::V;
 
 void MultiplyRow(const float* factors, float sign, float* row)
 {
@@ -116,7 +88,7 @@ void MultiplyRow(const float* factors, float sign, float* row)
     for (std::size_t i = 0; i < RowFloats; i += hn::Lanes(d))
     {
         const V factor = hn::Mul(hn::LoadU(d, factors + i), signs);
-        hn::StoreU(ComplexTimes(hn::LoadU(d, row + i), factor), d, row + i);
+        hn::StoreU(ComplexLanes::Times(hn::LoadU(d, row + i), factor), d, row + i);
     }
 }
 
@@ -135,19 +107,19 @@ std::size_t GainRow(const float* roots, const float* gains, const float* mirrorG
         float* here = row + 2 * column;
         const std::size_t opposite = RowFloats - 2 * column - lanes + 2;
         const V z = hn::LoadU(d, here);
-        const V y = Conjugate(ReverseComplex(hn::LoadU(d, mirror + opposite)));
+        const V y = ComplexLanes::Conjugate(ComplexLanes::Reverse(hn::LoadU(d, mirror + opposite)));
         const V root = hn::LoadU(d, roots + 2 * column);
         const V g = hn::LoadU(d, gains + 2 * column);
-        const V h = ReverseComplex(hn::LoadU(d, mirrorGains + opposite));
+        const V h = ComplexLanes::Reverse(hn::LoadU(d, mirrorGains + opposite));
         const V s = hn::Mul(half, hn::Add(g, h));
         const V halfD = hn::Mul(quarter, hn::Sub(g, h));
-        const V sum = ComplexTimes(hn::Add(z, y), Conjugate(root));
-        const V difference = ComplexTimes(hn::Sub(z, y), root);
-        const V up = Turn(hn::Sub(sum, difference));
-        const V down = Turn(hn::Add(sum, difference));
+        const V sum = ComplexLanes::Times(hn::Add(z, y), ComplexLanes::Conjugate(root));
+        const V difference = ComplexLanes::Times(hn::Sub(z, y), root);
+        const V up = ComplexLanes::Turn(hn::Sub(sum, difference));
+        const V down = ComplexLanes::Turn(hn::Add(sum, difference));
         hn::StoreU(hn::MulAdd(s, z, hn::MulAdd(halfD, up, guard)), d, here);
         const V image = hn::NegMulAdd(halfD, down, hn::MulAdd(s, y, guard));
-        hn::StoreU(ReverseComplex(Conjugate(image)), d, mirror + opposite);
+        hn::StoreU(ComplexLanes::Reverse(ComplexLanes::Conjugate(image)), d, mirror + opposite);
     }
     return column;
 }
@@ -238,8 +210,7 @@ struct SpectralFrame::Implementation
                 FillRoot(twiddles.Data() + 2 * (Side * row + column),
                          -static_cast<double>(row * column) / static_cast<double>(Points));
         }
-        for (std::size_t k = 0; k <= Points / 2; ++k)
-            FillRoot(roots.Data() + 2 * k, -static_cast<double>(k) / static_cast<double>(2 * Points));
+        HalfSpectrum::FillRoots(roots.Data(), Points);
     }
 
     static float* Row(const AlignedFloats& matrix, std::size_t row)
