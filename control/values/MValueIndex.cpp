@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cmath>
 
 MValueIndex::MValueIndex(int* boundVariable, int initialDefault)
     : owned(initialDefault), bound(boundVariable != nullptr ? boundVariable : &owned),
@@ -36,7 +37,7 @@ MString MValueIndex::ToText() const
 
 int MValueIndex::IndexAt(double position) const
 {
-    return std::max(0, static_cast<int>(LimitedPosition(position) * (LabelCount() - 1) + 0.5));
+    return std::max(0, static_cast<int>(std::lround(LimitedPosition(position) * (LabelCount() - 1))));
 }
 
 MContent MValueIndex::CreateContentAt(double position) const

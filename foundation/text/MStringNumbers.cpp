@@ -150,7 +150,7 @@ double MString::ToDouble(int* consumedCount) const
     if (consumedCount != nullptr)
         *consumedCount = 0;
     // A number ends at the first character that is not ASCII; usual numbers fit the stack.
-    char onStack[128];
+    char onStack[128] = {};
     std::string onHeap;
     char* bytes = onStack;
     if (length > static_cast<int>(sizeof onStack))
