@@ -91,19 +91,18 @@ void LinearPhaseEngine::Process(const float* const* inputs, float* const* output
         lists = { &previous, &latched, true };
         BeginHop(1);
     }
-    bool produced = false;
     for (std::int32_t done = 0; done < frames;)
     {
         const std::int32_t offset = position % ChunkSize;
         const std::int32_t n = std::min(frames - done, ChunkSize - offset);
-        produced |= offset == 0;
         Step(inputs, outputs, done, n);
         done += n;
+        // Piece by piece and before the hop ends, so that a block of any length takes the same way.
+        Work(n, offset == 0);
+        changed = false;
         if (position == LinearPhaseGeometry::HopSize)
             CompleteHop();
     }
-    Work(frames, produced);
-    changed = false;
 }
 
 /// Frames within one chunk, from `start` of the block on.

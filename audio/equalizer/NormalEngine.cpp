@@ -12,57 +12,134 @@
 void NormalEngine::Prepare(std::int32_t channels)
 {
     assert(channels >= 1 && channels <= EqualizerGeometry::MaxChannels);
-    delays = std::vector<DelayRing>(static_cast<std::size_t>(channels));
-    for (DelayRing& delay : delays)
-        delay.Prepare(EqualizerGeometry::LatencySamples);
-    memory.assign((delays.size() + 1) / 2, std::vector<MVector::CascadeMemory>(SectionList::Capacity));
-    pairs.resize(2 * DelayRing::MaxPiece);
+    delays = std::vector<MArrayQueue<float>>(static_cast<std::size_t>(channels));
+    for (MArrayQueue<float>& delay : delays)
+        delay.Reserve(EqualizerGeometry::LatencySamples + ChunkSize);
+    channelPairs = std::vector<ChannelPair>((delays.size() + 1) / 2);
+    for (ChannelPair& pair : channelPairs)
+    {
+        for (std::size_t side = 0; side < 2; ++side)
+        {
+            pair.delayed[side].resize(ChunkSize);
+            pair.filtered[side].resize(ChunkSize);
+        }
+        pair.memory.resize(SectionList::Capacity);
+        pair.memoryAtStart.resize(SectionList::Capacity);
+    }
+    pairs.resize(std::size_t{ 2 } * ChunkSize);
+    staging.resize(delays.size() * ChunkSize);
+    Reset();
 }
 
 void NormalEngine::Reset()
 {
-    for (DelayRing& delay : delays)
-        delay.Reset();
-    for (auto& sections : memory)
-        std::fill(sections.begin(), sections.end(), MVector::CascadeMemory());
+    for (MArrayQueue<float>& delay : delays)
+    {
+        delay.Clear();
+        delay.PushZeros(EqualizerGeometry::LatencySamples);
+    }
+    for (ChannelPair& pair : channelPairs)
+        std::fill(pair.memory.begin(), pair.memory.end(), MVector::CascadeMemory());
+    chunkLength = 0;
+    position = 0;
+    stale = false;
+}
+
+void NormalEngine::SetFilters(const MAudioFilters::Filter<double>* sections, std::int32_t count)
+{
+    CutChunk();
+    list.Set(sections, count);
+}
+
+void NormalEngine::SetEnabled(bool filtered)
+{
+    if (filtered == enabled)
+        return;
+    CutChunk();
+    enabled = filtered;
 }
 
 void NormalEngine::Process(const float* const* inputs, float* const* outputs, std::int32_t frames)
 {
-    if (delays.empty())
-        return;
-    const float* delayed[EqualizerGeometry::MaxChannels];
     for (std::int32_t done = 0; done < frames;)
     {
-        const std::int32_t n = delays[0].PieceLength(frames - done);
+        if (position == chunkLength)
+            TakeChunk();
+        if (stale)
+            RunChunk();
+        const std::int32_t n = std::min(frames - done, chunkLength - position);
         for (std::size_t channel = 0; channel < delays.size(); ++channel)
-            delayed[channel] = delays[channel].Exchange(inputs[channel] + done, n);
-        for (std::size_t first = 0; first < delays.size(); first += 2)
+            MVector::CopyFinite(inputs[channel] + done, staging.data() + channel * ChunkSize, n);
+        for (std::size_t channel = 0; channel < delays.size(); ++channel)
         {
-            const bool single = first + 1 == delays.size();
-            FilterPair(first / 2, delayed[first], single ? nullptr : delayed[first + 1],
-                       outputs[first] + done, single ? nullptr : outputs[first + 1] + done, n);
+            delays[channel].Push(staging.data() + channel * ChunkSize, n);
+            MVector::Copy(channelPairs[channel / 2].filtered[channel % 2].data() + position,
+                          outputs[channel] + done, n);
         }
+        position += n;
         done += n;
     }
 }
 
-/// The second channel is null where there is none.
-void NormalEngine::FilterPair(std::size_t pair, const float* a, const float* b, float* outA, float* outB,
-                              std::int32_t n)
+void NormalEngine::TakeChunk()
 {
-    const std::int32_t count = enabled ? list.Count() : 0;
+    chunkLength = ChunkSize;
+    position = 0;
+    for (std::size_t channel = 0; channel < delays.size(); ++channel)
+        delays[channel].Pull(channelPairs[channel / 2].delayed[channel % 2].data(), chunkLength);
+    stale = true;
+}
+
+void NormalEngine::RunChunk()
+{
+    for (std::size_t index = 0; index < channelPairs.size(); ++index)
+    {
+        ChannelPair& pair = channelPairs[index];
+        std::copy_n(pair.memory.begin(), ActiveCount(), pair.memoryAtStart.begin());
+        RunPair(pair, 2 * index + 1 == delays.size(), chunkLength);
+    }
+    stale = false;
+}
+
+/// The first n samples of the chunk.
+void NormalEngine::RunPair(ChannelPair& pair, bool single, std::int32_t n)
+{
+    const float* second = single ? nullptr : pair.delayed[1].data();
+    float* secondOut = single ? nullptr : pair.filtered[1].data();
+    const std::int32_t count = ActiveCount();
     if (count == 0)
     {
-        MVector::Copy(a, outA, n);
-        if (b != nullptr)
-            MVector::Copy(b, outB, n);
+        MVector::Copy(pair.delayed[0].data(), pair.filtered[0].data(), n);
+        if (!single)
+            MVector::Copy(second, secondOut, n);
         return;
     }
-    MVector::CascadeMemory* sections = memory[pair].data();
-    MVector::PairsFromFloats(a, b, EqualizerGeometry::RunGuard, pairs.data(), n);
-    MVector::CascadeRun(list.Taps(), sections, count, pairs.data(), n, MVector::CascadeDirection::Forward);
-    if (!MVector::CascadeKeepSane(sections, count, EqualizerGeometry::AbsurdState))
+    MVector::PairsFromFloats(pair.delayed[0].data(), second, EqualizerGeometry::RunGuard, pairs.data(), n);
+    MVector::CascadeRun(list.Taps(), pair.memory.data(), count, pairs.data(), n,
+                        MVector::CascadeDirection::Forward);
+    if (!MVector::CascadeKeepSane(pair.memory.data(), count, EqualizerGeometry::AbsurdState))
         std::fill(pairs.begin(), pairs.end(), 0.0);
-    MVector::PairsToFloats(pairs.data(), EqualizerGeometry::OutputGuard, outA, outB, n);
+    MVector::PairsToFloats(pairs.data(), EqualizerGeometry::OutputGuard, pair.filtered[0].data(), secondOut,
+                           n);
+}
+
+void NormalEngine::CutChunk()
+{
+    if (stale || position == chunkLength)
+        return;
+    for (std::size_t index = 0; index < channelPairs.size(); ++index)
+    {
+        // As far as the chunk is out, with the sections that it was made with.
+        ChannelPair& pair = channelPairs[index];
+        std::copy_n(pair.memoryAtStart.begin(), ActiveCount(), pair.memory.begin());
+        RunPair(pair, 2 * index + 1 == delays.size(), position);
+    }
+    for (std::size_t channel = 0; channel < delays.size(); ++channel)
+    {
+        std::vector<float>& delayed = channelPairs[channel / 2].delayed[channel % 2];
+        std::copy(delayed.begin() + position, delayed.begin() + chunkLength, delayed.begin());
+    }
+    chunkLength -= position;
+    position = 0;
+    stale = true;
 }
