@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "effect/AnalysisFile.h"
+
+#include <bit>
+
+#include "state/tree/MAttribute.h"
+#include "state/tree/XML.h"
+
+static_assert(std::endian::native == std::endian::little,
+              "analyses are stored as little-endian memory images");
+
+namespace
+{
+constexpr std::int32_t imageSize = 4096;
+static_assert(sizeof(AnalysisArray) == imageSize);
+}   // namespace
+
+void StoreAnalysis(MAttribute& node, const AnalysisArray& analysis)
+{
+    node.SetBinary(analysis.data(), imageSize, false);
+}
+
+AnalysisArray ReadAnalysis(const MAttribute& node)
+{
+    AnalysisArray analysis{};
+    if (node.Text().Length() == 2 * imageSize)
+        node.GetBinary(analysis.data(), imageSize, false);
+    return analysis;
+}
+
+void SaveAnalysisFile(const MString& path, const AnalysisArray& analysis)
+{
+    MAttribute root("TonalignSourceAnalysis");
+    StoreAnalysis(root, analysis);
+    SaveCompressedXML(root, path, "utf-8");
+}
+
+AnalysisArray LoadAnalysisFile(const MString& path)
+{
+    MAttribute root;
+    LoadXML(root, path);
+    return ReadAnalysis(root);
+}

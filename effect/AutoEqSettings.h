@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstdint>
+
+#include "control/envelope/MEnvelope.h"
+#include "effect/FilterFitter.h"
+
+struct MStoreParams;
+
+/// What the user sets for Equalize and Separate.
+struct AutoEqSettings
+{
+    std::int32_t maxAdaptionBars = 4;   ///< bands to fit, 1 to 10
+    double adaptionFrequencyMin = 20;   ///< Hz
+    double adaptionFrequencyMax = 20000;   ///< Hz
+    double spaceInMixLimit = -40;   ///< dB, -100 to 0: where Separate takes a mix as empty
+    MFAAlgorithm adaptionAlgorithm = MFADefault;
+    bool neverAmplify = false;
+    bool disablePassNotch = false;
+    MEnvelope autoEqEnvelope;   ///< maps the size of a wish, on the unit square
+
+    AutoEqSettings();
+    /// The number settings as far as they stand before the curve in the effect's order of keys.
+    void Store(const MStoreParams& params);
+};
+
+/// "Default", "Optimized".
+const char* AlgorithmLabel(MFAAlgorithm algorithm);

@@ -1,0 +1,289 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "effect/TonalignAudioEffectPlugin.h"
+
+#include <algorithm>
+
+#include "control/parameters/ParameterAdapters.h"
+#include "foundation/text/MException.h"
+#include "foundation/vector/VectorOperations.h"
+
+namespace
+{
+constexpr const char* channelModeNames[] = { "Left", "Right", "Mix", "Left and right" };
+// Blocks up to this length are aligned without growing anything.
+constexpr std::size_t expectedBlock = 8192;
+}   // namespace
+
+TonalignAudioEffectPlugin::TonalignAudioEffectPlugin() : equalizer(*this)
+{
+    DescribeParameters();
+    description.flags = EffectFlag::Default | EffectFlag::PanelInMainEditor | EffectFlag::SeparatePages;
+    specialParameters[0] = {
+        .name = "Bands", .id = "bands", .adapter = &equalizer.automation, .owner = nullptr
+    };
+    description.specialParameters = specialParameters.data();
+    description.specialParameterCount = static_cast<std::int32_t>(specialParameters.size());
+
+    analyzer.SetLock(lock);
+    analyzer.AddClient(outputClient, ProcessorAverage);
+    analyzer.AddClient(analysisClient, ProcessorAverageInfinite);
+
+    SourceAnalysisEnvelope.MinX = BandMinimumX;
+    SourceAnalysisEnvelope.MaxX = BandMaximumX;
+    SourceAnalysisEnvelope.MinY = -90;
+    SourceAnalysisEnvelope.MaxY = 0;
+    SourceAnalysisEnvelope.points.Clear();
+    for (const auto& [x, y] :
+         { std::pair{ BandMinimumX, -20.0 }, { 2.0, 0.0 }, { 3.0, 0.0 }, { BandMaximumX, -40.0 } })
+    {
+        MEnvelopePoint point;
+        point.x = x;
+        point.y = y;
+        SourceAnalysisEnvelope.points.Add(point);
+    }
+}
+
+TonalignAudioEffectPlugin::~TonalignAudioEffectPlugin() = default;
+
+void TonalignAudioEffectPlugin::DescribeParameters()
+{
+    using Info = MPluginParameterInfo;
+    MEqualizerProcessorPlugin::DescribeParameters(parameters.data());
+    parameters[4] =
+        Info::Group("Analyser")
+            .WithFlags(ParameterFlag::OpenInPage0 | ParameterFlag::OpenInPage1 | ParameterFlag::OpenInPage2)
+            .WithHelp("<name>Analyser panel</name> contains settings of the analyser engine. None of the "
+                      "parameters affect the resulting sound, <reference>Smoothness</reference> affects "
+                      "automatic equalization however.");
+    parameters[5] =
+        Info::Float("Smoothness", "smooth", 0, 0.2, 0.05)
+            .WithFormatter(&FormatPercent)
+            .WithFlags(ParameterFlag::DisplayVariant1)
+            .WithHelp(
+                "<name>Smoothness</name> makes the analyser smooth out the curve, so it contains less "
+                "bumping. It approximates energy in each frequency and the resulting graph may be easier "
+                "to understand. Also the smoothness affects the automatic equalization. Usually higher "
+                "value provides more natural results, however you should verify using your ears.");
+    parameters[6] =
+        Info::Float("Average length", "average", 0, 5, 1)
+            .WithFormatter(&FormatTime)
+            .WithHelp(
+                "<name>Averaging</name> makes the analyser show mean values over a specified period of "
+                "time, which makes the values \"jump\" less and display more user-friendly value, which "
+                "is however not so accurate in the time-domain.");
+    parameters[7] =
+        Info::Float("RESERVED1", "slope", 0, 6, 3)
+            .WithFormat("{+0.2} dB")
+            .WithFlags(ParameterFlag::NotInGenericPanel)
+            .WithHelp(
+                "<name>Slope</name> makes the analyser increase magnitude of higher frequencies, since "
+                "they are typically lower in energy. 3dB per octave is a typical value, which makes pink "
+                "noise horizontal as pink noise contains equal energy in each octave.");
+    parameters[8] =
+        Info::Float("RESERVED2", "overlap", 0, 0.8, 0.5)
+            .WithFormatter(&FormatPercent)
+            .WithFlags(ParameterFlag::NotInGenericPanel)
+            .WithHelp(
+                "<name>Overlapping</name> makes the analyser perform multiple FFT processing on the same "
+                "data which results in better precision at the cost of higher CPU impact.");
+    parameters[9] = Info::Enumeration("RESERVED3", "channelmode", channelModeNames, 4, 2)
+                        .WithFlags(ParameterFlag::NotInGenericPanel)
+                        .WithHelp("<name>Channel mode</name> defines which channels should be analyzed.");
+    parameters[10] = Info::Float("RESERVED4", "analyzergain", -24, 24, 0)
+                         .WithFormat("{+0.2} dB")
+                         .WithFlags(ParameterFlag::NotInGenericPanel)
+                         .WithHelp("<name>Gain</name> defines input gain applied on the analyzed signal.");
+    parameters[11] =
+        Info::Boolean("RESERVED5", "psychoacousticsimulation", false)
+            .WithFlags(ParameterFlag::NotInGenericPanel)
+            .WithHelp(
+                "<name>Psycho-acoustic simulation</name> makes the source signal processed through a "
+                "filter that emulates human perceivation of sound. Theory says, that if the result is a "
+                "horizontal line in 0dB slope, then the frequencies are equally balanced. When enabled, "
+                "<reference>Slope</reference> parameter is ignored.");
+    description.parameters = parameters.data();
+    description.parameterCount = ParameterCount;
+}
+
+std::int64_t TonalignAudioEffectPlugin::InitProcessing(std::int32_t channelCount, double newSampleRate)
+{
+    const MSynchronizerGuard guard(lock);
+    channelGroups = std::clamp(channelCount, 1, MaxChannels);
+    sampleRate = newSampleRate;
+    analyzer.SetLock(lock);
+    UpdateAnalysisState(true);
+    equalizer.lock = lock;
+    equalizer.InitProcessing(channelGroups);
+    alignedInputs.resize(static_cast<std::size_t>(channelGroups));
+    for (std::vector<float>& buffer : alignedInputs)
+        buffer.resize(std::max(buffer.size(), expectedBlock));
+    for (MArrayQueue<float>& queue : delayQueues)
+        queue.FillZero();
+    return 0;
+}
+
+void TonalignAudioEffectPlugin::OnParameterChange(std::int32_t index)
+{
+    if (index < AnalyserGroup)
+        return;
+    UpdateAnalysisState(index == AverageLength || index == Overlap);
+}
+
+void TonalignAudioEffectPlugin::Update()
+{
+    if (!(sampleRate > 0))
+        return;
+    const MSynchronizerGuard guard(lock);
+    equalizer.ApplyParameters();
+    const std::int32_t latency = GetLatency();
+    if (latency == cachedLatency)
+        return;
+    cachedLatency = latency;
+    for (MArrayQueue<float>& queue : delayQueues)
+    {
+        queue.Clear();
+        queue.PushZeros(latency);
+    }
+}
+
+void TonalignAudioEffectPlugin::Process(const MProcessContext&, float** inputs, float** outputs,
+                                        std::int32_t sampleCount)
+{
+    const MSynchronizerGuard guard(lock);
+    if (suspendCount > 0)
+    {
+        for (std::int32_t channel = 0; channel < channelGroups; ++channel)
+            MVector::Zero(outputs[channel], sampleCount);
+        return;
+    }
+    equalizer.Process(inputs, outputs, sampleCount, channelGroups);
+    float** analysed = inputs;
+    if (!Analysing)
+    {
+        AlignInputs(inputs, sampleCount);
+        analysed = alignedPointers.data();
+    }
+    if (!description.environment->editorVisible && !analyzer.settings.enableWhenHidden && !Analysing)
+        return;
+    FeedAnalyzer(analysed, outputs, sampleCount);
+}
+
+void TonalignAudioEffectPlugin::AlignInputs(float** inputs, std::int32_t sampleCount)
+{
+    // The host's input stays as it is: some hosts hand the same memory to other plug-ins.
+    for (std::int32_t index = 0; index < channelGroups; ++index)
+    {
+        const auto channel = static_cast<std::size_t>(index);
+        std::vector<float>& buffer = alignedInputs[channel];
+        if (buffer.size() < static_cast<std::size_t>(sampleCount))
+            buffer.resize(static_cast<std::size_t>(sampleCount));
+        delayQueues[channel].Push(inputs[channel], sampleCount);
+        delayQueues[channel].Pull(buffer.data(), sampleCount);
+        alignedPointers[channel] = buffer.data();
+    }
+}
+
+void TonalignAudioEffectPlugin::FeedAnalyzer(float** inputs, float** outputs, std::int32_t sampleCount)
+{
+    analyzer.AnalyseOwn(inputs, sampleCount, channelGroups);
+    if (Analysing)
+        analyzer.AnalyseClient(analysisClient, inputs, sampleCount, channelGroups);
+    analyzer.AnalyseClient(outputClient, outputs, sampleCount, channelGroups);
+}
+
+EditorState TonalignAudioEffectPlugin::CurrentEditorState() const
+{
+    return EditorState::From({ .analysing = Analysing,
+                               .analysingSource = AnalysingSource,
+                               .drawingSource = DrawingSource,
+                               .targetDefined = TargetAnalysisDefined,
+                               .sourceDefined = SourceAnalysisDefined });
+}
+
+void TonalignAudioEffectPlugin::AttachObserver(EffectObserver* newObserver)
+{
+    {
+        const MSynchronizerGuard guard(lock);
+        observer = newObserver;
+        analyzer.SetDisplayAttached(observer != nullptr);
+    }
+    UpdateAnalysisState(false);
+}
+
+bool TonalignAudioEffectPlugin::Progress(const MString& stage, double fraction)
+{
+    return observer == nullptr || observer->OnProgress(stage, fraction);
+}
+
+LoadProgress TonalignAudioEffectPlugin::ProgressOf(const MString& stage)
+{
+    return { [this, stage](double fraction)
+             {
+                 return Progress(stage, fraction);
+             } };
+}
+
+void TonalignAudioEffectPlugin::UpdateAnalysisState(bool rebuildAnalyzer)
+{
+    if (!(sampleRate > 0))
+        return;
+    {
+        const MSynchronizerGuard guard(lock);
+        equalizer.bandsEnabled = !Analysing;
+        analyzer.settings.averageLength = parameters[AverageLength].RunningValue();
+        analyzer.SetSmoothness(parameters[Smoothness].RunningValue());
+        analyzer.Initialise(sampleRate, rebuildAnalyzer);
+    }
+    EffectObserver* attached = nullptr;
+    EditorState state;
+    {
+        const MSynchronizerGuard guard(lock);
+        attached = observer;
+        state = CurrentEditorState();
+    }
+    if (attached != nullptr)
+        attached->OnEditorState(state);
+}
+
+void TonalignAudioEffectPlugin::ToggleTargetAnalysis()
+{
+    ToggleAnalysis(false);
+}
+
+void TonalignAudioEffectPlugin::ToggleSourceAnalysis()
+{
+    ToggleAnalysis(true);
+}
+
+void TonalignAudioEffectPlugin::ToggleAnalysis(bool source)
+{
+    {
+        const MSynchronizerGuard guard(lock);
+        AnalysisArray& analysis = source ? SourceAnalysis : TargetAnalysis;
+        bool& defined = source ? SourceAnalysisDefined : TargetAnalysisDefined;
+        if (Analysing)
+        {
+            analyzer.GetSpectrum(analysisClient, analysis.data(), ProcessorAverageInfinite, 0);
+            defined = true;
+        }
+        else
+        {
+            analyzer.ResetClient(analysisClient);
+            defined = false;
+        }
+        AnalysingSource = source && !Analysing;
+        Analysing = !Analysing;
+        equalizer.bandsEnabled = !Analysing;
+    }
+    UpdateAnalysisState(true);
+}
+
+void TonalignAudioEffectPlugin::SetAnalysis(const AnalysisArray& analysis, bool isSource)
+{
+    {
+        const MSynchronizerGuard guard(lock);
+        (isSource ? SourceAnalysis : TargetAnalysis) = analysis;
+        (isSource ? SourceAnalysisDefined : TargetAnalysisDefined) = true;
+    }
+    UpdateAnalysisState(false);
+}

@@ -1,0 +1,120 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <vector>
+
+#include "audio/analyzer/MSpectralAnalyzerAdvanced.h"
+#include "audio/equalizer/MEqualizerProcessorPlugin.h"
+#include "effect/AnalysisFile.h"
+#include "effect/AutoEqSettings.h"
+#include "effect/EffectObserver.h"
+#include "effect/FilterFitter.h"
+#include "effect/FrequencyAreas.h"
+#include "foundation/audiofile/AudioFile.h"
+#include "foundation/containers/MArrayQueue.h"
+#include "plugin/contract/MAudioEffectPlugin.h"
+
+/// The automatic equalizer: measures a target and a source, turns their difference into bands, and runs the
+/// bands on audio.
+///
+/// The audio thread enters Process; everything else runs on one other thread, that of an editor or of an
+/// offline host. They share `lock`. Long work holds `suspendCount` up instead of the lock.
+class TonalignAudioEffectPlugin : public MAudioEffectPlugin
+{
+public:
+    static constexpr std::int32_t ParameterCount = 12;
+    static constexpr std::int32_t MaxChannels = 8;
+    /// The analyser panel's records behind those of the equalizer.
+    enum Parameter : std::int32_t
+    {
+        AnalyserGroup = 4,
+        Smoothness = 5,
+        AverageLength = 6,
+        Overlap = 8
+    };
+    enum class EqualizeResult
+    {
+        Done,
+        NothingToDo   ///< the analyses agree within 0.01 dB; the bands stay as they were
+    };
+
+    TonalignAudioEffectPlugin();
+    ~TonalignAudioEffectPlugin() override;
+
+    std::int64_t InitProcessing(std::int32_t channelCount, double newSampleRate) override;
+    void Process(const MProcessContext& context, float** inputs, float** outputs,
+                 std::int32_t sampleCount) override;
+    std::int32_t GetLatency() override { return equalizer.GetLatency(); }
+    std::int32_t GetTailSize() override { return equalizer.GetTailSize(); }
+    void OnParameterChange(std::int32_t index) override;
+    void Update() override;
+    void Store(const MStoreParams& params) override;
+
+    /// Starts a measurement of the target, or ends the running one and takes it over.
+    void ToggleTargetAnalysis();
+    void ToggleSourceAnalysis();
+    /// Brings analyzer and observer in line with the flags; `rebuildAnalyzer` restarts the statistics.
+    void UpdateAnalysisState(bool rebuildAnalyzer);
+    /// Measures a whole file as source or target, at the effect's rate. The effect is silent meanwhile.
+    /// Throws MException and leaves the analyses alone when the file can't be read.
+    void AnalyseFile(const MString& path, bool isSource);
+    /// The same for audio in memory, which is brought to the effect's rate in place.
+    void AnalyseBuffer(AudioSampleBuffer& buffer, bool isSource);
+    /// Fits bands that bring the target to the source (or, to separate, make room for it) and puts them in
+    /// place of all that were there. Throws MException "Invalid source data. Please perform analyzation.".
+    EqualizeResult Equalize(bool separate);
+
+    /// The prepared curves that Equalize compares: what it wants to reach, and where it starts.
+    struct ComparedCurves
+    {
+        std::array<float, 1024> reference;
+        std::array<float, 1024> target;
+    };
+    ComparedCurves Compare(bool separate);
+    /// The bands' summed response in dB at the points of the fitter's grid.
+    std::array<float, 1024> BandResponse();
+    const std::array<float, 1024>& FitterGrid();
+
+    /// Sets one of the analyses from elsewhere, such as a file.
+    void SetAnalysis(const AnalysisArray& analysis, bool isSource);
+    /// Null detaches. While somebody is attached the analyzer works.
+    void AttachObserver(EffectObserver* newObserver);
+    EditorState CurrentEditorState() const;
+
+    AnalysisArray TargetAnalysis{};
+    bool TargetAnalysisDefined = false;
+    AnalysisArray SourceAnalysis{};
+    bool SourceAnalysisDefined = false;
+    bool Analysing = false;
+    bool AnalysingSource = false;
+    bool DrawingSource = false;
+    AutoEqSettings settings;
+    MEnvelope SourceAnalysisEnvelope;   ///< the curve of Draw mode, dB over log10 of Hz
+    FrequencyAreas areas;
+    MEqualizerProcessorPlugin equalizer;
+    MSpectralAnalyzerAdvanced analyzer;
+
+private:
+    void DescribeParameters();
+    void ToggleAnalysis(bool source);
+    void AlignInputs(float** inputs, std::int32_t sampleCount);
+    void FeedAnalyzer(float** inputs, float** outputs, std::int32_t sampleCount);
+    void WriteBands(const std::vector<FittedFilter>& fitted);
+    void StoreAnalyses(const MStoreParams& params);
+    void StoreCurvesAndBands(const MStoreParams& params);
+    bool Progress(const MString& stage, double fraction);
+    LoadProgress ProgressOf(const MString& stage);
+
+    std::array<MPluginParameterInfo, ParameterCount> parameters;
+    std::array<MPluginSpecialParameterInfo, 1> specialParameters;
+    AnalyzerClient outputClient;
+    AnalyzerClient analysisClient;
+    FilterFitter fitter;
+    std::array<MArrayQueue<float>, MaxChannels> delayQueues;
+    std::int32_t cachedLatency = 0;
+    std::vector<std::vector<float>> alignedInputs;
+    std::array<float*, MaxChannels> alignedPointers{};
+    EffectObserver* observer = nullptr;
+};

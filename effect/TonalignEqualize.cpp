@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Equalize and Separate: from two analyses to bands.
+#include <algorithm>
+#include <cmath>
+
+#include "effect/TonalignAudioEffectPlugin.h"
+#include "effect/WantedResponse.h"
+#include "foundation/text/MException.h"
+#include "foundation/text/Translate.h"
+
+namespace
+{
+constexpr double maximalQ = 20;
+
+// What a damaged state may hold instead of levels.
+bool IsFinite(const AnalysisArray& analysis)
+{
+    return std::all_of(analysis.begin(), analysis.end(), [](float value) { return std::isfinite(value); });
+}
+}   // namespace
+
+const std::array<float, 1024>& TonalignAudioEffectPlugin::FitterGrid()
+{
+    fitter.BuildGrid(FitGrid::MinHz, FitGrid::MaxHz, FitGrid::Count);
+    return fitter.Grid();
+}
+
+TonalignAudioEffectPlugin::ComparedCurves TonalignAudioEffectPlugin::Compare(bool separate)
+{
+    ComparedCurves curves;
+    curves.target = TargetAnalysis;
+    PrepareAnalysis(curves.target, analyzer.SmoothingKernel());
+    GridCurve source = SourceAnalysis;
+    PrepareAnalysis(source, analyzer.SmoothingKernel());
+    if (separate)
+        curves.reference = WantedResponse::RoomBeside(curves.target, source, settings.spaceInMixLimit);
+    else if (SourceAnalysisDefined)
+        curves.reference = source;
+    else
+        curves.reference.fill(0);
+    return curves;
+}
+
+TonalignAudioEffectPlugin::EqualizeResult TonalignAudioEffectPlugin::Equalize(bool separate)
+{
+    if (!IsFinite(TargetAnalysis) || (SourceAnalysisDefined && !IsFinite(SourceAnalysis)))
+        throw MException("Invalid source data. Please perform analyzation.");
+    const ComparedCurves curves = Compare(separate);
+    WantedResponse wanted(curves.target, curves.reference);
+    if (wanted.IsFlat())
+    {
+        MString text =
+            Translate("There is nothing to equalize, because the analysis shows it is already perfect.");
+        if (separate)
+            text =
+                text + "\n\n" +
+                Translate("Since you are trying to separate, you may want to use Settings/Space in mix limit "
+                          "controller to increase requested separation limit.");
+        if (observer != nullptr)
+            observer->OnInformation(text);
+        return EqualizeResult::NothingToDo;
+    }
+    wanted.Limit(FitterGrid(), { .frequencyMinHz = settings.adaptionFrequencyMin,
+                                 .frequencyMaxHz = settings.adaptionFrequencyMax,
+                                 .neverAmplify = settings.neverAmplify });
+    wanted.Transform(settings.autoEqEnvelope);
+    std::vector<FittedFilter> fitted;
+    fitter.Fit(wanted.Values().data(), sampleRate, fitted, settings.maxAdaptionBars,
+               !settings.disablePassNotch, settings.adaptionAlgorithm, maximalQ);
+    {
+        // A short gap in the audio, so that the bands can change without the lock.
+        const SuspendGuard suspended(*this);
+        WriteBands(fitted);
+        Update();
+    }
+    equalizer.UpdateAllBandControls();
+    if (observer != nullptr)
+        observer->OnBandsReplaced();
+    return EqualizeResult::Done;
+}
+
+void TonalignAudioEffectPlugin::WriteBands(const std::vector<FittedFilter>& fitted)
+{
+    equalizer.SetDefaults(false);
+    for (std::int32_t index = 0; index < MEqualizerBase::BandCount; ++index)
+    {
+        BandPoint& band = equalizer.Band(index);
+        const auto place = static_cast<std::size_t>(index);
+        band.enabled = place < fitted.size();
+        if (place >= fitted.size())
+            continue;
+        const FittedFilter& filter = fitted[place];
+        band.type = filter.type;
+        band.y = filter.gain;
+        band.x = std::log10(filter.frequency);
+        band.width = WidthFromQ(filter.q);
+        band.order = 0;
+        band.harmonicsDepth = 0.0;
+        band.RoundToStored();
+    }
+}
+
+std::array<float, 1024> TonalignAudioEffectPlugin::BandResponse()
+{
+    const std::array<float, 1024>& grid = FitterGrid();
+    const ResponseCurve curve = equalizer.CurrentResponse();
+    std::array<float, 1024> response;
+    for (std::size_t index = 0; index < response.size(); ++index)
+        response[index] = static_cast<float>(curve.DecibelsAt(std::log10(static_cast<double>(grid[index]))));
+    return response;
+}
