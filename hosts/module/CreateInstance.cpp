@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "hosts/module/CreateInstance.h"
+
+#include "effect/TonalignInterface.h"
+
+std::unique_ptr<MQuorvaneAudioEffectPlugin> CreateInstance()
+{
+    auto plugin = std::make_unique<MQuorvaneAudioEffectPlugin>();
+    plugin->Initialize("TonalignLinearPhase", "Quorvane", &TonalignAudioEffectPluginInterface, 800, 560);
+    return plugin;
+}
+
+TonalignAudioEffectPlugin& EffectOf(MQuorvaneAudioEffectPlugin& plugin)
+{
+    return static_cast<TonalignAudioEffectPlugin&>(plugin.Effect());
+}
