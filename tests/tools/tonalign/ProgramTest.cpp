@@ -1,0 +1,434 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The program as a user runs it.
+#include <chrono>
+#include <cmath>
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <numbers>
+#include <random>
+#include <thread>
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+#include <sndfile.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+
+namespace
+{
+struct Outcome
+{
+    int status = -1;
+    std::string out;
+    std::string err;
+};
+
+std::string ReadFile(const fs::path& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    return { std::istreambuf_iterator<char>(file), {} };
+}
+
+class Program : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        folder = fs::path(std::getenv("TONALIGN_TEST_FOLDER")) /
+                 ::testing::UnitTest::GetInstance()->current_test_info()->name();
+        fs::create_directories(folder);
+        program = fs::path(std::getenv("TONALIGN_BINARY_DIR")) / "tonalign";
+        ASSERT_TRUE(fs::exists(program));
+    }
+
+    std::string Path(const std::string& name) const { return (folder / name).string(); }
+
+    pid_t Start(const std::vector<std::string>& words, rlim_t fileLimit = RLIM_INFINITY) const
+    {
+        std::vector<std::string> all{ program.string() };
+        all.insert(all.end(), words.begin(), words.end());
+        std::vector<char*> arguments;
+        for (std::string& word : all)
+            arguments.push_back(word.data());
+        arguments.push_back(nullptr);
+        const std::string out = Path("stdout"), err = Path("stderr");
+        const pid_t child = fork();
+        if (child == 0)
+        {
+            const rlimit limit{ fileLimit, fileLimit };
+            setrlimit(RLIMIT_FSIZE, &limit);
+            dup2(open(out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 1);
+            dup2(open(err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 2);
+            execv(arguments[0], arguments.data());
+            _exit(127);
+        }
+        return child;
+    }
+
+    Outcome Finish(pid_t child) const
+    {
+        int status = 0;
+        waitpid(child, &status, 0);
+        Outcome outcome;
+        outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+        outcome.out = ReadFile(Path("stdout"));
+        outcome.err = ReadFile(Path("stderr"));
+        fs::remove(Path("stdout"));
+        fs::remove(Path("stderr"));
+        return outcome;
+    }
+
+    Outcome Run(const std::vector<std::string>& words) const { return Finish(Start(words)); }
+
+    // A WAV file of noise through a one-pole low-pass; `darkness` 0 leaves it white.
+    std::string Noise(const std::string& name, double darkness, double seconds = 2, int rate = 48000,
+                      int channels = 2, int format = SF_FORMAT_WAV | SF_FORMAT_PCM_16,
+                      float level = 0.1f) const
+    {
+        std::mt19937 generator(static_cast<unsigned>(name.size()));
+        std::normal_distribution<float> samples(0, level);
+        std::vector<float> frames(static_cast<std::size_t>(seconds * rate) *
+                                  static_cast<std::size_t>(channels));
+        double memory = 0;
+        for (std::size_t index = 0; index < frames.size(); ++index)
+        {
+            if (index % static_cast<std::size_t>(channels) == 0)
+                memory = darkness * memory + (1 - darkness) * static_cast<double>(samples(generator));
+            frames[index] = static_cast<float>(memory);
+        }
+        return Write(name, frames, rate, channels, format);
+    }
+
+    std::string Write(const std::string& name, const std::vector<float>& frames, int rate, int channels,
+                      int format) const
+    {
+        SF_INFO info = {};
+        info.samplerate = rate;
+        info.channels = channels;
+        info.format = format;
+        SNDFILE* file = sf_open(Path(name).c_str(), SFM_WRITE, &info);
+        EXPECT_NE(file, nullptr) << sf_strerror(nullptr);
+        sf_writef_float(file, frames.data(), static_cast<sf_count_t>(frames.size()) / channels);
+        sf_close(file);
+        return Path(name);
+    }
+
+    static std::vector<float> Read(const std::string& path, SF_INFO* info = nullptr)
+    {
+        SF_INFO own = {};
+        SF_INFO& used = info != nullptr ? *info : own;
+        used = {};
+        SNDFILE* file = sf_open(path.c_str(), SFM_READ, &used);
+        EXPECT_NE(file, nullptr) << path;
+        if (file == nullptr)
+            return {};
+        std::vector<float> frames(static_cast<std::size_t>(used.frames * used.channels));
+        sf_readf_float(file, frames.data(), used.frames);
+        sf_close(file);
+        return frames;
+    }
+
+    // What is in the folder besides the names given: nothing may be left behind.
+    std::vector<std::string> Leftovers(std::vector<std::string> known) const
+    {
+        std::vector<std::string> others;
+        for (const auto& entry : fs::directory_iterator(folder))
+            if (std::find(known.begin(), known.end(), entry.path().filename().string()) == known.end())
+                others.push_back(entry.path().filename().string());
+        return others;
+    }
+
+    fs::path folder;
+    fs::path program;
+};
+}   // namespace
+
+TEST_F(Program, EqualizesOneRecordingToAnother)
+{
+    const std::string dark = Noise("dark.wav", 0.9), bright = Noise("bright.wav", 0.0);
+    const Outcome outcome = Run({ "equalize", dark, "--source", bright, "-o", Path("out.wav"), "--json" });
+    ASSERT_EQ(outcome.status, 0) << outcome.err;
+    const nlohmann::json json = nlohmann::json::parse(outcome.out);
+    EXPECT_EQ(json["bands"].size(), 4u);
+    EXPECT_LT(json["rms_after_db"], 0.5 * json["rms_before_db"].get<double>());
+    EXPECT_EQ(json["latency"], 32768);
+    EXPECT_EQ(json["sample_rate"], 48000);
+    EXPECT_EQ(json["channels"], 2);
+    EXPECT_EQ(json["frames"], 96000);
+    for (const char* stage : { "loading", "resampling", "analysing", "fitting", "rendering" })
+        EXPECT_TRUE(json["seconds"].contains(stage)) << stage;
+    SF_INFO info = {};
+    const std::vector<float> out = Read(Path("out.wav"), &info);
+    EXPECT_EQ(info.frames, 96000);
+    EXPECT_EQ(info.format & SF_FORMAT_SUBMASK, SF_FORMAT_PCM_16);
+    double peak = 0;
+    for (const float sample : out)
+        peak = std::max(peak, static_cast<double>(std::fabs(sample)));
+    EXPECT_NEAR(json["peak_dbfs"], 20 * std::log10(peak), 0.05);
+
+    // The equalized file needs next to nothing more.
+    const Outcome again = Run({ "equalize", Path("out.wav"), "--source", bright, "--json" });
+    EXPECT_NEAR(nlohmann::json::parse(again.out)["rms_before_db"].get<double>(),
+                json["rms_after_db"].get<double>(), 0.5);
+    EXPECT_EQ(Leftovers({ "dark.wav", "bright.wav", "out.wav" }), std::vector<std::string>{});
+}
+
+TEST_F(Program, RendersFlatFilesSampleForSample)
+{
+    for (const auto& [name, format, bits] : { std::tuple{ "a.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16, 16 },
+                                              { "b.flac", SF_FORMAT_FLAC | SF_FORMAT_PCM_24, 24 },
+                                              { "c.aiff", SF_FORMAT_AIFF | SF_FORMAT_PCM_24, 24 },
+                                              { "d.flac", SF_FORMAT_FLAC | SF_FORMAT_PCM_16, 16 },
+                                              { "e.wav", SF_FORMAT_WAV | SF_FORMAT_FLOAT, 32 } })
+        for (const char* mode : { "normal", "linear", "fft" })
+        {
+            SCOPED_TRACE(::testing::Message() << name << ", " << mode);
+            const std::string in = Noise(name, 0.2, 0.5, 44100, 2, format);
+            const std::string out = Path(std::string("out-") + name);
+            const Outcome outcome = Run({ "render", in, "-o", out, "--mode", mode, "--force" });
+            ASSERT_EQ(outcome.status, 0) << outcome.err;
+            SF_INFO info = {};
+            const std::vector<float> before = Read(in), after = Read(out, &info);
+            ASSERT_EQ(before.size(), after.size());
+            EXPECT_EQ(info.format & SF_FORMAT_SUBMASK, format & SF_FORMAT_SUBMASK) << "bits as the input";
+            double worst = 0;
+            for (std::size_t index = 0; index < after.size(); ++index)
+                worst = std::max(worst, std::fabs(static_cast<double>(before[index]) - after[index]));
+            // 24 bits: the two linear modes may round to the next step.
+            EXPECT_LE(worst, bits == 16 ? 0.0 : 1.3e-7);
+        }
+}
+
+TEST_F(Program, TypedBandsDoWhatTheySay)
+{
+    std::vector<float> impulse(120000);
+    impulse[60000] = 0.5f;
+    const std::string in = Write("impulse.wav", impulse, 48000, 1, SF_FORMAT_WAV | SF_FORMAT_FLOAT);
+    ASSERT_EQ(Run({ "render", in, "--band", "peak:1000:6:1", "--band", "highpass:50:0:0.707", "-o",
+                    Path("o.wav"), "--save-state", Path("s.state") })
+                  .status,
+              0);
+    const std::vector<float> out = Read(Path("o.wav"));
+    double re = 0, im = 0;
+    for (std::size_t index = 0; index < out.size(); ++index)
+    {
+        const double phase = 2 * std::numbers::pi * 1000 / 48000 * static_cast<double>(index);
+        re += out[index] * std::cos(phase);
+        im -= out[index] * std::sin(phase);
+    }
+    EXPECT_NEAR(20 * std::log10(std::hypot(re, im) / 0.5), 6, 0.01);
+
+    ASSERT_EQ(Run({ "render", in, "--state", Path("s.state"), "-o", Path("again.wav") }).status, 0);
+    EXPECT_EQ(Read(Path("again.wav")), out) << "a state gives the same sound";
+    const nlohmann::json state = nlohmann::json::parse(Run({ "show", Path("s.state"), "--json" }).out);
+    EXPECT_EQ(state["bands"].size(), 2u);
+    EXPECT_EQ(state["bands"][0]["type"], "peak");
+    EXPECT_NEAR(state["bands"][0]["frequency"], 1000, 1e-6);
+    const std::string csv = Run({ "show", Path("s.state"), "--csv" }).out;
+    EXPECT_EQ(std::count(csv.begin(), csv.end(), '\n'), 1025);
+    EXPECT_TRUE(csv.starts_with("frequency_hz,response_db\n"));
+}
+
+TEST_F(Program, AnalysesStandInForRecordings)
+{
+    const std::string dark = Noise("dark.wav", 0.8, 2, 44100),
+                      bright = Noise("bright.flac", 0.1, 2, 48000, 1, SF_FORMAT_FLAC | SF_FORMAT_PCM_16);
+    ASSERT_EQ(Run({ "analyse", bright, "-o", Path("b.TonalignComparison") }).status, 0);
+    ASSERT_EQ(Run({ "analyse", dark, "-o", Path("d.TonalignComparison") }).status, 0);
+    const auto fit = [this](const std::string& target, const std::string& source)
+    {
+        const Outcome outcome = Run({ "equalize", target, "--source", source, "--json", "--rate", "44100" });
+        EXPECT_EQ(outcome.status, 0) << outcome.err;
+        return nlohmann::json::parse(outcome.out);
+    };
+    const nlohmann::json direct = fit(dark, bright);
+    const nlohmann::json saved = fit(Path("d.TonalignComparison"), Path("b.TonalignComparison"));
+    EXPECT_NEAR(direct["rms_before_db"], saved["rms_before_db"], 0.5) << "one was resampled, the other not";
+    EXPECT_EQ(direct["bands"][0]["type"], saved["bands"][0]["type"]);
+    EXPECT_EQ(
+        Run({ "equalize", Path("d.TonalignComparison"), "--source", bright, "-o", Path("x.wav") }).status, 2);
+    const std::string csv = Run({ "show", Path("b.TonalignComparison"), "--csv" }).out;
+    EXPECT_TRUE(csv.starts_with("frequency_hz,level_db\n"));
+    EXPECT_EQ(csv, Run({ "show", bright, "--csv" }).out);
+}
+
+TEST_F(Program, NothingToEqualizeIsNoFailure)
+{
+    const std::string in = Noise("in.wav", 0.5);
+    const Outcome outcome = Run({ "equalize", in, "--source", in, "-o", Path("out.wav") });
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    EXPECT_NE(
+        outcome.out.find("There is nothing to equalize, because the analysis shows it is already perfect."),
+        std::string::npos);
+    EXPECT_EQ(Read(Path("out.wav")), Read(in)) << "rendered flat";
+}
+
+TEST_F(Program, BadInputGivesOneLineThatNamesTheFile)
+{
+    const std::string good = Noise("good.wav", 0.5);
+    std::ofstream(Path("empty.wav")).flush();
+    std::ofstream(Path("text.wav")) << "this is no audio at all";
+    const std::string whole = ReadFile(good);
+    std::ofstream(Path("cut.wav"), std::ios::binary) << whole.substr(0, whole.size() / 2);
+    Write("silent.wav", std::vector<float>(96000), 48000, 1, SF_FORMAT_WAV | SF_FORMAT_PCM_16);
+    std::vector<float> broken(96000, 0.1f);
+    broken[777] = std::nanf("");
+    Write("nan.wav", broken, 48000, 1, SF_FORMAT_WAV | SF_FORMAT_FLOAT);
+    broken[777] = INFINITY;
+    Write("inf.wav", broken, 48000, 1, SF_FORMAT_WAV | SF_FORMAT_FLOAT);
+    Noise("five.wav", 0.5, 0.5, 48000, 5);
+    Noise("nine.wav", 0.5, 0.5, 48000, 9);
+    Noise("short.wav", 0.5, 0.05);
+    std::ofstream(Path("damaged.TonalignComparison")) << "<A>0011</A>";
+    std::ofstream(Path("garbage.TonalignComparison")) << "garbage";
+
+    std::vector<std::string> known{ "good.wav" };
+    for (const auto& entry : fs::directory_iterator(folder))
+        known.push_back(entry.path().filename().string());
+    const std::string out = Path("out.wav");
+    for (const char* name :
+         { "missing.wav", "empty.wav", "text.wav", "cut.wav", "silent.wav", "nan.wav", "inf.wav", "five.wav",
+           "nine.wav", "short.wav", "damaged.TonalignComparison", "garbage.TonalignComparison" })
+    {
+        SCOPED_TRACE(name);
+        const std::string path = Path(name);
+        const bool isAnalysis = path.ends_with("Comparison");
+        if (!isAnalysis)
+        {
+            const Outcome target = Run({ "equalize", path, "--source", good, "-o", out });
+            EXPECT_EQ(target.status, 1);
+            EXPECT_EQ(std::count(target.err.begin(), target.err.end(), '\n'), 1) << target.err;
+            EXPECT_TRUE(target.err.starts_with("tonalign: " + path + ": ")) << target.err;
+        }
+        const Outcome source = Run({ "equalize", good, "--source", path, "-o", out });
+        EXPECT_EQ(source.status, 1);
+        EXPECT_EQ(std::count(source.err.begin(), source.err.end(), '\n'), 1) << source.err;
+        EXPECT_TRUE(source.err.starts_with("tonalign: " + path + ": ")) << source.err;
+        EXPECT_EQ(Leftovers(known), std::vector<std::string>{});
+    }
+    std::ofstream(Path("bad.state")) << "<settings><Analyzer";
+    known.push_back("bad.state");
+    for (const auto& words :
+         std::vector<std::vector<std::string>>{ { "render", good, "-o", Path("no/such/folder/out.wav") },
+                                                { "render", good, "-o", good, "--force" },
+                                                { "render", good, "--state", Path("bad.state"), "-o", out },
+                                                { "render", good, "--state", good, "-o", out },
+                                                { "analyse", good, "-o", good, "--force" } })
+    {
+        const Outcome outcome = Run(words);
+        EXPECT_EQ(outcome.status, 1) << outcome.out;
+        EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1) << outcome.err;
+        EXPECT_EQ(Leftovers(known), std::vector<std::string>{});
+    }
+    EXPECT_EQ(ReadFile(good), whole);
+}
+
+TEST_F(Program, AnExistingFileIsReplacedOnlyByForce)
+{
+    const std::string in = Noise("in.wav", 0.5);
+    std::ofstream(Path("out.wav")) << "precious";
+    EXPECT_EQ(Run({ "render", in, "-o", Path("out.wav") }).status, 1);
+    EXPECT_EQ(ReadFile(Path("out.wav")), "precious");
+    EXPECT_EQ(Run({ "render", in, "-o", Path("out.wav"), "--force" }).status, 0);
+    EXPECT_EQ(Read(Path("out.wav")), Read(in));
+}
+
+TEST_F(Program, AFullDiskLeavesNothingBehind)
+{
+    const std::string in = Noise("in.wav", 0.5, 4);
+    const Outcome outcome = Finish(Start({ "render", in, "-o", Path("out.wav") }, 100000));
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_NE(outcome.err.find("Probably disk full."), std::string::npos) << outcome.err;
+    EXPECT_EQ(Leftovers({ "in.wav" }), std::vector<std::string>{});
+}
+
+TEST_F(Program, AnInterruptStopsWithinASecondAndLeavesNothing)
+{
+    using Clock = std::chrono::steady_clock;
+    const std::string in = Noise("in.wav", 0.5, 120);
+    for (const int waitMs : { 30, 150, 400 })
+        for (const int signal : { SIGINT, SIGTERM })
+        {
+            SCOPED_TRACE(::testing::Message() << "signal " << signal << " after " << waitMs << " ms");
+            const pid_t child = Start(
+                { "equalize", in, "--source", in, "--bands", "10", "-o", Path("out.wav"), "--block", "1" });
+            std::this_thread::sleep_for(std::chrono::milliseconds(waitMs));
+            kill(child, signal);
+            const Clock::time_point sent = Clock::now();
+            const Outcome outcome = Finish(child);
+            EXPECT_LT(std::chrono::duration<double>(Clock::now() - sent).count(), 1.5)
+                << "and a busy machine";
+            EXPECT_NE(outcome.status, 0);
+            EXPECT_EQ(Leftovers({ "in.wav" }), std::vector<std::string>{});
+        }
+}
+
+TEST_F(Program, WrongUsageIsTold)
+{
+    const std::string in = Noise("in.wav", 0.5, 0.5);
+    for (const auto& words : std::vector<std::vector<std::string>>{
+             {},
+             { "nonsense" },
+             { "equalize", in },
+             { "equalize", in, "--source", in, "--bands", "0" },
+             { "equalize", in, "--source", in, "--bands", "eleven" },
+             { "equalize", in, "--source", in, "--smooth", "nan" },
+             { "equalize", in, "--source", in, "--low", "19" },
+             { "equalize", in, "--source", in, "--low", "2000", "--high", "1000" },
+             { "equalize", in, "--source", in, "--limit", "-3" },
+             { "separate", in, "--source", in, "--limit", "3" },
+             { "render", in },
+             { "render", in, "-o", Path("out") },
+             { "render", in, "-o", Path("o.flac"), "--bits", "32f" },
+             { "render", in, "-o", Path("o.wav"), "--bits", "8" },
+             { "render", in, "-o", Path("o.wav"), "--block", "0" },
+             { "render", in, "-o", Path("o.wav"), "--gain", "30" },
+             { "render", in, "-o", Path("o.wav"), "--band", "peak:1000:6" },
+             { "render", in, "-o", Path("o.wav"), "--band", "bell:1000:6:1" },
+             { "render", in, "-o", Path("o.wav"), "--band", "peak:10:6:1" },
+             { "render", in, "-o", Path("o.wav"), "--band", "peak:1000:6:1:10" },
+             { "render", in, "-o", Path("o.wav"), "--band", "peak:nan:6:1" },
+             { "show", in, "--json", "--csv" } })
+    {
+        const Outcome outcome = Run(words);
+        EXPECT_EQ(outcome.status, 2) << ::testing::PrintToString(words) << outcome.err;
+        EXPECT_FALSE(outcome.err.empty());
+        EXPECT_TRUE(outcome.out.empty());
+    }
+    EXPECT_EQ(Leftovers({ "in.wav" }), std::vector<std::string>{});
+}
+
+TEST_F(Program, HelpAndVersionPrint)
+{
+    EXPECT_EQ(Run({ "--version" }).out, "7.10\n");
+    for (const std::vector<std::string>& words :
+         { std::vector<std::string>{ "--help" }, { "equalize", "--help" }, { "render", "-h" } })
+    {
+        const Outcome outcome = Run(words);
+        EXPECT_EQ(outcome.status, 0);
+        EXPECT_TRUE(outcome.out.starts_with("NAME\n")) << outcome.out;
+        EXPECT_NE(outcome.out.find(words[0] == "--help" ? "separate" : words[0]), std::string::npos);
+    }
+}
+
+TEST_F(Program, ClippingIsCountedAndTold)
+{
+    const std::string in = Noise("in.wav", 0, 0.5, 48000, 1, SF_FORMAT_WAV | SF_FORMAT_PCM_24, 0.2f);
+    const Outcome text = Run({ "render", in, "-o", Path("a.wav"), "--gain", "18" });
+    EXPECT_NE(text.out.find("samples clipped"), std::string::npos) << text.out;
+    const nlohmann::json clipped =
+        nlohmann::json::parse(Run({ "render", in, "-o", Path("b.wav"), "--gain", "18", "--json" }).out);
+    EXPECT_GT(clipped["clipped"], 0);
+    EXPECT_GT(clipped["peak_dbfs"], 0);
+    const nlohmann::json floats = nlohmann::json::parse(
+        Run({ "render", in, "-o", Path("c.wav"), "--gain", "18", "--bits", "32f", "--json" }).out);
+    EXPECT_EQ(floats["clipped"], 0);
+    EXPECT_EQ(Run({ "render", in, "-o", Path("d.wav"), "--quiet" }).out, "");
+}

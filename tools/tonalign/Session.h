@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "effect/WantedResponse.h"
+#include "hosts/offline/OfflineHost.h"
+#include "tools/tonalign/AudioOutput.h"
+#include "tools/tonalign/Inputs.h"
+#include "tools/tonalign/Options.h"
+#include "tools/tonalign/ProgressBar.h"
+#include "tools/tonalign/Report.h"
+
+/// Thrown when the work fails on a file: status 1. The message stands without the file's name.
+struct FileError
+{
+    std::string path;
+    std::string message;
+};
+
+/// Carries out one command: what a user at an editor would do, through the offline host. Throws FileError,
+/// UsageError and MException; no output file appears then.
+class Session : private EffectObserver
+{
+public:
+    explicit Session(const Options& options);
+    ~Session() override;
+
+    /// Runs the command of the options and answers what is to be printed.
+    std::string Run();
+
+private:
+    void OnInformation(const MString& text) override;
+    bool OnProgress(const MString& stage, double fraction) override;
+
+    std::string RunFit();
+    std::string RunRender();
+    std::string RunAnalyse();
+    std::string RunShow();
+
+    void CheckOutputs();
+    void LoadAudio(AudioInput& input, const std::string& path);
+    /// Measures audio as target or source at the rate that the host is prepared for.
+    void Measure(AudioInput& input, bool isSource);
+    void MeasureFile(const std::string& path, bool isSource);
+    void ApplyFitSettings(double usableHz);
+    void ApplySoundSettings();
+    /// Reads a plug-in state into the plug-in.
+    void LoadStateFrom(const std::string& path);
+    void Fit();
+    void FillBands();
+    /// Renders into the output file; nothing without one. Names the files only when all of them are written.
+    void RenderAndCommit(AudioInput* input);
+    OutputFormat FormatFor(const AudioInput& input) const;
+    std::string ShowState();
+    std::string ShowSpectrum(const AnalysisArray& analysis, const AudioInput* audio);
+    std::string Finish();
+
+    const Options& options;
+    ProgressBar progress;
+    OfflineHost host;
+    Report report;
+    WantedLimits limits;
+};
