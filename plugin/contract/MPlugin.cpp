@@ -172,7 +172,7 @@ void LoadEnumeration(MPluginParameterInfo& info, MAttribute& node, const MString
     MPluginParameterInfo::EnumerationValue& block = info.enumeration;
     if (node.HasAttribute(key + "Enum"))
     {
-        const MString label = node.GetCachedAttribute();
+        const MString& label = node.GetCachedAttribute();
         for (std::int32_t index = 0; index < block.count; ++index)
             if (label == MString(block.names[index]))
             {

@@ -5,6 +5,7 @@
 #include <random>
 
 #include <benchmark/benchmark.h>
+#include <malloc.h>
 
 #include "hosts/offline/OfflineHost.h"
 #include "plugin/driver/PluginState.h"
@@ -19,13 +20,18 @@ void SetBands(OfflineHost& host, std::int32_t count, bool harmonics = false)
     {
         BandPoint& band = host.Effect().equalizer.Band(index);
         band.enabled = index < count;
-        band.type = index == 1 ? MAudioFilters::LowShelf : MAudioFilters::Peak;
+        // With harmonics the longest lists that there are: each section of a shelf is doubled.
+        band.type = harmonics || index == 1 ? MAudioFilters::LowShelf : MAudioFilters::Peak;
         band.x = 1.6 + 0.26 * index;
         band.y = index % 2 == 0 ? 5.0 : -4.0;
         band.harmonicsDepth = harmonics ? 0.999 : 0.0;
         band.harmonicsLinear = harmonics;
         if (harmonics)
-            band.x = 1.31 + 0.1 * index;
+        {
+            band.x = 1.31 + 0.05 * index;
+            band.y = 20.0;
+            band.harmonicsDepth = 1.0;
+        }
     }
     host.Effect().description.RequestUpdate();
 }
@@ -126,6 +132,44 @@ void Update(benchmark::State& state)
     state.counters["sections"] = host.Effect().equalizer.filters.count;
 }
 BENCHMARK(Update)->ArgName("mode")->Arg(0)->Arg(1)->Arg(2)->Unit(benchmark::kMicrosecond);
+
+// The fixed cost of a block: one frame through the plain mode without bands.
+void BlockOverhead(benchmark::State& state)
+{
+    OfflineHost host;
+    host.SetParameterById("mode", 0);
+    SetBands(host, 0);
+    host.Prepare(sampleRate, 2);
+    Blocks blocks(1);
+    for (auto _ : state)
+        blocks.Run(host);
+}
+BENCHMARK(BlockOverhead);
+
+// Bytes on the heap that one more stereo instance takes, when others have made what all share.
+void InstanceMemory(benchmark::State& state)
+{
+    OfflineHost first;
+    first.Prepare(sampleRate, 2);
+    Blocks blocks(512);
+    blocks.Run(first);
+    const auto held = []
+    {
+        const auto info = mallinfo2();
+        return static_cast<double>(info.uordblks + info.hblkhd);
+    };
+    double bytes = 0;
+    for (auto _ : state)
+    {
+        const double before = held();
+        OfflineHost host;
+        host.Prepare(sampleRate, 2);
+        blocks.Run(host);
+        bytes = held() - before;
+    }
+    state.counters["MB"] = bytes / 1e6;
+}
+BENCHMARK(InstanceMemory)->Iterations(5)->Unit(benchmark::kMillisecond);
 
 void MakeAndPrepare(benchmark::State& state)
 {
