@@ -2,7 +2,6 @@
 #include <atomic>
 #include <cmath>
 #include <cstdlib>
-#include <new>
 #include <random>
 #include <thread>
 
@@ -11,32 +10,7 @@
 #include "foundation/text/MException.h"
 #include "hosts/offline/OfflineHost.h"
 #include "plugin/driver/PluginState.h"
-
-namespace
-{
-// Counts what the present thread takes from the heap.
-thread_local std::int64_t allocationCount = 0;
-}   // namespace
-
-// GCC pairs its own new with these and warns; they are a pair.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wmismatched-new-delete"
-void* operator new(std::size_t size)
-{
-    ++allocationCount;
-    if (void* memory = std::malloc(size))
-        return memory;
-    throw std::bad_alloc();
-}
-void operator delete(void* memory) noexcept
-{
-    std::free(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept
-{
-    std::free(memory);
-}
-#pragma GCC diagnostic pop
+#include "tests/AllocationCounter.h"
 
 namespace
 {
@@ -183,12 +157,12 @@ TEST(OfflineHost, SteadyBlocksTakeNothingFromTheHeap)
                     host.Plugin().ProcessBlock(inputs, outputs, block, true);
             };
             run(2 * block);   // buffers take their size
-            const std::int64_t before = allocationCount;
+            const std::int64_t before = AllocationsOfThisThread();
             run(40000);
             host.Plugin().SetParameter(1, 0.6);
             host.Plugin().SetParameter(10 + 2, 0.8);
             run(40000);
-            EXPECT_EQ(allocationCount, before);
+            EXPECT_EQ(AllocationsOfThisThread(), before);
         }
 }
 
