@@ -127,8 +127,34 @@ private:
     std::int64_t end;
 };
 
+/// Samples a channel that the stream's first frame announces in a "Xing" or "Info" header, as most encoders
+/// write it; 0 where there is none. Stays where it was.
+std::int64_t AnnouncedSamples(mp3dec::binfile& source)
+{
+    std::array<std::uint8_t, 256> head{};
+    source.Seek(0);
+    const std::int32_t count = source.Read(head.data(), static_cast<std::int32_t>(head.size()));
+    source.Seek(0);
+    // The header follows the side information, whose length depends on version and channels.
+    for (std::size_t at = 4; at + 12 <= static_cast<std::size_t>(std::max(count, 0)); ++at)
+    {
+        const bool found = std::memcmp(&head[at], "Xing", 4) == 0 || std::memcmp(&head[at], "Info", 4) == 0;
+        if (!found)
+            continue;
+        constexpr std::uint8_t hasFrameCount = 1;
+        if ((head[at + 7] & hasFrameCount) == 0)
+            return 0;
+        const bool isVersion1 = (head[1] & 0x18) == 0x18;   // MPEG 2 and 2.5 have half the samples a frame
+        const std::int64_t frames = static_cast<std::int64_t>(head[at + 8]) << 24 | head[at + 9] << 16 |
+                                    head[at + 10] << 8 | head[at + 11];
+        return frames * (isVersion1 ? 1152 : 576);
+    }
+    return 0;
+}
+
 void Decode(AudioSampleBuffer& buffer, mp3dec::binfile& source, const LoadProgress& progress)
 {
+    const std::int64_t announced = AnnouncedSamples(source);
     mp3dec::ampegdecoder decoder;
     if (!decoder.Open(source))
         ThrowInvalidContents("Error initializing MPEG decoder.");
@@ -153,6 +179,10 @@ void Decode(AudioSampleBuffer& buffer, mp3dec::binfile& source, const LoadProgre
         DeinterleaveSamples(block.data(), frameCount, layout, out.data());
     }
     decoded.MoveTo(buffer);
+    // The delay of encoder and decoder, up to some frames, isn't part of the audio.
+    constexpr std::int64_t longestDelay = 4 * 1152;
+    if (buffer.frames + longestDelay < announced)
+        ThrowInvalidContents("The MPEG stream ends before its last frame.");
     buffer.sampleRate = decoder.SampleRate();
     buffer.bitsPerSample = 16;
 }

@@ -86,11 +86,16 @@ std::string AsJson(const Report& report)
     nlohmann::ordered_json json;
     json["command"] = report.commandName;
     json["bands"] = nlohmann::ordered_json::array();
+    // A millionth is finer than any of them matters, and what was typed comes out as it was typed.
+    const auto neat = [](double value)
+    {
+        return std::round(value * 1e6) / 1e6;
+    };
     for (const BandSpec& band : report.bands)
         json["bands"].push_back({ { "type", BandTypeWord(band.type) },
-                                  { "frequency", band.frequencyHz },
-                                  { "gain", band.gainDb },
-                                  { "q", band.q },
+                                  { "frequency", neat(band.frequencyHz) },
+                                  { "gain", neat(band.gainDb) },
+                                  { "q", neat(band.q) },
                                   { "order", band.order } });
     const auto set = [&json](const char* key, const auto& value)
     {

@@ -165,9 +165,9 @@ TEST(Flac, StopsWhenTold)
 }
 
 // Half a second of a sine of 1 kHz at half of full scale, 44.1 kHz, mono, 64 kbit/s, layer III.
-FileBytes SineMp3()
+FileBytes SineMp3(const char* name = "sine1k.mp3")
 {
-    const std::string path = std::string(std::getenv("TONALIGN_SOURCE_DIR")) + "/tests/data/sine1k.mp3";
+    const std::string path = std::string(std::getenv("TONALIGN_SOURCE_DIR")) + "/tests/data/" + name;
     std::ifstream file(path, std::ios::binary);
     FileBytes bytes;
     bytes.assign(std::istreambuf_iterator<char>(file), {});
@@ -252,12 +252,17 @@ TEST(Mpeg, DecodesAudioInEveryContainer)
 TEST(Mpeg, RefusesWhatItCannotRead)
 {
     const FileBytes mp3 = SineMp3();
+    // This one says in its first frame how many there are.
+    FileBytes half = SineMp3("sine1k-info.mp3");
+    EXPECT_EQ(Message(LoadMpeg, half), "") << "the whole file";
+    half.resize(half.size() / 2);
     struct Row
     {
         FileBytes file;
         const char* detail;
     };
     const Row rows[] = {
+        { half, "The MPEG stream ends before its last frame." },
         { {}, "Error initializing MPEG decoder." },
         { FileBytes().Text("ID"), "Error initializing MPEG decoder." },
         { FileBytes().Text(std::string(1100, 'n')).Append(mp3), "Error initializing MPEG decoder." },
