@@ -73,8 +73,13 @@ public:
         std::array<float, 1024> target;
     };
     ComparedCurves Compare(bool separate);
+    enum class DrySignal
+    {
+        LeftOut,
+        MixedIn   ///< by the parameter "Dry/wet"
+    };
     /// The bands' summed response in dB at the points of the fitter's grid.
-    std::array<float, 1024> BandResponse();
+    std::array<float, 1024> BandResponse(DrySignal dry = DrySignal::LeftOut);
     const std::array<float, 1024>& FitterGrid();
 
     /// Sets one of the analyses from elsewhere, such as a file.

@@ -100,10 +100,10 @@ void TonalignAudioEffectPlugin::WriteBands(const std::vector<FittedFilter>& fitt
     }
 }
 
-std::array<float, 1024> TonalignAudioEffectPlugin::BandResponse()
+std::array<float, 1024> TonalignAudioEffectPlugin::BandResponse(DrySignal dry)
 {
     const std::array<float, 1024>& grid = FitterGrid();
-    const ResponseCurve curve = equalizer.CurrentResponse();
+    const ResponseCurve curve = equalizer.CurrentResponse(dry == DrySignal::MixedIn);
     std::array<float, 1024> response;
     for (std::size_t index = 0; index < response.size(); ++index)
         response[index] = static_cast<float>(curve.DecibelsAt(std::log10(static_cast<double>(grid[index]))));

@@ -85,8 +85,8 @@ void MEqualizerBase::Paste(MAttribute& tree)
     UpdateAllBandControls();
 }
 
-ResponseCurve MEqualizerBase::CurrentResponse() const
+ResponseCurve MEqualizerBase::CurrentResponse(bool withDrySignal) const
 {
     const MSynchronizerGuard guard(lock);
-    return { filters, wet };
+    return { filters, withDrySignal ? wet : 1.0f };
 }

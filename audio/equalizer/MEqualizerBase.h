@@ -66,8 +66,8 @@ public:
     void Copy(MAttribute& tree) const;
     void Paste(MAttribute& tree);
 
-    /// A copy of what runs now, taken under the lock.
-    ResponseCurve CurrentResponse() const;
+    /// A copy of what runs now, taken under the lock; with the dry signal's share or without.
+    ResponseCurve CurrentResponse(bool withDrySignal = true) const;
 
     bool autoListen = false;
     std::int32_t selectedBand = -1;

@@ -205,6 +205,9 @@ void MAudioEffectPluginToAudioPluginAdapter::StoreChannelMode(const MStoreParams
 
 void MAudioEffectPluginToAudioPluginAdapter::Store(const MStoreParams& params)
 {
+    const MSynchronizerGuard processGuard(processLock);
+    const MSynchronizerGuard initGuard(initLock);
+    const MSynchronizerGuard settingsGuard(settingsLock);
     if (!params.saving)
         version = FirstVersion;
     StoreNumber(params, "Version", version);
@@ -218,19 +221,17 @@ void MAudioEffectPluginToAudioPluginAdapter::Store(const MStoreParams& params)
 
 void MAudioEffectPluginToAudioPluginAdapter::StoreSettings(const MStoreParams& params)
 {
+    const MSynchronizerGuard processGuard(processLock);
+    const MSynchronizerGuard initGuard(initLock);
+    const MSynchronizerGuard settingsGuard(settingsLock);
+    if (params.saving)
     {
-        const MSynchronizerGuard processGuard(processLock);
-        const MSynchronizerGuard initGuard(initLock);
-        const MSynchronizerGuard settingsGuard(settingsLock);
-        if (params.saving)
-        {
-            effect->SaveSettings(*params.item);
-            return;
-        }
-        effect->LoadSettings(*params.item);
-        interpolator.SkipNextRamp();
-        InitProcessing();
+        effect->SaveSettings(*params.item);
+        return;
     }
+    effect->LoadSettings(*params.item);
+    interpolator.SkipNextRamp();
+    InitProcessing();
     OnSettingsChanged();
 }
 

@@ -21,6 +21,10 @@ void StoreNumber(const MStoreParams& params, const MString& key, std::int32_t& v
 
 void MQuorvaneAudioEffectPlugin::Store(const MStoreParams& params)
 {
+    // The audio thread drops its blocks meanwhile, rather than see settings half read.
+    const MSynchronizerGuard processGuard(processLock);
+    const MSynchronizerGuard initGuard(initLock);
+    const MSynchronizerGuard settingsGuard(settingsLock);
     StoreNumber(params, "upsampling", upsampling, 1, 4);
     if (!params.saving)
         highQualityUpsampling = 1;

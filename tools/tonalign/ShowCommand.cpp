@@ -67,7 +67,8 @@ std::string Session::ShowState()
     TonalignAudioEffectPlugin& effect = host.Effect();
     report.sampleRate = host.Plugin().sampleRate;
     report.latency = host.LatencySamples();
-    const std::array<float, 1024> response = effect.BandResponse();
+    const std::array<float, 1024> response =
+        effect.BandResponse(TonalignAudioEffectPlugin::DrySignal::MixedIn);
     if (options.csv)
     {
         std::array<double, 1024> levels;
