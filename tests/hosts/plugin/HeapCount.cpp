@@ -46,6 +46,8 @@ void* Counted(void* memory)
 }
 }   // namespace
 
+// Seen by the module, whatever the project's default is.
+#pragma GCC visibility push(default)
 extern "C"
 {
     void* malloc(std::size_t size)
@@ -83,6 +85,7 @@ extern "C"
         __libc_free(memory);
     }
 }
+#pragma GCC visibility pop
 
 bool HeapCount::IsCounting()
 {
