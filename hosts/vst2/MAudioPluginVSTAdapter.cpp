@@ -387,6 +387,10 @@ void MAudioPluginVSTAdapter::PerformProcessing(float** inputs, float** outputs, 
     const std::int32_t width = plugin->channelsPerGroup;
     const std::int32_t inputGroups = plugin->GetInputGroups();
     const std::int32_t outputGroups = plugin->GetOutputGroups();
+    // Some hosts pass no inputs to an effect that nothing is connected to: it hears silence.
+    std::array<float*, MAudioPlugin::MaxChannels> unconnected{};
+    if (inputs == nullptr)
+        inputs = unconnected.data();
     if (width == 8 || (inputGroups <= 1 && outputGroups == 1))
     {
         plugin->ProcessBlock(inputs, outputs, frames, replacing);
