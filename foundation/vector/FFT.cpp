@@ -49,6 +49,8 @@ struct Plans
 class PlanCache
 {
 public:
+    // The planner goes after everybody who has plans of it.
+    PlanCache() { FFTPlannerLock(); }
     ~PlanCache()
     {
         for (const Plans& made : plans)
@@ -99,8 +101,19 @@ PlanCache& Cache()
 
 std::mutex& FFTPlannerLock()
 {
-    static std::mutex mutex;
-    return mutex;
+    struct Planner
+    {
+        std::mutex mutex;
+#ifdef TONALIGN_OWN_PLANNER
+        // A host may load and unload the module many times in a session.
+        ~Planner()
+        {
+            fftwf_cleanup();
+        }
+#endif
+    };
+    static Planner planner;
+    return planner.mutex;
 }
 
 struct FFTSpec

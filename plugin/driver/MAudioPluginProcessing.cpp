@@ -210,7 +210,10 @@ void MAudioPlugin::ProcessBypassed(const ChannelSet& inputs, const ChannelSet& o
 void MAudioPlugin::FixAudioBuffers(ChannelSet& channels, std::int32_t connected, std::int32_t groups,
                                    bool isInput, std::int32_t sampleCount)
 {
-    if (connected == 0)
+    // All channels are connected, unless the host knows better: hosts pass null for what nothing is plugged
+    // into.
+    const auto end = channels.pointers.begin() + groups * channelsPerGroup;
+    if (connected == 0 && std::find(channels.pointers.begin(), end, nullptr) == end)
         return;
     std::vector<float>& fillerBuffer = isInput ? silentInput : discardOutput;
     GrowBuffer(fillerBuffer, sampleCount);
@@ -218,7 +221,7 @@ void MAudioPlugin::FixAudioBuffers(ChannelSet& channels, std::int32_t connected,
         MVector::Zero(fillerBuffer.data(), sampleCount);   // the guard constant was added to it last time
     float* const filler = fillerBuffer.data();
 
-    const std::int32_t real = connected < 0 ? channelsPerGroup : std::min(connected, channelsPerGroup);
+    const std::int32_t real = connected <= 0 ? channelsPerGroup : std::min(connected, channelsPerGroup);
     for (std::int32_t group = 0; group < groups; ++group)
     {
         float** first = channels.pointers.data() + group * channelsPerGroup;

@@ -1,0 +1,619 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "hosts/vst3/MAudioPluginVST3Adapter.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <utility>
+
+#include "foundation/text/Boundary.h"
+#include "foundation/text/MStringFormat.h"
+#include "hosts/module/CreateInstance.h"
+#include "hosts/vst3/ParameterIds.h"
+#include "hosts/vst3/Text128.h"
+#include "plugin/driver/PluginState.h"
+#include <pluginterfaces/base/ibstream.h>
+#include <pluginterfaces/vst/ivsthostapplication.h>
+#include <pluginterfaces/vst/ivstparameterchanges.h>
+#include <pluginterfaces/vst/ivstprocesscontext.h>
+
+using namespace Steinberg;
+using namespace Steinberg::Vst;
+
+namespace Vst3
+{
+namespace
+{
+constexpr std::int32_t groupStride = 8;
+constexpr std::size_t outgoingCapacity = 512;   // MIDI events that one block may bring
+
+// Puts a bus's channels at its place in the plug-in's array. What the host left out stays null.
+void Spread(std::array<float*, MAudioPlugin::MaxChannels>& target, const AudioBusBuffers* list, int32 count)
+{
+    if (list == nullptr)
+        return;
+    for (int32 bus = 0; bus < std::min(count, MAudioPlugin::MaxChannels / groupStride); ++bus)
+        if (list[bus].channelBuffers32 != nullptr)
+            for (int32 channel = 0; channel < std::min(list[bus].numChannels, groupStride); ++channel)
+                target[static_cast<std::size_t>(bus * groupStride + channel)] =
+                    list[bus].channelBuffers32[channel];
+}
+}   // namespace
+
+MAudioPluginVST3Adapter::MAudioPluginVST3Adapter(std::unique_ptr<MQuorvaneAudioEffectPlugin> ownedPlugin)
+    : plugin(std::move(ownedPlugin)), controller(*this), inputArrangement(SpeakerArr::kStereo),
+      outputArrangement(SpeakerArr::kStereo)
+{
+    outgoingEvents.reserve(outgoingCapacity);
+    plugin->groupStride = groupStride;
+}
+
+MAudioPluginVST3Adapter::~MAudioPluginVST3Adapter()
+{
+    // Some hosts release without having terminated.
+    plugin->adapter = nullptr;
+    if (peer != nullptr)
+        peer->release();
+}
+
+tresult MAudioPluginVST3Adapter::queryInterface(const TUID iid, void** object)
+{
+    if (object == nullptr)
+        return kInvalidArgument;
+    void* found = nullptr;
+    if (iid == nullptr)
+        found = nullptr;
+    else if (FUnknownPrivate::iidEqual(iid, FUnknown::iid) ||
+             FUnknownPrivate::iidEqual(iid, IPluginBase::iid) ||
+             FUnknownPrivate::iidEqual(iid, IComponent::iid))
+        found = static_cast<IComponent*>(this);
+    else if (FUnknownPrivate::iidEqual(iid, IAudioProcessor::iid))
+        found = static_cast<IAudioProcessor*>(this);
+    else if (FUnknownPrivate::iidEqual(iid, IProcessContextRequirements::iid))
+        found = static_cast<IProcessContextRequirements*>(this);
+    else if (FUnknownPrivate::iidEqual(iid, IConnectionPoint::iid))
+        found = static_cast<IConnectionPoint*>(this);
+    else
+        found = controller.Find(iid);
+    *object = found;
+    if (found == nullptr)
+        return kNoInterface;
+    addRef();
+    return kResultOk;
+}
+
+uint32 MAudioPluginVST3Adapter::addRef()
+{
+    return references.fetch_add(1, std::memory_order_relaxed) + 1;
+}
+
+uint32 MAudioPluginVST3Adapter::release()
+{
+    const uint32 left = references.fetch_sub(1, std::memory_order_acq_rel) - 1;
+    if (left == 0)
+        AtBoundary("MAudioPluginVST3Adapter::release", [this] { delete this; });
+    return left;
+}
+
+void MAudioPluginVST3Adapter::ReadHostName(FUnknown* context)
+{
+    hostName = MString();
+    IHostApplication* application = nullptr;
+    if (context == nullptr ||
+        context->queryInterface(IHostApplication::iid, reinterpret_cast<void**>(&application)) != kResultOk ||
+        application == nullptr)
+        return;
+    String128 name{};
+    if (application->getName(name) == kResultOk)
+    {
+        name[127] = 0;
+        hostName = TextOf(name);
+    }
+    application->release();
+}
+
+tresult MAudioPluginVST3Adapter::initialize(FUnknown* context)
+{
+    if (initialized)
+        return kResultOk;   // some hosts initialize the component and its controller, which are one
+    return AtBoundary(
+        "MAudioPluginVST3Adapter::initialize", tresult{ kResultFalse },
+        [&]() -> tresult
+        {
+            ReadHostName(context);
+            plugin->adapter = this;
+            inputArrangement = outputArrangement = SpeakerArr::kStereo;
+            plugin->SetConnectedChannels(2, 2);
+            BuildBuses();
+            constexpr int32 midiChannels = 16;
+            if (plugin->takesMIDI)
+                buses[kEvent][kInput].push_back({ .name = "Midi In", .channelCount = midiChannels });
+            if (plugin->producesMIDI)
+                buses[kEvent][kOutput].push_back({ .name = "Midi Out", .channelCount = midiChannels });
+            controller.BuildUnits();
+            plugin->sampleRate = 44100;
+            plugin->InitProcessing();
+            initialized = true;
+            return kResultOk;
+        });
+}
+
+tresult MAudioPluginVST3Adapter::terminate()
+{
+    return AtBoundary("MAudioPluginVST3Adapter::terminate", tresult{ kResultOk },
+                      [&]() -> tresult
+                      {
+                          initialized = false;
+                          active = false;
+                          for (auto& directions : buses)
+                              for (std::vector<Bus>& list : directions)
+                                  list.clear();
+                          controller.ReleaseHandler();
+                          if (IConnectionPoint* connected = std::exchange(peer, nullptr))
+                          {
+                              connected->disconnect(this);
+                              connected->release();
+                          }
+                          return kResultOk;
+                      });
+}
+
+void MAudioPluginVST3Adapter::BuildBuses()
+{
+    std::vector<Bus>& inputs = buses[kAudio][kInput];
+    std::vector<Bus>& outputs = buses[kAudio][kOutput];
+    inputs.clear();
+    outputs.clear();
+    const int32 inputGroups = plugin->GetInputGroups();
+    const int32 inputChannels = SpeakerArr::getChannelCount(inputArrangement);
+    if (inputGroups >= 1)
+        inputs.push_back({ .name = "Stereo In",
+                           .arrangement = inputArrangement,
+                           .channelCount = inputChannels,
+                           .type = kMain });
+    if (inputGroups >= 2)
+        inputs.push_back({ .name = "Sidechain",
+                           .arrangement = inputArrangement,
+                           .channelCount = inputChannels,
+                           .type = kAux,
+                           .defaultActive = false });
+    const int32 outputGroups = plugin->GetOutputGroups();
+    for (int32 group = 0; group < outputGroups; ++group)
+        outputs.push_back(
+            { .name = outputGroups == 1 ? MString("Stereo Out") : Format("Stereo Out {0}", group + 1),
+              .arrangement = outputArrangement,
+              .channelCount = SpeakerArr::getChannelCount(outputArrangement),
+              .type = kMain });
+}
+
+std::vector<MAudioPluginVST3Adapter::Bus>* MAudioPluginVST3Adapter::BusList(MediaType type,
+                                                                            BusDirection direction)
+{
+    if ((type != kAudio && type != kEvent) || (direction != kInput && direction != kOutput))
+        return nullptr;
+    return &buses[type][direction];
+}
+
+MAudioPluginVST3Adapter::Bus* MAudioPluginVST3Adapter::FindBus(MediaType type, BusDirection direction,
+                                                               int32 index)
+{
+    std::vector<Bus>* list = BusList(type, direction);
+    if (list == nullptr || index < 0 || index >= static_cast<int32>(list->size()))
+        return nullptr;
+    return &(*list)[static_cast<std::size_t>(index)];
+}
+
+int32 MAudioPluginVST3Adapter::getBusCount(MediaType type, BusDirection direction)
+{
+    const std::vector<Bus>* list = BusList(type, direction);
+    return list != nullptr ? static_cast<int32>(list->size()) : 0;
+}
+
+tresult MAudioPluginVST3Adapter::getBusInfo(MediaType type, BusDirection direction, int32 index,
+                                            BusInfo& info)
+{
+    const Bus* bus = FindBus(type, direction, index);
+    if (bus == nullptr)
+        return kInvalidArgument;
+    info = {};
+    info.mediaType = type;
+    info.direction = direction;
+    info.channelCount = bus->channelCount;
+    info.busType = bus->type;
+    info.flags = bus->defaultActive ? uint32{ BusInfo::kDefaultActive } : 0;
+    CopyText(info.name, bus->name);
+    return kResultOk;
+}
+
+tresult MAudioPluginVST3Adapter::activateBus(MediaType type, BusDirection direction, int32 index, TBool state)
+{
+    Bus* bus = FindBus(type, direction, index);
+    if (bus == nullptr)
+        return kInvalidArgument;
+    bus->active = state != 0;
+    return kResultOk;
+}
+
+tresult MAudioPluginVST3Adapter::setActive(TBool state)
+{
+    inActivation = true;
+    const tresult result = AtBoundary("MAudioPluginVST3Adapter::setActive", tresult{ kResultFalse },
+                                      [&]() -> tresult
+                                      {
+                                          if (state != 0)
+                                              plugin->InitProcessing();
+                                          active = state != 0;
+                                          return kResultOk;
+                                      });
+    inActivation = false;
+    return result;
+}
+
+tresult MAudioPluginVST3Adapter::setState(IBStream* stream)
+{
+    if (stream == nullptr)
+        return kInvalidArgument;
+    // What can't be read leaves the plug-in as it was, and the host is told that all is well: it has nothing
+    // better to offer.
+    AtBoundary("MAudioPluginVSTAdapter::setState",
+               [&]
+               {
+                   MMemoryStream state;
+                   std::array<char, 1024> block;
+                   int32 got = 0;
+                   while (stream->read(block.data(), static_cast<int32>(block.size()), &got) == kResultOk &&
+                          got > 0)
+                   {
+                       state.Write(block.data(), std::min(got, static_cast<int32>(block.size())));
+                       got = 0;
+                   }
+                   state.Seek(0, MStream::Begin);
+                   ReadPluginState(*plugin, state);
+               });
+    return kResultOk;
+}
+
+tresult MAudioPluginVST3Adapter::getState(IBStream* stream)
+{
+    if (stream == nullptr)
+        return kInvalidArgument;
+    return AtBoundary("MAudioPluginVSTAdapter::getState", tresult{ kResultFalse },
+                      [&]() -> tresult
+                      {
+                          MMemoryStream state;
+                          WritePluginState(*plugin, state);
+                          state.Seek(0, MStream::Begin);
+                          const auto size = static_cast<int32>(state.GetSize());
+                          int32 written = size;   // some hosts leave it alone
+                          void* bytes = const_cast<std::uint8_t*>(state.GetCurrentPointer());
+                          if (stream->write(bytes, size, &written) != kResultOk || written != size)
+                              return kResultFalse;
+                          return kResultOk;
+                      });
+}
+
+tresult MAudioPluginVST3Adapter::setBusArrangements(SpeakerArrangement* inputs, int32 inputCount,
+                                                    SpeakerArrangement* outputs, int32 outputCount)
+{
+    if (inputCount < 0 || outputCount < 0 || (inputCount > 0 && inputs == nullptr) ||
+        (outputCount > 0 && outputs == nullptr) || !initialized)
+        return kInvalidArgument;
+    return AtBoundary(
+        "MAudioPluginVSTAdapter::setBusArrangements", tresult{ kResultFalse },
+        [&]() -> tresult
+        {
+            const int32 width = plugin->channelsPerGroup;
+            const auto speakersOf = [](const SpeakerArrangement* list, int32 count)
+            {
+                int32 speakers = 0;
+                for (int32 index = 0; index < count; ++index)
+                    speakers = std::max(speakers, SpeakerArr::getChannelCount(list[index]));
+                return speakers;
+            };
+            // The widest that the plug-in has where the host asks for more.
+            constexpr SpeakerArrangement wide = 0x737;
+            const auto limited = [width](SpeakerArrangement wanted, int32 speakers)
+            {
+                return speakers <= width ? wanted : (width == 2 ? SpeakerArr::kStereo : wide);
+            };
+            const int32 inputSpeakers = inputCount > 0 ? speakersOf(inputs, inputCount)
+                                                       : SpeakerArr::getChannelCount(inputArrangement);
+            const int32 outputSpeakers = outputCount > 0 ? speakersOf(outputs, outputCount)
+                                                         : SpeakerArr::getChannelCount(outputArrangement);
+            const SpeakerArrangement newInput =
+                limited(inputCount > 0 ? inputs[0] : inputArrangement, inputSpeakers);
+            const SpeakerArrangement newOutput =
+                limited(outputCount > 0 ? outputs[0] : outputArrangement, outputSpeakers);
+            if (newInput == inputArrangement || newOutput == outputArrangement)
+                return kResultFalse;
+            inputArrangement = newInput;
+            outputArrangement = newOutput;
+            BuildBuses();
+            // Also after a "no": the connected channels are those of the buses that the host now sees.
+            plugin->SetConnectedChannels(std::min(inputSpeakers, width), std::min(outputSpeakers, width));
+            return inputSpeakers > width || outputSpeakers > width ? kResultFalse : kResultOk;
+        });
+}
+
+tresult MAudioPluginVST3Adapter::getBusArrangement(BusDirection direction, int32 index,
+                                                   SpeakerArrangement& arrangement)
+{
+    const Bus* bus = FindBus(kAudio, direction, index);
+    if (bus == nullptr)
+        return kInvalidArgument;
+    arrangement = bus->arrangement;
+    return kResultOk;
+}
+
+tresult MAudioPluginVST3Adapter::canProcessSampleSize(int32 symbolicSampleSize)
+{
+    return symbolicSampleSize == kSample32 ? kResultTrue : kResultFalse;
+}
+
+uint32 MAudioPluginVST3Adapter::getLatencySamples()
+{
+    return AtBoundary("MAudioPluginVST3Adapter::getLatencySamples", uint32{ 0 },
+                      [&]
+                      {
+                          reportedLatency = plugin->TotalLatency();
+                          return static_cast<uint32>(reportedLatency.load());
+                      });
+}
+
+uint32 MAudioPluginVST3Adapter::getTailSamples()
+{
+    return AtBoundary("MAudioPluginVST3Adapter::getTailSamples", uint32{ 0 },
+                      [&]
+                      {
+                          constexpr int32 upsamplingTail = 16384;
+                          const int32 factor = std::max(plugin->upsamplingFactor, 1);
+                          int32 tail = plugin->GetTailSize();
+                          if (tail >= 0)
+                              tail = tail / factor + (factor >= 2 ? upsamplingTail : 0);
+                          reportedTail = tail < 0 ? -1 : tail;
+                          return static_cast<uint32>(reportedTail.load());
+                      });
+}
+
+tresult MAudioPluginVST3Adapter::setupProcessing(ProcessSetup& setup)
+{
+    return AtBoundary("MAudioPluginVSTAdapter::setupProcessing", tresult{ kResultFalse },
+                      [&]() -> tresult
+                      {
+                          processSetup.processMode = setup.processMode;
+                          constexpr double lowestRate = 100;
+                          if (setup.sampleRate > lowestRate && std::isfinite(setup.sampleRate))
+                          {
+                              {
+                                  // Hosts differ in whether a block may still run.
+                                  const MSynchronizerGuard guard(plugin->settingsLock);
+                                  plugin->sampleRate = std::floor(setup.sampleRate + 0.5);
+                              }
+                              plugin->InitProcessing();
+                          }
+                          if (canProcessSampleSize(setup.symbolicSampleSize) != kResultTrue)
+                              return kResultFalse;
+                          processSetup = setup;
+                          return kResultOk;
+                      });
+}
+
+uint32 MAudioPluginVST3Adapter::getProcessContextRequirements()
+{
+    if (!plugin->wantsTimeInfo)
+        return 0;
+    return kNeedProjectTimeMusic | kNeedBarPositionMusic | kNeedCycleMusic | kNeedTempo | kNeedTimeSignature |
+           kNeedTransportState;
+}
+
+tresult MAudioPluginVST3Adapter::connect(IConnectionPoint* other)
+{
+    if (other == nullptr)
+        return kInvalidArgument;
+    if (peer != nullptr)
+        return kResultFalse;
+    other->addRef();
+    peer = other;
+    return kResultOk;
+}
+
+tresult MAudioPluginVST3Adapter::disconnect(IConnectionPoint* other)
+{
+    if (other == nullptr || other != peer)
+        return kResultFalse;
+    peer = nullptr;
+    other->release();
+    return kResultOk;
+}
+
+tresult MAudioPluginVST3Adapter::notify(IMessage* message)
+{
+    return message == nullptr ? kInvalidArgument : kResultFalse;
+}
+
+void MAudioPluginVST3Adapter::Edit(ParamID id, double value01)
+{
+    IComponentHandler* handler = controller.Handler();
+    if (handler == nullptr)
+        return;
+    reportingAutomation = true;
+    handler->performEdit(id, value01);
+    reportingAutomation = false;
+}
+
+void MAudioPluginVST3Adapter::SendAutomation(std::int32_t index, double value01)
+{
+    if (index < 0 || index >= plugin->GetParameterCount())
+        return;
+    AtBoundary("MAudioPluginVSTAdapter::SendAutomation", [&] { Edit(static_cast<ParamID>(index), value01); });
+}
+
+void MAudioPluginVST3Adapter::SendBypassAutomation()
+{
+    AtBoundary("MAudioPluginVSTAdapter::SendBypassAutomation",
+               [&] { Edit(BypassId, plugin->bypass ? 1.0 : 0.0); });
+}
+
+void MAudioPluginVST3Adapter::ReportLatency()
+{
+    IComponentHandler* handler = controller.Handler();
+    if (!inActivation && handler != nullptr)
+        AtBoundary("MAudioPluginVST3Adapter::ReportLatency",
+                   [&] { handler->restartComponent(kLatencyChanged); });
+}
+
+void MAudioPluginVST3Adapter::GenerateMIDIEvent(std::uint8_t status, std::uint8_t data1, std::uint8_t data2,
+                                                std::int32_t offset)
+{
+    if ((status & 0x80) == 0)
+        return;
+    constexpr float velocityStep = 0.007874016f;   // 1 / 127
+    Event event{};
+    event.sampleOffset = offset;
+    const auto channel = static_cast<int16>(status & 15);
+    const float velocity = static_cast<float>(data2) * velocityStep;
+    if ((status & 0x10) != 0)
+    {
+        event.type = Event::kNoteOnEvent;
+        event.noteOn.channel = channel;
+        event.noteOn.pitch = data1;
+        event.noteOn.velocity = velocity;
+        event.noteOn.noteId = -1;
+    }
+    else
+    {
+        event.type = Event::kNoteOffEvent;
+        event.noteOff.channel = channel;
+        event.noteOff.pitch = data1;
+        event.noteOff.velocity = velocity;
+        event.noteOff.noteId = -1;
+    }
+    AtBoundary("MAudioPluginVSTAdapter::GenerateMIDIEvent",
+               [&]
+               {
+                   const MSynchronizerGuard guard(outgoingLock);
+                   if (outgoingEvents.size() < outgoingCapacity)
+                       outgoingEvents.push_back(event);
+               });
+}
+
+void MAudioPluginVST3Adapter::SendOutgoingEvents(IEventList* list)
+{
+    if (!plugin->producesMIDI || list == nullptr)
+        return;
+    const MSynchronizerGuard guard(outgoingLock);
+    for (Event& event : outgoingEvents)
+        list->addEvent(event);
+    outgoingEvents.clear();
+}
+
+void MAudioPluginVST3Adapter::ApplyParameterChange(ParamID id, ParamValue value) noexcept
+{
+    AtBoundary("MAudioPluginVST3Adapter::ApplyParameterChange",
+               [&]
+               {
+                   const MSynchronizerGuard processGuard(plugin->processLock, 0);
+                   const MSynchronizerGuard settingsGuard(plugin->settingsLock);
+                   if (id == BypassId)
+                       plugin->bypass = value > 0.5;
+                   else if (id < FirstControllerId && !reportingAutomation)
+                       plugin->SetParameterIfChanged(static_cast<int32>(id), value);
+               });
+}
+
+void MAudioPluginVST3Adapter::ApplyParameterChanges(IParameterChanges& changes)
+{
+    const int32 count = changes.getParameterCount();
+    for (int32 index = 0; index < count; ++index)
+    {
+        IParamValueQueue* queue = changes.getParameterData(index);
+        if (queue == nullptr)
+            continue;
+        // Where a parameter ends up in this block; the driver ramps towards it.
+        int32 offset = 0;
+        ParamValue value = 0;
+        const int32 points = queue->getPointCount();
+        if (points > 0 && queue->getPoint(points - 1, offset, value) == kResultOk)
+            ApplyParameterChange(queue->getParameterId(), value);
+    }
+}
+
+void MAudioPluginVST3Adapter::ReadTimeInfo(const ProcessContext& context)
+{
+    if (!plugin->wantsTimeInfo)
+        return;
+    if ((context.state & ProcessContext::kProjectTimeMusicValid) != 0)
+        plugin->position = context.projectTimeMusic;
+    if ((context.state & ProcessContext::kTempoValid) != 0)
+        plugin->tempo = context.tempo;
+    if ((context.state & ProcessContext::kTimeSigValid) != 0)
+    {
+        plugin->timeSignatureNumerator = context.timeSigNumerator;
+        plugin->timeSignatureDenominator = context.timeSigDenominator;
+    }
+    if ((context.state & ProcessContext::kBarPositionValid) != 0)
+    {
+        const double steps = std::max(plugin->timeSignatureDenominator / 4, 1);
+        plugin->barStart = std::floor(steps * context.barPositionMusic + 0.5) / steps;
+    }
+    const bool hasCycle = (context.state & ProcessContext::kCycleActive) != 0 &&
+                          context.cycleEndMusic - 1e-20 > context.cycleStartMusic;
+    plugin->cycleStart = hasCycle ? context.cycleStartMusic : -1.0;
+    plugin->cycleEnd = hasCycle ? context.cycleEndMusic : -1.0;
+    if ((context.state & ProcessContext::kPlaying) == 0)
+        plugin->playing = false;
+    else if (std::fabs(lastPosition - plugin->position) <= 2.0)
+        plugin->playing = true;
+    lastPosition = plugin->position;
+}
+
+void MAudioPluginVST3Adapter::ProcessAudio(ProcessData& data)
+{
+    std::array<float*, MAudioPlugin::MaxChannels> inputs{};
+    std::array<float*, MAudioPlugin::MaxChannels> outputs{};
+    Spread(inputs, data.inputs, data.numInputs);
+    Spread(outputs, data.outputs, data.numOutputs);
+    plugin->ProcessBlock(inputs.data(), outputs.data(), data.numSamples, true);
+    // Hosts carry the flags of the last block over: a silent one is not recognized here.
+    for (int32 bus = 0; data.outputs != nullptr && bus < data.numOutputs; ++bus)
+        data.outputs[bus].silenceFlags = 0;
+    SendOutgoingEvents(data.outputEvents);
+}
+
+tresult MAudioPluginVST3Adapter::process(ProcessData& data)
+{
+    if (!initialized)
+        return kNotInitialized;
+    if (data.numSamples <= 0)
+        return kResultOk;
+    if (data.symbolicSampleSize != kSample32)
+        return kInvalidArgument;   // the buffers hold doubles
+    return AtBoundary("MAudioPluginVST3Adapter::process", tresult{ kResultOk },
+                      [&]() -> tresult
+                      {
+                          if (data.inputParameterChanges != nullptr)
+                              ApplyParameterChanges(*data.inputParameterChanges);
+                          if (data.processContext != nullptr)
+                              ReadTimeInfo(*data.processContext);
+                          // A host that only delivers parameters brings no buses.
+                          if (data.numInputs != 0 || data.numOutputs != 0)
+                              ProcessAudio(data);
+                          return kResultOk;
+                      });
+}
+
+tresult CreateComponent(const TUID iid, void** object) noexcept
+{
+    if (object == nullptr)
+        return kInvalidArgument;
+    *object = nullptr;
+    return AtBoundary("VST3 Plugin main", tresult{ kResultFalse },
+                      [&]() -> tresult
+                      {
+                          auto* component = new MAudioPluginVST3Adapter(CreateInstance());
+                          const tresult result = component->queryInterface(iid, object);
+                          component->release();
+                          return result;
+                      });
+}
+}   // namespace Vst3

@@ -1,0 +1,293 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What both formats have in common: parameters, latency, state and sound are the same in VST 2, in VST 3 and
+// in the offline host.
+#include <algorithm>
+#include <cmath>
+#include <fstream>
+#include <random>
+#include <sstream>
+
+#include <gtest/gtest.h>
+
+#include "Vst2Host.h"
+#include "Vst3Host.h"
+#include "hosts/offline/OfflineHost.h"
+#include "plugin/driver/PluginState.h"
+
+namespace
+{
+using Bytes = std::vector<std::uint8_t>;
+constexpr std::int32_t Latency = 32768;
+
+std::string KeptFile(const char* name)
+{
+    const char* root = std::getenv("TONALIGN_SOURCE_DIR");
+    return std::string(root != nullptr ? root : ".") + "/tests/hosts/" + name;
+}
+
+class Formats : public testing::Test
+{
+protected:
+    const LoadedModule vst2Module{ LoadedModule::Format::Vst2 };
+    const LoadedModule vst3Module{ LoadedModule::Format::Vst3 };
+};
+
+Bytes OfflineState(OfflineHost& host)
+{
+    MMemoryStream stream;
+    WritePluginState(host.Plugin(), stream);
+    stream.Seek(0, MStream::Begin);
+    return { stream.GetCurrentPointer(), stream.GetCurrentPointer() + stream.GetSize() };
+}
+
+void SetOfflineState(OfflineHost& host, const Bytes& state)
+{
+    MMemoryStream stream = MMemoryStream::Borrow(state.data(), static_cast<std::int32_t>(state.size()));
+    ReadPluginState(host.Plugin(), stream);
+}
+
+// Values that survive being stored: a third of the way up for every parameter.
+void Disturb(const Vst2Instance& instance)
+{
+    for (std::int32_t index = 0; index < instance.effect->numParams; ++index)
+        instance.effect->setParameter(instance.effect, index,
+                                      0.2f + 0.6f * static_cast<float>(index % 7) / 6);
+}
+
+TEST_F(Formats, ListTheirParametersAsTheKeptFileDoes)
+{
+    // Projects keep their automation by these numbers: lines may be appended, none may change or move.
+    std::ifstream file(KeptFile("parameters.txt"));
+    std::vector<std::string> kept;
+    for (std::string line; std::getline(file, line);)
+        if (!line.empty() && line[0] != '#')
+            kept.push_back(line);
+
+    const Vst2Instance vst2(vst2Module);
+    std::vector<std::string> fromVst2;
+    for (std::int32_t index = 0; index < vst2.effect->numParams; ++index)
+        fromVst2.push_back(std::to_string(index) + "\t" + vst2.Text(Vst2::EffectOpcode::GetParamName, index));
+
+    const Vst3Instance vst3(vst3Module);
+    Steinberg::Vst::IUnitInfo* units = nullptr;
+    ASSERT_EQ(
+        vst3.component->queryInterface(Steinberg::Vst::IUnitInfo::iid, reinterpret_cast<void**>(&units)), 0);
+    std::vector<std::string> fromVst3;
+    std::ostringstream actual;
+    for (std::int32_t index = 0; index < vst3.controller->getParameterCount(); ++index)
+    {
+        Steinberg::Vst::ParameterInfo info;
+        ASSERT_EQ(vst3.controller->getParameterInfo(index, info), 0);
+        Steinberg::Vst::UnitInfo unit;
+        ASSERT_EQ(units->getUnitInfo(info.unitId, unit), 0);
+        ASSERT_EQ(unit.id, info.unitId);
+        fromVst3.push_back(std::to_string(info.id) + "\t" + ToUtf8(info.title) + "\t" + ToUtf8(unit.name));
+        actual << fromVst3.back() << "\n";
+    }
+    units->release();
+    const auto firstTwo = [](const std::string& line)
+    {
+        return line.substr(0, line.rfind('\t'));
+    };
+    ASSERT_EQ(fromVst3.size(), fromVst2.size() + 131);
+    for (std::size_t index = 0; index < fromVst2.size(); ++index)
+    {
+        const std::string title = firstTwo(fromVst3[index]);
+        // VST 2 cuts names at 24 characters.
+        EXPECT_EQ(title.size() > fromVst2[index].size() ? title.substr(0, fromVst2[index].size() - 3) + "..."
+                                                        : title,
+                  fromVst2[index]);
+    }
+    EXPECT_EQ(kept, fromVst3) << "What the module reports:\n" << actual.str();
+}
+
+TEST_F(Formats, ReportTheLatencyFromConstructionOnAndNeverAnother)
+{
+    const Vst2Instance vst2(vst2Module);
+    EXPECT_EQ(vst2.effect->initialDelay, Latency);
+    const Vst3Instance unready(vst3Module, false);
+    EXPECT_EQ(unready.processor->getLatencySamples(), static_cast<unsigned>(Latency));
+    const Vst3Instance vst3(vst3Module);
+    CountingHandler handler;
+    vst3.controller->setComponentHandler(&handler);
+    Vst2Instance::ioChanges = 0;
+    for (const double rate : { 8000.0, 44100.0, 384000.0, 12345.678 })
+    {
+        vst2.Start(static_cast<float>(rate), 512);
+        vst3.Start(rate, 512);
+        EXPECT_EQ(vst2.effect->initialDelay, Latency) << rate;
+        EXPECT_EQ(vst3.processor->getLatencySamples(), static_cast<unsigned>(Latency)) << rate;
+    }
+    EXPECT_EQ(Vst2Instance::ioChanges, 0);
+    EXPECT_EQ(handler.restarts, 0);
+    vst3.controller->setComponentHandler(nullptr);
+    EXPECT_EQ(handler.references, 0);
+}
+
+TEST_F(Formats, ExchangeOneStateByteForByte)
+{
+    const Vst2Instance source(vst2Module);
+    Disturb(source);
+    const Bytes state = source.State();
+    ASSERT_GT(state.size(), 100u);
+
+    const Vst2Instance vst2(vst2Module);
+    const Vst3Instance vst3(vst3Module);
+    OfflineHost offline;
+    EXPECT_NE(vst2.State(), state);
+    EXPECT_EQ(vst2.SetState(state), 1);
+    EXPECT_EQ(vst3.SetState(state), Steinberg::kResultOk);
+    SetOfflineState(offline, state);
+    EXPECT_EQ(vst2.State(), state);
+    EXPECT_EQ(vst3.State(), state);
+    EXPECT_EQ(OfflineState(offline), state);
+    for (std::int32_t index = 0; index < source.effect->numParams; ++index)
+    {
+        const float wanted = source.effect->getParameter(source.effect, index);
+        EXPECT_EQ(vst2.effect->getParameter(vst2.effect, index), wanted) << index;
+        EXPECT_EQ(static_cast<float>(vst3.controller->getParamNormalized(static_cast<unsigned>(index))),
+                  wanted);
+    }
+}
+
+TEST_F(Formats, SurviveEveryTruncationAndRandomBytesAsState)
+{
+    const Vst2Instance vst2(vst2Module);
+    const Vst3Instance vst3(vst3Module);
+    Disturb(vst2);
+    const Bytes state = vst2.State();
+    vst3.SetState(state);
+    const auto feed = [&](const Bytes& bytes)
+    {
+        EXPECT_EQ(vst2.SetState(bytes), 1);
+        EXPECT_EQ(vst3.SetState(bytes), Steinberg::kResultOk);
+    };
+    // What ends early can't be read, and changes nothing.
+    for (std::size_t size = 0; size < state.size(); size += 1 + size / 16)
+        feed({ state.begin(), state.begin() + static_cast<std::ptrdiff_t>(size) });
+    EXPECT_EQ(vst2.State(), state);
+    EXPECT_EQ(vst3.State(), state);
+
+    constexpr unsigned seed = 20;
+    std::mt19937 generator(seed);
+    RecordProperty("seed", static_cast<int>(seed));
+    for (int round = 0; round < 200; ++round)
+    {
+        Bytes bytes = round % 2 == 0 ? state : Bytes(generator() % 2000);
+        for (std::size_t index = 0; index < bytes.size(); ++index)
+            if (round % 2 == 1 || generator() % 100 == 0)
+                bytes[index] = static_cast<std::uint8_t>(generator());
+        feed(bytes);
+    }
+    // Plain text is read too: numbers out of their ranges, unknown names, another root.
+    for (const char* text :
+         { "<settings/>", "<settings Version=\"99999999999999999999\" ChannelMode=\"-7\"/>",
+           "<other><settings/></other>", "<settings MaxLFOBlockSize=\"-1\" Bypass=\"2\"/>",
+           "<settings ChannelMode=\"Surround\" SurroundChannelsEnable=\"000000000000\"/>" })
+        feed(Bytes(text, text + std::strlen(text)));
+
+    std::vector<float> left(512, 0.25f);
+    std::vector<float> right(512, 0.25f);
+    float* channels[] = { left.data(), right.data() };
+    vst2.Start(48000, 512);
+    vst3.Start(48000, 512);
+    vst2.Process(channels, channels, 512);
+    vst3.Process(channels, channels, 512);
+    EXPECT_EQ(vst2.SetState(state), 1);
+    EXPECT_EQ(vst2.State(), state);
+}
+
+class Rendering : public Formats, public testing::WithParamInterface<int>
+{
+};
+
+// Frames of the blocks in turn; 0 is a block of no samples, and none of them was announced larger than 512.
+constexpr std::int32_t BlockSizes[] = { 512, 0, 1, 16, 511, 3000, 64, 37 };
+
+TEST_P(Rendering, GivesTheOfflineHostsSamplesInBothFormats)
+{
+    const int channels = GetParam();
+    const Vst2Instance source(vst2Module);
+    Disturb(source);
+    const Bytes state = source.State();
+    const Vst2Instance vst2(vst2Module);
+    const Vst3Instance vst3(vst3Module);
+    OfflineHost offline;
+    vst2.SetState(state);
+    vst3.SetState(state);
+    SetOfflineState(offline, state);
+
+    constexpr std::int32_t frames = 50000;
+    AudioSampleBuffer input;
+    input.Allocate(channels, frames);
+    input.sampleRate = 48000;
+    std::mt19937 generator(5);
+    std::uniform_real_distribution<float> samples(-0.5f, 0.5f);
+    for (int channel = 0; channel < channels; ++channel)
+        std::generate_n(input.channelData[static_cast<std::size_t>(channel)], frames,
+                        [&] { return samples(generator); });
+
+    offline.Prepare(48000, channels);
+    std::vector<float> expected[2];
+    offline.Render(input, 512,
+                   [&](const float* const* data, std::int32_t count)
+                   {
+                       for (int channel = 0; channel < channels; ++channel)
+                           expected[channel].insert(expected[channel].end(), data[channel],
+                                                    data[channel] + count);
+                   });
+    ASSERT_EQ(expected[0].size(), static_cast<std::size_t>(frames));
+
+    Vst2::SpeakerArrangement arrangement{};
+    arrangement.numChannels = channels;
+    vst2.Send(Vst2::EffectOpcode::SetSpeakerArrangement, 0, reinterpret_cast<std::intptr_t>(&arrangement),
+              &arrangement);
+    vst2.Start(48000, 512);
+    if (channels == 1)
+    {
+        Steinberg::Vst::SpeakerArrangement mono = Steinberg::Vst::SpeakerArr::kMono;
+        ASSERT_EQ(vst3.processor->setBusArrangements(&mono, 1, &mono, 1), Steinberg::kResultOk);
+    }
+    vst3.Start(48000, 512);
+
+    std::vector<float> work[2][2];
+    for (auto& format : work)
+        for (auto& channel : format)
+            channel.assign(frames + Latency, 0.0f);
+    for (int channel = 0; channel < channels; ++channel)
+        for (auto& format : work)
+            std::copy_n(input.channelData[static_cast<std::size_t>(channel)], frames,
+                        format[channel].begin());
+    std::size_t turn = 0;
+    for (std::int32_t done = 0; done < frames + Latency;)
+    {
+        const std::int32_t run =
+            std::min(BlockSizes[turn++ % std::size(BlockSizes)], frames + Latency - done);
+        // In place; a mono host has nothing at the second channel.
+        float* first[2] = { work[0][0].data() + done, channels == 2 ? work[0][1].data() + done : nullptr };
+        float* second[2] = { work[1][0].data() + done, channels == 2 ? work[1][1].data() + done : nullptr };
+        vst2.Process(first, first, run);
+        ASSERT_EQ(vst3.Process(second, second, run, nullptr, channels), Steinberg::kResultOk);
+        done += run;
+    }
+    for (int channel = 0; channel < channels; ++channel)
+        for (int format = 0; format < 2; ++format)
+        {
+            float largest = 0;
+            std::int32_t differing = -1;
+            for (std::int32_t frame = frames - 1; frame >= 0; --frame)
+            {
+                const float out = work[format][channel][static_cast<std::size_t>(frame + Latency)];
+                const float wanted = expected[channel][static_cast<std::size_t>(frame)];
+                largest = std::max(largest, std::fabs(wanted));
+                // Bit for bit: it is the same code, whatever the block lengths are.
+                if (out != wanted)
+                    differing = frame;
+            }
+            EXPECT_EQ(differing, -1) << "first differing frame, format " << format << " channel " << channel;
+            EXPECT_GT(largest, 0.01f);
+        }
+}
+
+INSTANTIATE_TEST_SUITE_P(Channels, Rendering, testing::Values(1, 2));
+}   // namespace

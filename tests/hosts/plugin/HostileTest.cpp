@@ -1,0 +1,420 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// A host that does everything wrong that hosts do.
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <random>
+#include <thread>
+
+#include <gtest/gtest.h>
+
+#include "HeapCount.h"
+#include "Vst2Host.h"
+#include "Vst3Host.h"
+
+namespace
+{
+using Steinberg::kResultFalse;
+using Steinberg::kResultOk;
+
+class Hostile : public testing::Test
+{
+protected:
+    const LoadedModule vst2Module{ LoadedModule::Format::Vst2 };
+    const LoadedModule vst3Module{ LoadedModule::Format::Vst3 };
+};
+
+TEST_F(Hostile, Vst2AnswersItsTables)
+{
+    const Vst2Instance vst2(vst2Module);
+    const struct
+    {
+        const char* text;
+        std::intptr_t answer;
+    } abilities[] = { { "receiveVstMidiEvent", 1 }, { "receiveVstEvents", 1 }, { "sendVstEvents", -1 },
+                      { "sendVstMidiEvent", -1 },   { "canMono", 1 },          { "plugAsSend", 1 },
+                      { "receiveVstTimeInfo", 1 },  { "bypass", -1 },          { "Bypass", 0 },
+                      { "somethingElse", 0 } };
+    for (const auto& each : abilities)
+        EXPECT_EQ(vst2.Send(Vst2::EffectOpcode::CanDo, 0, 0, const_cast<char*>(each.text)), each.answer)
+            << each.text;
+    EXPECT_EQ(vst2.effect->magic, 0x56737450);
+    EXPECT_EQ(vst2.effect->uniqueID, 0x51547E32);
+    EXPECT_EQ(vst2.effect->numPrograms, 1);
+    EXPECT_EQ(vst2.effect->numInputs, 2);
+    EXPECT_EQ(vst2.effect->numOutputs, 2);
+    EXPECT_EQ(vst2.effect->flags, Vst2::EffectFlags::CanReplacing | Vst2::EffectFlags::ProgramChunks);
+    EXPECT_EQ(vst2.Text(Vst2::EffectOpcode::GetEffectName), "TonalignLinearPhase");
+    EXPECT_EQ(vst2.Text(Vst2::EffectOpcode::GetVendorString), "Quorvane");
+    EXPECT_EQ(vst2.Text(Vst2::EffectOpcode::GetProductString), "TonalignLinearPhase");
+    EXPECT_EQ(vst2.Send(Vst2::EffectOpcode::GetVstVersion), 2400);
+    Vst2::PinProperties pin{};
+    EXPECT_EQ(vst2.Send(Vst2::EffectOpcode::GetInputProperties, 1, 0, &pin), 1);
+    EXPECT_STREQ(pin.label, "In R");
+    EXPECT_EQ(pin.flags, Vst2::PinFlags::IsActive | Vst2::PinFlags::IsStereo);
+    EXPECT_EQ(pin.arrangementType, Vst2::SpeakerArrangementType::Stereo);
+    EXPECT_EQ(vst2.Send(Vst2::EffectOpcode::GetOutputProperties, 2, 0, &pin), 0);
+    Vst2::SpeakerArrangement wide{};
+    wide.numChannels = 6;
+    EXPECT_EQ(vst2.Send(Vst2::EffectOpcode::SetSpeakerArrangement, 0, 0, &wide), 0);
+    wide.numChannels = -3;
+    EXPECT_EQ(vst2.Send(Vst2::EffectOpcode::SetSpeakerArrangement, 0, reinterpret_cast<std::intptr_t>(&wide)),
+              0);
+}
+
+TEST_F(Hostile, Vst2SurvivesEveryOpcodeWithNothingBehindIt)
+{
+    Vst2Instance vst2(vst2Module);
+    const auto sendAll = [&]
+    {
+        for (std::int32_t opcode = -2; opcode < 120; ++opcode)
+            if (opcode != Vst2::EffectOpcode::Close)
+                for (const std::int32_t index : { 0, -1, 79, 80, std::numeric_limits<std::int32_t>::max() })
+                    vst2.Send(opcode, index, 0, nullptr, std::numeric_limits<float>::quiet_NaN());
+    };
+    sendAll();
+    EXPECT_EQ(vst2.Send(Vst2::EffectOpcode::SetChunk, 0, -1, vst2.effect), 1);
+    for (const float value : { -1.0f, 2.0f, std::numeric_limits<float>::infinity(), std::nanf("") })
+        for (std::int32_t index = -1; index <= vst2.effect->numParams; ++index)
+        {
+            vst2.effect->setParameter(vst2.effect, index, value);
+            const float now = vst2.effect->getParameter(vst2.effect, index);
+            EXPECT_TRUE(now >= 0 && now <= 1) << index << " " << value << " " << now;
+        }
+    // A rate of 50 is no rate. The plug-in keeps working.
+    vst2.Send(Vst2::EffectOpcode::SetSampleRate, 0, 0, nullptr, 50);
+    std::vector<float> left(64, 0.5f);
+    std::vector<float> right(64, 0.5f);
+    float* both[] = { left.data(), right.data() };
+    float* none[] = { nullptr, nullptr };
+    float* one[] = { left.data(), nullptr };
+    for (const std::int32_t frames : { 64, 0, -1 })
+        for (float** inputs : { static_cast<float**>(nullptr), both, none, one })
+            for (float** outputs : { static_cast<float**>(nullptr), both, none, one })
+            {
+                vst2.effect->processReplacing(vst2.effect, inputs, outputs, frames);
+                vst2.effect->process(vst2.effect, inputs, outputs, frames);
+            }
+    // After the end the record is empty, and stays.
+    vst2.Close();
+    vst2.Send(Vst2::EffectOpcode::Close);
+    sendAll();
+    vst2.effect->setParameter(vst2.effect, 0, 1);
+    EXPECT_EQ(vst2.effect->getParameter(vst2.effect, 0), 0);
+    left.assign(64, 0.5f);
+    vst2.effect->processReplacing(vst2.effect, both, both, 64);
+    EXPECT_EQ(left[63], 0.5f);
+    vst2.effect->dispatcher(nullptr, Vst2::EffectOpcode::Open, 0, 0, nullptr, 0);
+}
+
+TEST_F(Hostile, Vst3IsOneObjectWithOneCount)
+{
+    using namespace Steinberg;
+    {
+        const Vst3Instance vst3(vst3Module);
+        FUnknown* identity = nullptr;
+        ASSERT_EQ(vst3.component->queryInterface(FUnknown::iid, reinterpret_cast<void**>(&identity)),
+                  kResultOk);
+        const FUID known[] = { FUID::fromTUID(Vst::IComponent::iid),
+                               FUID::fromTUID(Vst::IAudioProcessor::iid),
+                               FUID::fromTUID(Vst::IEditController::iid),
+                               FUID::fromTUID(Vst::IEditController2::iid),
+                               FUID::fromTUID(Vst::IMidiMapping::iid),
+                               FUID::fromTUID(Vst::IUnitInfo::iid),
+                               FUID::fromTUID(Vst::IConnectionPoint::iid),
+                               FUID::fromTUID(Vst::IProcessContextRequirements::iid),
+                               FUID::fromTUID(IPluginBase::iid) };
+        for (const FUID& each : known)
+        {
+            FUnknown* facet = nullptr;
+            ASSERT_EQ(vst3.component->queryInterface(each, reinterpret_cast<void**>(&facet)), kResultOk);
+            FUnknown* same = nullptr;
+            facet->queryInterface(FUnknown::iid, reinterpret_cast<void**>(&same));
+            EXPECT_EQ(same, identity);
+            same->release();
+            facet->release();
+        }
+        void* object = identity;
+        EXPECT_EQ(vst3.component->queryInterface(IBStream::iid, &object), kNoInterface);
+        EXPECT_EQ(object, nullptr);
+        identity->release();
+    }
+    EXPECT_EQ(Vst3Instance::lastCount, 0u);
+}
+
+TEST_F(Hostile, Vst3NegotiatesItsBuses)
+{
+    using namespace Steinberg::Vst;
+    const Vst3Instance vst3(vst3Module);
+    SpeakerArrangement stereo = SpeakerArr::kStereo;
+    SpeakerArrangement mono = SpeakerArr::kMono;
+    SpeakerArrangement surround = SpeakerArr::k51;
+    SpeakerArrangement now = 0;
+    EXPECT_EQ(vst3.processor->setBusArrangements(&stereo, 1, &stereo, 1), kResultFalse);
+    EXPECT_EQ(vst3.processor->setBusArrangements(&mono, 1, &stereo, 1), kResultFalse);
+    EXPECT_EQ(vst3.processor->setBusArrangements(&surround, 1, &surround, 1), kResultFalse);
+    EXPECT_EQ(vst3.processor->getBusArrangement(kInput, 0, now), kResultOk);
+    EXPECT_EQ(now, stereo);
+    EXPECT_EQ(vst3.processor->setBusArrangements(&mono, 1, &mono, 1), kResultOk);
+    BusInfo info;
+    EXPECT_EQ(vst3.component->getBusInfo(kAudio, kOutput, 0, info), kResultOk);
+    EXPECT_EQ(info.channelCount, 1);
+    EXPECT_EQ(ToUtf8(info.name), "Stereo Out");
+    EXPECT_EQ(vst3.processor->setBusArrangements(&surround, 1, &surround, 1), kResultFalse);
+    EXPECT_EQ(vst3.processor->getBusArrangement(kOutput, 0, now), kResultOk);
+    EXPECT_EQ(now, stereo);
+    EXPECT_NE(vst3.processor->setBusArrangements(nullptr, 1, nullptr, -1), kResultOk);
+    EXPECT_EQ(vst3.component->getBusCount(kEvent, kInput), 1);
+    EXPECT_EQ(vst3.component->getBusCount(kEvent, kOutput), 0);
+    EXPECT_EQ(vst3.component->getBusCount(7, 9), 0);
+    EXPECT_NE(vst3.component->getBusInfo(kAudio, kInput, 1, info), kResultOk);
+    EXPECT_NE(vst3.component->activateBus(kAudio, kInput, -1, true), kResultOk);
+
+    // Back in stereo both outputs get their own signal.
+    vst3.Start(48000, 64);
+    std::vector<float> left(40000, 0.0f);
+    std::vector<float> right(40000, 0.25f);
+    float* channels[] = { left.data(), right.data() };
+    vst3.Process(channels, channels, 40000);
+    EXPECT_NEAR(left.back(), 0.0f, 1e-6f);
+    EXPECT_NEAR(right.back(), 0.25f, 1e-4f);
+}
+
+TEST_F(Hostile, Vst3TakesTheLastPointOfAQueueAndOnlyThat)
+{
+    const Vst3Instance vst3(vst3Module);
+    vst3.Start(48000, 64);
+    std::vector<float> samples(64);
+    float* channels[] = { samples.data(), samples.data() };
+    OneChange change(1, { 0.1, 0.9, 0.2, 0.8, 0.625 });
+    vst3.Process(channels, channels, 64, &change);
+    // The gain is not ramped in a block this short.
+    EXPECT_NEAR(vst3.controller->getParamNormalized(1), 0.625, 1e-6);
+    OneChange empty(1, {});
+    vst3.Process(channels, channels, 64, &empty);
+    EXPECT_NEAR(vst3.controller->getParamNormalized(1), 0.625, 1e-6);
+    OneChange bypass(32767, { 0.51 });
+    vst3.Process(channels, channels, 64, &bypass);
+    EXPECT_EQ(vst3.controller->getParamNormalized(32767), 1.0);
+    for (const unsigned id : { 80u, 9999u, 10000u, 10129u, 10130u, 32768u, 0xFFFFFFFFu })
+    {
+        OneChange unknown(id, { std::nan("") });
+        EXPECT_EQ(vst3.Process(channels, channels, 64, &unknown), kResultOk);
+    }
+    // A block without buses delivers parameters only; one without samples does nothing.
+    Steinberg::Vst::ProcessData data;
+    data.symbolicSampleSize = Steinberg::Vst::kSample32;
+    OneChange later(1, { 0.375 });
+    data.inputParameterChanges = &later;
+    EXPECT_EQ(vst3.processor->process(data), kResultOk);
+    EXPECT_NEAR(vst3.controller->getParamNormalized(1), 0.625, 1e-6);
+    data.numSamples = 64;
+    EXPECT_EQ(vst3.processor->process(data), kResultOk);
+    EXPECT_NEAR(vst3.controller->getParamNormalized(1), 0.375, 1e-6);
+    // While it is active, the controller's side changes nothing that a block would.
+    vst3.controller->setParamNormalized(1, 0.5);
+    EXPECT_NEAR(vst3.controller->getParamNormalized(1), 0.375, 1e-6);
+    vst3.component->setActive(false);
+    vst3.controller->setParamNormalized(1, 0.5);
+    EXPECT_NEAR(vst3.controller->getParamNormalized(1), 0.5, 1e-6);
+}
+
+TEST_F(Hostile, EveryValueIsReadableAndReadsBack)
+{
+    const Vst3Instance vst3(vst3Module);
+    const Vst2Instance vst2(vst2Module);
+    for (std::int32_t index = 0; index < vst2.effect->numParams; ++index)
+        for (const double value : { 0.0, 0.25, 0.5, 1.0 })
+        {
+            const auto id = static_cast<unsigned>(index);
+            Steinberg::Vst::String128 text{};
+            ASSERT_EQ(vst3.controller->getParamStringByValue(id, value, text), kResultOk);
+            ASSERT_NE(text[0], 0) << index;
+            double back = -1;
+            ASSERT_EQ(vst3.controller->getParamValueByString(id, text, back), kResultOk);
+            Steinberg::Vst::String128 again{};
+            vst3.controller->getParamStringByValue(id, back, again);
+            // The type of a band is chosen by its position: its names aren't read.
+            const bool isBandType = index >= 10 && (index - 10) % 7 == 4;
+            EXPECT_EQ(isBandType ? back : 0, 0);
+            EXPECT_EQ(ToUtf8(isBandType ? text : again), ToUtf8(text)) << index << " at " << value;
+            // VST 2 shows the same text where its parameter stands at the value.
+            vst2.effect->setParameter(vst2.effect, index, static_cast<float>(value));
+            EXPECT_EQ(vst2.Text(Vst2::EffectOpcode::GetParamDisplay, index).substr(0, 3),
+                      ToUtf8(text).substr(0, 3))
+                << index << " at " << value;
+        }
+}
+
+TEST_F(Hostile, Vst3SurvivesCallsOutOfOrderAndWithNothingBehindThem)
+{
+    using namespace Steinberg;
+    const Vst3Instance vst3(vst3Module, false);
+    std::vector<float> samples(64, 0.5f);
+    float* channels[] = { samples.data(), samples.data() };
+    EXPECT_NE(vst3.Process(channels, channels, 64), kResultOk);
+    vst3.component->setActive(true);
+    EXPECT_EQ(vst3.controller->getParameterCount(), 0);
+    vst3.component->terminate();
+    for (int round = 0; round < 2; ++round)
+    {
+        EXPECT_EQ(vst3.component->initialize(nullptr), kResultOk);
+        EXPECT_EQ(vst3.component->initialize(vst3.component), kResultOk);
+        EXPECT_EQ(vst3.component->getBusCount(Vst::kAudio, Vst::kInput), 1);
+        Vst::ProcessSetup doubles{ Vst::kOffline, Vst::kSample64, 64, 48000 };
+        EXPECT_EQ(vst3.processor->canProcessSampleSize(Vst::kSample64), kResultFalse);
+        EXPECT_EQ(vst3.processor->setupProcessing(doubles), kResultFalse);
+        vst3.Start(48000, 16);
+        vst3.Start(std::nan(""), -5);
+        Vst::ProcessData data;
+        data.symbolicSampleSize = Vst::kSample32;
+        data.numSamples = 64;
+        data.numInputs = data.numOutputs = 1;
+        EXPECT_EQ(vst3.processor->process(data), kResultOk);
+        float* none[] = { nullptr, nullptr };
+        for (float** inputs : { static_cast<float**>(nullptr), none, channels })
+            for (float** outputs : { static_cast<float**>(nullptr), none, channels })
+                for (const int32 width : { 0, 1, 2 })
+                    EXPECT_EQ(vst3.Process(inputs, outputs, 64, nullptr, width), kResultOk);
+        EXPECT_NE(vst3.component->setState(nullptr), kResultOk);
+        EXPECT_NE(vst3.component->getState(nullptr), kResultOk);
+        EXPECT_EQ(vst3.controller->createView("editor"), nullptr);
+        EXPECT_EQ(vst3.controller->createView(nullptr), nullptr);
+        Vst::ParameterInfo info;
+        EXPECT_NE(vst3.controller->getParameterInfo(-1, info), kResultOk);
+        EXPECT_NE(vst3.controller->getParameterInfo(100000, info), kResultOk);
+        double value = 0;
+        Vst::String128 text{};
+        EXPECT_NE(vst3.controller->getParamStringByValue(9999, 0.5, text), kResultOk);
+        EXPECT_NE(vst3.controller->getParamStringByValue(0, 0.5, nullptr), kResultOk);
+        EXPECT_NE(vst3.controller->getParamValueByString(0, nullptr, value), kResultOk);
+        vst3.component->setActive(true);
+        vst3.component->setActive(true);
+        EXPECT_EQ(vst3.component->terminate(), kResultOk);
+        EXPECT_EQ(vst3.component->terminate(), kResultOk);
+    }
+}
+
+// Two seconds of what upsets filters: noise, then silence, then subnormal numbers.
+std::vector<float> Programme(std::size_t frames)
+{
+    std::mt19937 generator(77);
+    std::uniform_real_distribution<float> noise(-1.0f, 1.0f);
+    std::vector<float> samples(frames, 0.0f);
+    for (std::size_t frame = 0; frame < frames / 4; ++frame)
+        samples[frame] = noise(generator);
+    for (std::size_t frame = frames * 3 / 4; frame < frames; ++frame)
+        samples[frame] = noise(generator) * std::numeric_limits<float>::denorm_min() * 1000;
+    return samples;
+}
+
+TEST_F(Hostile, SoundIsCleanAndCostsNoMemoryAtEveryRate)
+{
+    for (const double rate :
+         { 8000.0, 22050.0, 44100.0, 48000.0, 88200.0, 96000.0, 176400.0, 192000.0, 384000.0, 12345.678 })
+    {
+        SCOPED_TRACE(rate);
+        const Vst2Instance vst2(vst2Module);
+        const Vst3Instance vst3(vst3Module);
+        for (std::int32_t index = 10; index < vst2.effect->numParams; ++index)
+            vst2.effect->setParameter(vst2.effect, index, index % 7 == 3 ? 1.0f : 0.75f);
+        vst3.SetState(vst2.State());
+        vst2.Start(static_cast<float>(rate), 256);
+        vst3.Start(rate, 256);
+        const std::vector<float> programme = Programme(547 * 256);
+        std::vector<float> left = programme;
+        std::vector<float> right = programme;
+        std::int64_t taken = 0;
+        for (std::size_t done = 0; done + 256 <= programme.size(); done += 256)
+        {
+            float* first[] = { left.data() + done, left.data() + done };
+            float* second[] = { right.data() + done, right.data() + done };
+            const std::int64_t before = HeapCount::TakenByThisThread();
+            vst2.Process(first, first, 256);
+            vst3.Process(second, second, 256);
+            if (done >= 70000)   // more than two frames of the linear-phase engine: all that grows has grown
+                taken += HeapCount::TakenByThisThread() - before;
+        }
+        EXPECT_EQ(taken, 0);
+        for (const std::vector<float>* out : { &left, &right })
+        {
+            const auto unclean = std::find_if(out->begin(), out->end(),
+                                              [](float sample)
+                                              {
+                                                  const int kind = std::fpclassify(sample);
+                                                  return kind != FP_NORMAL && kind != FP_ZERO;
+                                              });
+            EXPECT_EQ(unclean, out->end()) << "frame " << unclean - out->begin() << ": " << *unclean;
+        }
+    }
+}
+
+TEST_F(Hostile, ThreadsOfAHostMayAllCallAtOnce)
+{
+    constexpr int instanceCount = 4;
+    constexpr int blocks = 400;
+    const auto useVst2 = [&](unsigned seed)
+    {
+        const Vst2Instance vst2(vst2Module);
+        vst2.Start(48000, 256);
+        std::atomic<bool> stop = false;
+        std::thread parameters(
+            [&]
+            {
+                std::mt19937 generator(seed);
+                while (!stop)
+                {
+                    const auto index = static_cast<std::int32_t>(generator() % 80);
+                    vst2.effect->setParameter(vst2.effect, index,
+                                              static_cast<float>(generator() % 1000) / 999);
+                    vst2.effect->getParameter(vst2.effect, index);
+                }
+            });
+        std::thread states(
+            [&]
+            {
+                while (!stop)
+                    vst2.SetState(vst2.State());
+            });
+        std::vector<float> samples(512, 0.1f);
+        float* channels[] = { samples.data(), samples.data() + 256 };
+        for (int block = 0; block < blocks; ++block)
+        {
+            std::fill(samples.begin(), samples.end(), 0.1f);
+            vst2.Process(channels, channels, 256);
+            EXPECT_TRUE(
+                std::all_of(samples.begin(), samples.end(), [](float each) { return std::isfinite(each); }));
+        }
+        stop = true;
+        parameters.join();
+        states.join();
+    };
+    const auto useVst3 = [&](unsigned seed)
+    {
+        std::mt19937 generator(seed);
+        for (int life = 0; life < 5; ++life)   // made and destroyed while others play
+        {
+            const Vst3Instance vst3(vst3Module);
+            vst3.Start(44100 + life, 256);
+            std::vector<float> samples(512, 0.1f);
+            float* channels[] = { samples.data(), samples.data() + 256 };
+            for (int block = 0; block < blocks / 10; ++block)
+            {
+                OneChange change(static_cast<unsigned>(generator() % 80),
+                                 { static_cast<double>(generator() % 1000) / 999 });
+                vst3.Process(channels, channels, 256, &change);
+                if (block % 10 == 0)
+                    vst3.SetState(vst3.State());
+            }
+        }
+    };
+    std::vector<std::thread> threads;
+    for (unsigned number = 0; number < instanceCount; ++number)
+    {
+        threads.emplace_back(useVst2, number);
+        threads.emplace_back(useVst3, number);
+    }
+    for (std::thread& each : threads)
+        each.join();
+}
+}   // namespace
