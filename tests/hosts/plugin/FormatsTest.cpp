@@ -150,6 +150,28 @@ TEST_F(Formats, ExchangeOneStateByteForByte)
     }
 }
 
+TEST_F(Formats, ReadTheStateThatVersion710Kept)
+{
+    // A project of a user: whatever is added to the state, this one keeps its sound.
+    std::ifstream file(KeptFile("states/every-parameter-moved.state"), std::ios::binary);
+    const Bytes state{ std::istreambuf_iterator<char>(file), {} };
+    ASSERT_GT(state.size(), 100u);
+    const Vst2Instance wanted(vst2Module);
+    Disturb(wanted);
+    const Vst2Instance vst2(vst2Module);
+    const Vst3Instance vst3(vst3Module);
+    vst2.SetState(state);
+    vst3.SetState(state);
+    for (std::int32_t index = 0; index < wanted.effect->numParams; ++index)
+    {
+        // States hold decimals of a dozen digits in the unit of the parameter: far below this share of its
+        // range.
+        const float value = wanted.effect->getParameter(wanted.effect, index);
+        EXPECT_NEAR(vst2.effect->getParameter(vst2.effect, index), value, 1e-5f) << index;
+        EXPECT_NEAR(vst3.controller->getParamNormalized(static_cast<unsigned>(index)), value, 1e-5) << index;
+    }
+}
+
 TEST_F(Formats, SurviveEveryTruncationAndRandomBytesAsState)
 {
     const Vst2Instance vst2(vst2Module);

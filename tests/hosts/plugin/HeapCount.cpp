@@ -6,6 +6,14 @@
 #include <cstddef>
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define HEAP_OF_A_SANITIZER
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#define HEAP_OF_A_SANITIZER
+#endif
+#endif
+
+#ifdef HEAP_OF_A_SANITIZER
 
 bool HeapCount::IsCounting()
 {
