@@ -2,9 +2,11 @@
 #include "hosts/module/CreateInstance.h"
 
 #include "effect/TonalignInterface.h"
+#include "resources/RegisterResources.h"
 
 std::unique_ptr<MQuorvaneAudioEffectPlugin> CreateInstance()
 {
+    StartModuleWithResources();
     auto plugin = std::make_unique<MQuorvaneAudioEffectPlugin>();
     plugin->Initialize("TonalignLinearPhase", "Quorvane", &TonalignAudioEffectPluginInterface, 800, 560);
     return plugin;

@@ -4,7 +4,9 @@
 #include <algorithm>
 #include <cstdint>
 #include <limits>
+#include <mutex>
 
+#include "foundation/module/MModule.h"
 #include "foundation/streams/MFile.h"
 #include "foundation/text/Boundary.h"
 #include "foundation/text/MStringFormat.h"
@@ -139,11 +141,40 @@ void MPresetManagerBase::LoadPresets(MAttribute& root)
         LoadPresetTree(root, path);
         return;
     }
-    if (factoryPresets != nullptr)
-        root.CopyFrom(*factoryPresets);
-    else
-        root.Clear();
+    root.CopyFrom(factoryPresets);
     root.SetName("presets");
+}
+
+void MPresetManagerBase::ReadFactoryPresets()
+{
+    factoryList.clear();
+    factoryPresets.Clear();
+    MModule* module = MModule::Main();
+    if (module == nullptr)
+        return;
+    {
+        // One reader at a time: the resource has one position, and instances are made on any thread.
+        static std::mutex reading;
+        const std::lock_guard guard(reading);
+        if (MResource* resource = module->resources.Find("qpresets"))
+            ReadCompressedXML(factoryPresets, resource->bytes);
+    }
+    CollectPresets(factoryPresets, factoryList);
+}
+
+MString MPresetManagerBase::FactoryPresetName(int index) const
+{
+    if (index < 0 || index >= FactoryPresetCount())
+        return {};
+    return factoryList[static_cast<std::size_t>(index)]->GetAttribute("name");
+}
+
+bool MPresetManagerBase::LoadFactoryPreset(int index)
+{
+    if (index < 0 || index >= FactoryPresetCount())
+        return false;
+    ApplyPreset(*factoryList[static_cast<std::size_t>(index)], index);
+    return true;
 }
 
 void MPresetManagerBase::SavePresets(MAttribute& root)

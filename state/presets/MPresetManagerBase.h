@@ -36,8 +36,17 @@ public:
     MEvent<PresetSelectedParams> onSelected;
     /// Raised after the file was changed by this manager.
     MEvent<MOnNotifyParams> onChanged;
-    /// What the list holds before there is a file: the factory presets. Null: nothing.
-    const MAttribute* factoryPresets = nullptr;
+
+    /// Reads the module's resource of factory presets, in whichever form it has. Without a module or such a
+    /// resource the list stays empty. Any thread. Throws MException when the resource is damaged.
+    void ReadFactoryPresets();
+    /// The factory presets are the programs that hosts see, in their flat order, and what the list holds as
+    /// long as there is no file.
+    int FactoryPresetCount() const { return static_cast<int>(factoryList.size()); }
+    /// Empty out of range. Any thread.
+    MString FactoryPresetName(int index) const;
+    /// False out of range.
+    bool LoadFactoryPreset(int index);
 
     /// The path of the file. A file of the same name beside the maker's folder, where earlier versions kept
     /// it, is merged into it and deleted first; one that can't be read stays where it is.
@@ -94,5 +103,7 @@ private:
     bool AskFile(const MPresetDialogs::FileRequest& request, MString& path) const;
     void Report(const MString& text) const;
 
+    MAttribute factoryPresets;
+    std::vector<MAttribute*> factoryList;   // into it
     MRelaxed<int> currentPresetIndex = 0;
 };
