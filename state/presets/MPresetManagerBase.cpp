@@ -98,6 +98,13 @@ MPresetDialogs::FileRequest SettingsRequest(bool forSaving)
 }
 }   // namespace
 
+struct MPresetManagerBase::FactoryPresets
+{
+    MAttribute tree;
+    std::vector<MAttribute*> presets;   // in the flat order
+    std::vector<MString> names;
+};
+
 bool MPresetManagerBase::IsConfirmed(const MString& question) const
 {
     return dialogs == nullptr || dialogs->Confirm(question);
@@ -141,39 +148,57 @@ void MPresetManagerBase::LoadPresets(MAttribute& root)
         LoadPresetTree(root, path);
         return;
     }
-    root.CopyFrom(factoryPresets);
+    root.Clear();
+    if (factory != nullptr)
+        root.CopyFrom(factory->tree);
     root.SetName("presets");
+}
+
+std::shared_ptr<const MPresetManagerBase::FactoryPresets> MPresetManagerBase::ReadFactoryResource()
+{
+    MModule* module = MModule::Main();
+    MResource* resource = module != nullptr ? module->resources.Find("qpresets") : nullptr;
+    if (resource == nullptr)
+        return nullptr;
+    auto read = std::make_shared<FactoryPresets>();
+    ReadCompressedXML(read->tree, resource->bytes);
+    CollectPresets(read->tree, read->presets);
+    for (MAttribute* preset : read->presets)
+        read->names.push_back(preset->GetAttribute("name"));
+    return read;
 }
 
 void MPresetManagerBase::ReadFactoryPresets()
 {
-    factoryList.clear();
-    factoryPresets.Clear();
-    MModule* module = MModule::Main();
-    if (module == nullptr)
-        return;
-    {
-        // One reader at a time: the resource has one position, and instances are made on any thread.
-        static std::mutex reading;
-        const std::lock_guard guard(reading);
-        if (MResource* resource = module->resources.Find("qpresets"))
-            ReadCompressedXML(factoryPresets, resource->bytes);
-    }
-    CollectPresets(factoryPresets, factoryList);
+    // Instances are made on any thread, while the resource has one reading position. What was read lives as
+    // long as somebody uses it.
+    static std::mutex reading;
+    static std::weak_ptr<const FactoryPresets> shared;
+    const std::lock_guard guard(reading);
+    factory = shared.lock();
+    if (factory == nullptr)
+        shared = factory = ReadFactoryResource();
+}
+
+int MPresetManagerBase::FactoryPresetCount() const
+{
+    return factory != nullptr ? static_cast<int>(factory->presets.size()) : 0;
 }
 
 MString MPresetManagerBase::FactoryPresetName(int index) const
 {
     if (index < 0 || index >= FactoryPresetCount())
         return {};
-    return factoryList[static_cast<std::size_t>(index)]->GetAttribute("name");
+    return factory->names[static_cast<std::size_t>(index)];
 }
 
 bool MPresetManagerBase::LoadFactoryPreset(int index)
 {
     if (index < 0 || index >= FactoryPresetCount())
         return false;
-    ApplyPreset(*factoryList[static_cast<std::size_t>(index)], index);
+    MAttribute preset("preset");   // looking for attributes changes a tree, and this one is shared
+    preset.CopyFrom(*factory->presets[static_cast<std::size_t>(index)]);
+    ApplyPreset(preset, index);
     return true;
 }
 

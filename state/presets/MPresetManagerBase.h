@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 
 #include "foundation/containers/MEvent.h"
 #include "foundation/text/MObject.h"
@@ -37,12 +38,13 @@ public:
     /// Raised after the file was changed by this manager.
     MEvent<MOnNotifyParams> onChanged;
 
-    /// Reads the module's resource of factory presets, in whichever form it has. Without a module or such a
-    /// resource the list stays empty. Any thread. Throws MException when the resource is damaged.
+    /// Reads the module's resource of factory presets, in whichever form it has; managers that live at the
+    /// same time share one tree. Without a module or such a resource the list stays empty. Any thread.
+    /// Throws MException when the resource is damaged.
     void ReadFactoryPresets();
     /// The factory presets are the programs that hosts see, in their flat order, and what the list holds as
     /// long as there is no file.
-    int FactoryPresetCount() const { return static_cast<int>(factoryList.size()); }
+    int FactoryPresetCount() const;
     /// Empty out of range. Any thread.
     MString FactoryPresetName(int index) const;
     /// False out of range.
@@ -103,7 +105,9 @@ private:
     bool AskFile(const MPresetDialogs::FileRequest& request, MString& path) const;
     void Report(const MString& text) const;
 
-    MAttribute factoryPresets;
-    std::vector<MAttribute*> factoryList;   // into it
+    struct FactoryPresets;
+    static std::shared_ptr<const FactoryPresets> ReadFactoryResource();
+
+    std::shared_ptr<const FactoryPresets> factory;   // never changes: many threads read it
     MRelaxed<int> currentPresetIndex = 0;
 };
