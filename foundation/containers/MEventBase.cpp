@@ -2,14 +2,31 @@
 #include "foundation/containers/MEventBase.h"
 
 #include <algorithm>
+#include <atomic>
 #include <new>
 
-MLock& EventLock()
+namespace
+{
+MLock& OwnEventLock()
 {
     // Never destroyed: a thread that deletes itself may come here after the module's destructors.
     alignas(MLock) static unsigned char storage[sizeof(MLock)];
     static MLock& lock = *new (storage) MLock;
     return lock;
+}
+
+std::atomic<MLock*> sharedEventLock = nullptr;
+}   // namespace
+
+MLock& EventLock()
+{
+    MLock* shared = sharedEventLock.load(std::memory_order_acquire);
+    return shared != nullptr ? *shared : OwnEventLock();
+}
+
+void ShareEventLock(MLock& lock) noexcept
+{
+    sharedEventLock.store(&lock, std::memory_order_release);
 }
 
 MEventTarget::~MEventTarget()

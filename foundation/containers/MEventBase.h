@@ -9,6 +9,8 @@ class MEventBase;
 
 /// Guards everything that events and their targets know of each other. Recursive.
 MLock& EventLock();
+/// Makes the lock of another module this one's too, for good. Before the first event is used.
+void ShareEventLock(MLock& lock) noexcept;
 
 /// What can receive events. It knows the events that it is subscribed to, each once, and leaves them when
 /// it dies; it must not die while one of them calls it on another thread.

@@ -12,6 +12,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "foundation/text/Boundary.h"
 #include "foundation/text/LetterFolding.h"
 #include "foundation/text/MException.h"
 #include "foundation/text/MStringFormat.h"
@@ -81,23 +82,43 @@ bool MatchesFilter(const MString& name, const MString& filter)
     return place == filter.Length();
 }
 
-// The shell puts the opener into the background, so that no child is left for the host to collect.
-int RunInBackground(const std::string& path)
+// Runs a shell script with its arguments; answers its exit code, or the negative error of the start.
+int RunScript(const char* script, std::string path, std::string parameters, std::string folder)
 {
-    const char* const script = "command -v xdg-open >/dev/null 2>&1 || exit 127; "
-                               "xdg-open \"$1\" </dev/null >/dev/null 2>&1 &";
-    std::string arguments[] = { "sh", "-c", script, "sh", path };
-    char* pointers[] = { arguments[0].data(), arguments[1].data(), arguments[2].data(),
-                         arguments[3].data(), arguments[4].data(), nullptr };
+    std::string words[] = { "sh", "-c", script, "sh" };
+    char* pointers[] = { words[0].data(), words[1].data(),   words[2].data(), words[3].data(),
+                         path.data(),     parameters.data(), folder.data(),   nullptr };
     pid_t child = 0;
     const int error = posix_spawn(&child, "/bin/sh", nullptr, nullptr, pointers, environ);
     if (error != 0)
-        return error;
+        return -error;
     int status = 0;
     while (waitpid(child, &status, 0) < 0)
         if (errno != EINTR)
             return 0;   // a host that ignores its children collects them by itself
-    return WIFEXITED(status) && WEXITSTATUS(status) == 0 ? 0 : ENOENT;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+// In the background the shell ends at once, so that no child is left for the host to collect.
+constexpr const char* openInBackground = "command -v xdg-open >/dev/null 2>&1 || exit 127; "
+                                         "xdg-open \"$1\" </dev/null >/dev/null 2>&1 &";
+constexpr const char* openAndWait = "command -v xdg-open >/dev/null 2>&1 || exit 127; "
+                                    "exec xdg-open \"$1\" </dev/null >/dev/null 2>&1";
+constexpr const char* runInBackground =
+    "program=$1; folder=$3; eval \"set -- $2\"; cd \"${folder:-.}\" || exit 127; "
+    "\"$program\" \"$@\" </dev/null >/dev/null 2>&1 &";
+constexpr const char* runAndWait =
+    "program=$1; folder=$3; eval \"set -- $2\"; cd \"${folder:-.}\" || exit 127; "
+    "exec \"$program\" \"$@\" </dev/null >/dev/null 2>&1";
+
+bool IsAddress(const MString& path)
+{
+    return path.Find("://") > 0 || path.Find("mailto:") == 0;
+}
+
+bool IsProgram(const std::string& path)
+{
+    return !IsDirectory(path) && access(path.c_str(), X_OK) == 0;
 }
 }   // namespace
 
@@ -152,14 +173,56 @@ bool MFile::Exists(const MString& path) noexcept
     }
 }
 
-void MFile::Execute(const MString& path)
+int MFile::Execute(const MString& path, const MString& parameters, const MString& folder, bool waitForEnd)
 {
-    const bool isAddress = path.Find("://") > 0;
+    constexpr int CannotStart = 127;
+    const bool isAddress = IsAddress(path);
     errno = ENOENT;
     CheckSuccess(isAddress || Exists(path), "Could not execute file \"{0}\".", path);
-    const int error = RunInBackground(isAddress ? path.ToUTF8() : SystemPath(path));
-    if (error != 0)
-        ThrowSystemError(Format("Could not execute file \"{0}\".", path), error);
+    std::string target = path.ToUTF8();
+    if (!isAddress)   // absolute, so that neither the working folder nor PATH matters
+        target = std::filesystem::absolute(SystemPath(path)).string();
+    const bool isProgram = !isAddress && IsProgram(target);
+    const char* script = isProgram ? (waitForEnd ? runAndWait : runInBackground)
+                                   : (waitForEnd ? openAndWait : openInBackground);
+    const int result = RunScript(script, target, parameters.ToUTF8(), SystemPath(folder));
+    if (result < 0 || result == CannotStart)
+        ThrowSystemError(Format("Could not execute file \"{0}\".", path), result < 0 ? -result : ENOENT);
+    return waitForEnd ? result : 0;
+}
+
+namespace
+{
+// What goes wrong here is worth a line and nothing more: nobody waits for the page.
+void OpenLogged(const char* operation, auto&& open) noexcept
+{
+    try
+    {
+        open();
+    }
+    catch (...)
+    {
+        LogSystemException(operation);
+    }
+}
+}   // namespace
+
+void MFile::ExecuteWWW(const MString& address) noexcept
+{
+    OpenLogged("MFile::ExecuteWWW",
+               [&] { Execute(address.Find("://") > 0 ? address : "http://" + address); });
+}
+
+void MFile::ExecuteMail(const MString& address, const MString& subject) noexcept
+{
+    OpenLogged("MFile::ExecuteMail",
+               [&]
+               {
+                   MString target = "mailto: " + address;
+                   if (!subject.IsEmpty())
+                       target += "?subject=" + subject;
+                   Execute(target);
+               });
 }
 
 MFileIterator::MFileIterator(const MString& path, const MString& filter, int flags)

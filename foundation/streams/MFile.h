@@ -9,6 +9,34 @@
 class MFile
 {
 public:
+    /// Kinds of special folders.
+    enum SpecialFolder
+    {
+        Data = 0,   ///< what the machine's users share, of this maker
+        UserData = 1,   ///< the user's, of this maker
+        User = 2,
+        Documents = 3,
+        UserDocuments = 4,
+        ProgramFiles = 5,
+        Components = 6,
+        StartMenu = 7,
+        UserStartMenu = 8,
+        StartMenuPrograms = 9,
+        UserStartMenuPrograms = 10,
+        Desktop = 11,
+        UserDesktop = 12,
+        System = 13,
+        Fonts = 14,
+        Temp = 15,
+        SpecialFolderCount = 16
+    };
+    /// The words by which the kinds are known, such as "userdata".
+    static const char* const SpecialFolderLabels[SpecialFolderCount];
+
+    /// The folder of a kind, absolute and normalised, without a separator at its end; it need not exist.
+    /// Throws "Could not retrieve system path." with the reason. Temp never fails.
+    static MString GetSpecialFolder(int kind);
+
     /// Makes a folder and all missing parents; one that exists is fine.
     static void CreatePath(const MString& path);
     static void Rename(const MString& from, const MString& to);
@@ -18,8 +46,16 @@ public:
     /// A folder with all it holds. Links are removed, not followed.
     static void DeleteTree(const MString& path);
     static bool Exists(const MString& path) noexcept;
-    /// Opens a document, a program or an address with what the desktop has for it.
-    static void Execute(const MString& path);
+    /// Opens a document or an address with what the desktop has for it, or runs a program.
+    /// @param parameters  of a program: words with the quoting of the shell
+    /// @param folder  the working folder of a program; empty leaves the present one
+    /// Answers the exit code with `waitForEnd`, else 0. Throws "Could not execute file \"{0}\".".
+    static int Execute(const MString& path, const MString& parameters = {}, const MString& folder = {},
+                       bool waitForEnd = false);
+    /// Opens a web page; an address without a protocol gets "http://". Never throws: failures are logged.
+    static void ExecuteWWW(const MString& address) noexcept;
+    /// Opens a new mail. Never throws: failures are logged.
+    static void ExecuteMail(const MString& address, const MString& subject) noexcept;
 };
 
 /// Walks what a folder holds, sorted by name, as it was at construction.

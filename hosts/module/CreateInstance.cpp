@@ -2,11 +2,15 @@
 #include "hosts/module/CreateInstance.h"
 
 #include "effect/TonalignInterface.h"
+#include "resources/RegisterResources.h"
 
-std::unique_ptr<MQuorvaneAudioEffectPlugin> CreateInstance()
+std::unique_ptr<MQuorvaneAudioEffectPlugin> CreateInstance(StartingSettings starting)
 {
+    StartModuleWithResources();
     auto plugin = std::make_unique<MQuorvaneAudioEffectPlugin>();
     plugin->Initialize("TonalignLinearPhase", "Quorvane", &TonalignAudioEffectPluginInterface, 800, 560);
+    if (starting == StartingSettings::OfTheUser)
+        plugin->LoadDefaultSettings();
     return plugin;
 }
 

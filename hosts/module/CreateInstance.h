@@ -6,8 +6,15 @@
 #include "effect/TonalignAudioEffectPlugin.h"
 #include "plugin/driver/MQuorvaneAudioEffectPlugin.h"
 
+enum class StartingSettings
+{
+    OfTheUser,   ///< those that the user has made the default, where there are any
+    OfTheSystem   ///< always the same: for scripts
+};
+
 /// A new plug-in object with its effect. Throws MException "Error creating plugin.". Main thread.
-std::unique_ptr<MQuorvaneAudioEffectPlugin> CreateInstance();
+std::unique_ptr<MQuorvaneAudioEffectPlugin> CreateInstance(
+    StartingSettings starting = StartingSettings::OfTheUser);
 
 /// The effect of an object that CreateInstance made.
 TonalignAudioEffectPlugin& EffectOf(MQuorvaneAudioEffectPlugin& plugin);

@@ -7,7 +7,7 @@
 
 #include "foundation/text/MException.h"
 
-OfflineHost::OfflineHost() : plugin(CreateInstance())
+OfflineHost::OfflineHost() : plugin(CreateInstance(StartingSettings::OfTheSystem))
 {
     plugin->adapter = this;
     plugin->groupStride = 8;

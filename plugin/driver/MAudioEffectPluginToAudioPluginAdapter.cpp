@@ -4,8 +4,12 @@
 #include <algorithm>
 #include <limits>
 
+#include "foundation/module/MModule.h"
+#include "foundation/text/Boundary.h"
 #include "foundation/text/MException.h"
 #include "foundation/text/MStringFormat.h"
+#include "foundation/text/Translate.h"
+#include "state/presets/DefaultSettings.h"
 #include "state/tree/MAttribute.h"
 #include "state/tree/MStoreParams.h"
 
@@ -39,6 +43,23 @@ void MAudioEffectPluginToAudioPluginAdapter::Initialize(const MString& effectNam
     host->ConnectDriver(*this, -1);
     RebuildParameters();
     UpdateMaxBufferSize();
+    presets.prefix = name;
+    presets.name = name;
+    // Damaged ones leave the list empty: no reason to go without the plug-in.
+    AtBoundary("MAudioPlugin::Initialize", [this] { presets.ReadFactoryPresets(); });
+}
+
+void MAudioEffectPluginToAudioPluginAdapter::SetDefaultSettingsToCurrent()
+{
+    SaveDefaultSettings([this](const MStoreParams& params) { Store(params); });
+    if (presets.dialogs != nullptr)
+        presets.dialogs->ShowMessage(Translate("Default settings have successfuly been set."));
+}
+
+bool MAudioEffectPluginToAudioPluginAdapter::LoadDefaultSettings() noexcept
+{
+    return MModule::Main() != nullptr &&
+           ::LoadDefaultSettings([this](const MStoreParams& params) { Store(params); });
 }
 
 void MAudioEffectPluginToAudioPluginAdapter::BuildChannelNames()
@@ -227,9 +248,11 @@ void MAudioEffectPluginToAudioPluginAdapter::StoreSettings(const MStoreParams& p
     if (params.saving)
     {
         effect->SaveSettings(*params.item);
+        presets.StoreCurrentIndex(params);
         return;
     }
     effect->LoadSettings(*params.item);
+    presets.StoreCurrentIndex(params);
     interpolator.SkipNextRamp();
     InitProcessing();
     OnSettingsChanged();

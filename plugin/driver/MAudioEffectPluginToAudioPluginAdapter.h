@@ -6,6 +6,7 @@
 #include "plugin/contract/MAudioEffectPlugin.h"
 #include "plugin/contract/MPluginHost.h"
 #include "plugin/driver/MAudioPlugin.h"
+#include "state/presets/MPresetManagerT.h"
 
 /// Gives every effect what all of them share: parameters, stored settings, bypass, the road of its blocks.
 /// Owns the effect through its host object.
@@ -28,10 +29,17 @@ public:
     /// The settings of the standard layer, then StoreSettings, in both directions.
     void Store(const MStoreParams& params) override;
 
+    /// Makes the present settings those that every new instance starts with. Throws MException.
+    void SetDefaultSettingsToCurrent();
+    /// Takes them over. False when there are none, or none that can be read. Never throws.
+    bool LoadDefaultSettings() noexcept;
+
     MAudioEffectPlugin& Effect() { return *effect; }
     const MString& EffectName() const { return name; }
     const MString& MakerName() const { return maker; }
 
+    /// Presets of the whole state; the factory presets are the programs that a host sees.
+    MPresetManagerT<MAudioEffectPluginToAudioPluginAdapter> presets{ *this };
     std::int32_t version = FirstVersion;
     std::int32_t maxLFOBlockSize = 256;   ///< the finest step in which modulators are followed
 

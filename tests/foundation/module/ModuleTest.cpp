@@ -1,0 +1,355 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <span>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "foundation/containers/MEventBase.h"
+#include "foundation/module/Configuration.h"
+#include "foundation/module/MLocale.h"
+#include "foundation/module/MModule.h"
+#include "foundation/streams/MFile.h"
+#include "foundation/text/MException.h"
+#include "state/tree/XML.h"
+
+namespace
+{
+namespace fs = std::filesystem;
+
+const std::string& TestFolder()
+{
+    static const std::string folder = std::getenv("TONALIGN_TEST_FOLDER");
+    return folder;
+}
+
+std::string MessageOf(auto&& operation)
+{
+    try
+    {
+        operation();
+    }
+    catch (const MException& error)
+    {
+        return error.Message.ToUTF8();
+    }
+    return "nothing thrown";
+}
+
+// Sets a variable of the environment for as long as it lives; null takes it away.
+class Variable
+{
+public:
+    Variable(const char* variable, const char* value) : name(variable)
+    {
+        if (const char* previous = std::getenv(variable))
+            old = previous;
+        else
+            wasSet = false;
+        value != nullptr ? setenv(variable, value, 1) : unsetenv(variable);
+    }
+    ~Variable() { wasSet ? setenv(name, old.c_str(), 1) : unsetenv(name); }
+    Variable(const Variable&) = delete;
+    Variable& operator=(const Variable&) = delete;
+
+private:
+    const char* name;
+    std::string old;
+    bool wasSet = true;
+};
+
+TEST(SpecialFolders, FollowTheDesktopsRules)
+{
+    const std::string home = TestFolder() + "/someone";
+    fs::create_directories(home + "/conf");
+    std::ofstream(home + "/conf/user-dirs.dirs") << "# a comment\nXDG_DESKTOP_DIR=\"$HOME/Schreibtisch\"\n"
+                                                    "XDG_DOCUMENTS_DIR=\"/data/papers/\"\n";
+    const Variable setHome("HOME", home.c_str());
+    const Variable setConfig("XDG_CONFIG_HOME", (home + "/conf").c_str());
+    struct Row
+    {
+        const char* variable;
+        const char* value;
+        int kind;
+        std::string folder;
+    };
+    const Row rows[] = {
+        { "XDG_DATA_DIRS", "/opt/share/:/usr/share", 0, "/opt/share/Quorvane" },
+        { "XDG_DATA_DIRS", nullptr, 0, "/usr/local/share/Quorvane" },
+        { "XDG_DATA_DIRS", "relative", 0, "/usr/local/share/Quorvane" },
+        { "XDG_DATA_HOME", "/x/../y//", 1, "/y/Quorvane" },
+        { "XDG_DATA_HOME", nullptr, 1, home + "/.local/share/Quorvane" },
+        { "XDG_DATA_HOME", "relative", 1, home + "/.local/share/Quorvane" },
+        { "XDG_DATA_HOME", "/d", 10, "/d/applications" },
+        { "UNRELATED", "", 2, home },
+        { "UNRELATED", "", 3, "/data/papers" },
+        { "UNRELATED", "", 4, "/data/papers" },
+        { "XDG_CONFIG_HOME", "/nowhere", 4, home + "/Documents" },
+        { "UNRELATED", "", 11, home + "/Schreibtisch" },
+        { "UNRELATED", "", 12, home + "/Schreibtisch" },
+        { "UNRELATED", "", 13, "/" },
+        { "UNRELATED", "", 14, "/usr/share/fonts" },
+        { "TMPDIR", home.c_str(), 15, home },
+        { "TMPDIR", "/does/not/exist", 15, fs::is_directory("/tmp") ? "/tmp" : "/temp" },
+    };
+    for (const Row& row : rows)
+    {
+        SCOPED_TRACE(std::to_string(row.kind) + " with " + row.variable);
+        const Variable set(row.variable, row.value);
+        EXPECT_EQ(MFile::GetSpecialFolder(row.kind).ToUTF8(), row.folder);
+    }
+    EXPECT_EQ(MessageOf([] { MFile::GetSpecialFolder(16); }),
+              "Could not retrieve system path. Invalid argument");
+}
+
+TEST(MModuleTest, FindsItselfAndMakesItsDataFolder)
+{
+    MModule& module = StartModule();
+    EXPECT_EQ(&module, &StartModule());
+    EXPECT_EQ(module.modulePath.ToUTF8(), fs::read_symlink("/proc/self/exe").string());
+    EXPECT_EQ(module.productName.ToUTF8(), "test_foundation_module");
+    const std::string base = std::string(std::getenv("XDG_DATA_HOME")) + "/Quorvane";
+    for (const auto& [got, wanted] : { std::pair{ module.GetDataPath(), base + "/test_foundation_module" },
+                                       std::pair{ MModule::GetGlobalDataPath(), base + "/Data" },
+                                       std::pair{ MModule::GetDataPath("//a/../b//c/"), base + "/b/c" } })
+    {
+        EXPECT_EQ(got.ToUTF8(), wanted);
+        EXPECT_TRUE(fs::is_directory(wanted));
+    }
+    Module second;   // never takes the place of the first
+    EXPECT_EQ(MModule::Main(), &module);
+}
+
+TEST(MModuleTest, RefusesLibrariesThatAreNoneOfTheFamily)
+{
+    MModule& module = StartModule();
+    EXPECT_EQ(MessageOf([&] { module.DLLLoaded({}); }), "Dynamic link library has not been loaded.");
+    MDynamicLibrary foreign = { "libz.so.1", dlopen("libz.so.1", RTLD_NOW) };
+    ASSERT_NE(foreign.handle, nullptr);
+    EXPECT_EQ(MessageOf([&] { module.DLLLoaded(foreign); }),
+              "The library does not support Quorvane service access.");
+    dlclose(foreign.handle);
+}
+
+// The shared lock stays for good, so that a process of its own takes it over.
+TEST(MModuleTest, ALoadersHooksAndLockReplaceOnesOwn)
+{
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0)
+    {
+        static MLock lock;
+        int marks[MLibraryPointers::FunctionCount] = {};
+        void* functions[MLibraryPointers::FunctionCount];
+        for (int index = 0; index < MLibraryPointers::FunctionCount; ++index)
+            functions[index] = &marks[index];
+        const MLibraryPointers pointers = { functions, &lock };
+        bool isRight = InitializeAsLibrary(&pointers) == 1 && &EventLock() == &lock;
+        for (int index = 0; index < MLibraryPointers::FunctionCount; ++index)
+            isRight = isRight && SharedFunction(index) == &marks[index];
+        _exit(isRight && SharedFunction(-1) == nullptr && SharedFunction(5) == nullptr ? 0 : 1);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+}
+
+TEST(MModuleTest, FindsTheStyleBesideItselfOrInTheCurrentFolder)
+{
+    Module module;
+    const fs::path folder = fs::path(TestFolder()) / "style";
+    fs::create_directories(folder / "elsewhere");
+    module.modulePath = MString::FromUTF8((folder / "module.so").string());
+    const fs::path old = fs::current_path();
+    fs::current_path(folder / "elsewhere");
+    EXPECT_EQ(MessageOf([&] { static_cast<void>(module.FindStyleFile()); }),
+              "No style definition has been found.");
+    std::ofstream(folder / "elsewhere/qstyle.qrf") << "x";
+    EXPECT_EQ(module.FindStyleFile().ToUTF8(), (folder / "elsewhere/qstyle.qrf").string());
+    std::ofstream(folder / "qstyle.qrf") << "x";
+    EXPECT_EQ(module.FindStyleFile().ToUTF8(), (folder / "qstyle.qrf").string());
+    fs::current_path(old);
+}
+
+TEST(Opening, HandsPagesAndMailsToTheDesktop)
+{
+    const fs::path folder = fs::path(TestFolder()) / "opener";
+    fs::create_directories(folder);
+    const std::string output = (folder / "opened").string();
+    std::ofstream(folder / "xdg-open")
+        << "#!/bin/sh\nprintf %s \"$1\" > '" + output + ".part'\nmv '" + output + ".part' '" + output + "'\n";
+    fs::permissions(folder / "xdg-open", fs::perms::owner_all);
+    const Variable path("PATH", (folder.string() + ":" + std::getenv("PATH")).c_str());
+    struct Row
+    {
+        void (*open)();
+        const char* given;
+    };
+    for (const Row& row : { Row{ [] { MFile::ExecuteWWW("www.example.org/?q='$HOME'"); },
+                                 "http://www.example.org/?q='$HOME'" },
+                            Row{ [] { MFile::ExecuteWWW("https://example.org"); }, "https://example.org" },
+                            Row{ [] { MFile::ExecuteMail("a@example.org", ""); }, "mailto: a@example.org" },
+                            Row{ [] { MFile::ExecuteMail("a@example.org", "It's; late"); },
+                                 "mailto: a@example.org?subject=It's; late" } })
+    {
+        fs::remove(output);
+        row.open();
+        for (int wait = 0; wait < 2000 && !fs::exists(output); ++wait)
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));   // the opener runs by itself
+        std::string content;
+        std::getline(std::ifstream(output), content);
+        EXPECT_EQ(content, row.given);
+    }
+}
+
+TEST(Opening, RunsAProgramInItsFolderAndAnswersItsExitCode)
+{
+    const fs::path folder = fs::path(TestFolder()) / "programs";
+    fs::create_directories(folder / "there");
+    std::ofstream(folder / "tool") << "#!/bin/sh\nprintf '%s|' \"$@\" > out\nexit 7\n";
+    fs::permissions(folder / "tool", fs::perms::owner_all);
+    const MString tool = MString::FromUTF8((folder / "tool").string());
+    const MString there = MString::FromUTF8((folder / "there").string());
+    EXPECT_EQ(MFile::Execute(tool, "one 'two three'", there, true), 7);
+    std::string content;
+    std::getline(std::ifstream(folder / "there/out"), content);
+    EXPECT_EQ(content, "one|two three|");
+}
+
+TEST(ConfigurationFiles, MissingAndBrokenOnesAreEmptyTrees)
+{
+    StartModule();
+    const fs::path shared = fs::path(std::getenv("XDG_DATA_HOME")) / "Quorvane/MPluginConfiguration.xml";
+    fs::remove(shared);
+    MAttribute tree("old");
+    tree.SetAttribute("stale", "1");
+    LoadPluginConfiguration(tree);
+    EXPECT_EQ(tree.Name().ToUTF8(), "Configuration");
+    EXPECT_EQ(tree.AttributeCount(), 0);
+    EXPECT_EQ(ReadPluginConfiguration().surround, 0);
+    EXPECT_TRUE(ReadPluginConfiguration().confirmationEnabled);
+
+    // What others keep in the file survives a change.
+    tree.SetAttribute("Foreign", "kept");
+    SavePluginConfiguration(tree);
+    WritePluginConfiguration({ .surround = 1, .confirmationEnabled = false });
+    EXPECT_EQ(ReadPluginConfiguration().surround, 1);
+    EXPECT_FALSE(ReadPluginConfiguration().confirmationEnabled);
+    LoadPluginConfiguration(tree);
+    EXPECT_EQ(tree.GetAttribute("Foreign").ToUTF8(), "kept");
+
+    for (const std::string broken : { "", "<Configuration", "<a></b>", "\x78\x9c garbage" })
+    {
+        std::ofstream(shared, std::ios::binary) << broken;
+        LoadPluginConfiguration(tree);
+        EXPECT_EQ(tree.Name().ToUTF8(), "Configuration") << broken;
+        EXPECT_EQ(tree.AttributeCount() + tree.SubItemCount(), 0) << broken;
+    }
+
+    MAttribute own;
+    own.GetSubItem("DefaultSettings").SetText("ABC");
+    SaveConfiguration(own);
+    EXPECT_TRUE(fs::exists(fs::path(std::getenv("XDG_DATA_HOME")) /
+                           "Quorvane/test_foundation_module/GlobalConfiguration.xml"));
+    LoadConfiguration(tree);
+    EXPECT_EQ(tree.GetSubItem("DefaultSettings").Text().ToUTF8(), "ABC");
+}
+
+// Every file that a reader meets while two processes write is a whole one of one of them.
+TEST(ConfigurationFiles, AreNeverBrokenWhileTwoProcessesWrite)
+{
+    StartModule();
+    constexpr int roundCount = 60;
+    constexpr int itemCount = 300;
+    const auto write = [](int writer)
+    {
+        for (int round = 0; round < roundCount; ++round)
+        {
+            MAttribute tree;
+            for (int item = 0; item < itemCount; ++item)
+                tree.AddSubItem("item").SetAttribute("writer", MString::FromInt(writer * roundCount + round));
+            SavePluginConfiguration(tree);
+        }
+    };
+    write(0);
+    std::vector<pid_t> writers;
+    for (int writer = 1; writer <= 2; ++writer)
+    {
+        const pid_t child = fork();
+        ASSERT_GE(child, 0);
+        if (child == 0)
+        {
+            try
+            {
+                write(writer);
+            }
+            catch (...)
+            {
+                _exit(1);
+            }
+            _exit(0);
+        }
+        writers.push_back(child);
+    }
+    const MString path = MFile::GetSpecialFolder(MFile::UserData) + "/MPluginConfiguration.xml";
+    int running = 2;
+    std::string last;
+    int readCount = 0;
+    while (running > 0 || readCount == 0)
+    {
+        int status = 0;
+        while (running > 0 && waitpid(-1, &status, WNOHANG) > 0)
+        {
+            EXPECT_EQ(status, 0);
+            --running;
+        }
+        MAttribute tree;
+        LoadXML(tree, path);   // throws for anything that is broken
+        ++readCount;
+        ASSERT_EQ(tree.SubItemCount(), itemCount);
+        last = tree.SubItemAt(0).GetAttribute("writer").ToUTF8();
+        for (int item = 0; item < itemCount; ++item)
+            ASSERT_EQ(tree.SubItemAt(item).GetAttribute("writer").ToUTF8(), last);
+    }
+    // The last of the two writes of either process.
+    EXPECT_TRUE(last == std::to_string(2 * roundCount - 1) || last == std::to_string(3 * roundCount - 1))
+        << last;
+    for (const fs::directory_entry& entry : fs::directory_iterator(fs::path(path.ToUTF8()).parent_path()))
+        EXPECT_NE(entry.path().extension(), ".tmp") << entry.path();
+}
+
+TEST(Locale, CodesAreUniqueTwoLetterCodesWithTheirNames)
+{
+    const auto check = [](std::span<const char* const> codes, std::span<const char* const> labels,
+                          const std::map<std::string, std::string>& known)
+    {
+        ASSERT_EQ(codes.size(), labels.size());
+        EXPECT_STREQ(codes[0], "");
+        std::map<std::string, std::string> table;
+        for (std::size_t index = 1; index < codes.size(); ++index)
+        {
+            EXPECT_EQ(std::string(codes[index]).size(), 2u);
+            EXPECT_GT(std::string(labels[index]).size(), 2u);
+            table[codes[index]] = labels[index];
+        }
+        EXPECT_EQ(table.size(), codes.size() - 1);
+        for (const auto& [code, label] : known)
+            EXPECT_EQ(table[code], label);
+    };
+    check(MLocale::LanguageCodes, MLocale::LanguageLabels,
+          { { "SQ", "Albanian" }, { "DE", "German" }, { "ZU", "Zulu" }, { "CY", "Welsh" } });
+    check(MLocale::CountryCodes, MLocale::CountryLabels,
+          { { "ZW", "Zimbabwe" }, { "AT", "Austria" }, { "US", "United States" }, { "NO", "Norway" } });
+    // ISO 639-1 has 184 codes with the deprecated ones that are still in use, ISO 3166-1 249.
+    EXPECT_EQ(std::size(MLocale::LanguageCodes), 185u);
+    EXPECT_EQ(std::size(MLocale::CountryCodes), 250u);
+}
+}   // namespace

@@ -1,0 +1,152 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "foundation/module/MResourceTable.h"
+#include "foundation/text/MException.h"
+
+namespace
+{
+std::string Word(std::uint32_t value)
+{
+    std::string bytes;
+    for (int shift = 0; shift < 32; shift += 8)
+        bytes += static_cast<char>(value >> shift & 0xFF);
+    return bytes;
+}
+
+std::string Compressed(const std::string& content)
+{
+    MMemoryStream target;
+    MZLibStream stream(&target, MZLibStream::Direction::Compress);
+    stream.Write(content.data(), static_cast<std::int32_t>(content.size()));
+    stream.Finish();
+    return { reinterpret_cast<const char*>(target.Block().Data()),
+             static_cast<std::size_t>(target.Block().Size()) };
+}
+
+std::string Block(const std::string& description, const std::string& data)
+{
+    return Word(0) + Word(static_cast<std::uint32_t>(description.size())) +
+           Word(static_cast<std::uint32_t>(data.size())) + description + data;
+}
+
+std::string Entry(const std::string& element, const std::string& id, std::size_t offset, std::size_t size,
+                  const std::string& more = {})
+{
+    return "<" + element + " id=\"" + id + "\" offset=\"" + std::to_string(offset) + "\" size=\"" +
+           std::to_string(size) + "\" " + more + "/>";
+}
+
+std::string Solution(const std::string& entries)
+{
+    return "<?xml version=\"1.0\"?><solution><resources>" + entries + "</resources></solution>";
+}
+
+std::string ReadAll(MStream& stream)
+{
+    std::string content;
+    char buffer[7];
+    while (const std::int32_t got = stream.Read(buffer, sizeof buffer))
+        content.append(buffer, static_cast<std::size_t>(got));
+    return content;
+}
+
+void ReadBoth(const std::string& block, auto&& check)
+{
+    MResourceTable fromMemory;
+    fromMemory.Read(block.data(), static_cast<std::int32_t>(block.size()));
+    check(fromMemory);
+    MResourceTable fromStream;
+    MMemoryStream stream = MMemoryStream::Borrow(block.data(), static_cast<std::int32_t>(block.size()));
+    fromStream.Read(stream);
+    check(fromStream);
+}
+
+TEST(ResourceTable, GivesEachEntryItsBytesAgainAndAgain)
+{
+    const std::string packed = Compressed("a text that is compressed compressed compressed");
+    const std::string data = "logo!" + packed + "EQ";
+    const std::string block =
+        Block(Solution("<xresource id=\"style\" filename=\"style.qrf\"/>" + Entry("resource", "logo", 0, 5) +
+                       Entry("resourceMultiBand", "packed", 5, packed.size(), "compressed=\"1\"") +
+                       Entry("resourceEq", "Eq", data.size() - 2, 2) + Entry("resource", "logo", 1, 1)),
+              data);
+    ReadBoth(block,
+             [](MResourceTable& table)
+             {
+                 EXPECT_EQ(table.ResourceCount(), 4);
+                 EXPECT_EQ(table.Find("style"), nullptr);
+                 for (int round = 0; round < 2; ++round)
+                 {
+                     EXPECT_EQ(ReadAll(table.Get("logo").Content()), "logo!");
+                     EXPECT_EQ(ReadAll(table.Get("packed").Content()),
+                               "a text that is compressed compressed compressed");
+                     EXPECT_EQ(ReadAll(table.Get("Eq").PlainBytes()), "EQ");
+                 }
+             });
+}
+
+TEST(ResourceTable, SaysWhatItDoesNotHave)
+{
+    const std::string block = Block(Solution(Entry("resource", "logo", 0, 1, "compressed=\"1\"")), "x");
+    MResourceTable table;
+    table.Read(block.data(), static_cast<std::int32_t>(block.size()));
+    try
+    {
+        table.Get("Logo");
+        FAIL();
+    }
+    catch (const MException& error)
+    {
+        EXPECT_EQ(error.Message.ToUTF8(), "Cannot find requested resource (Logo).");
+    }
+    try
+    {
+        table.Get("logo").PlainBytes();
+        FAIL();
+    }
+    catch (const MException& error)
+    {
+        EXPECT_EQ(error.Message.ToUTF8(), "Attempt to attach compressed resource using memory-stream.");
+    }
+}
+
+TEST(ResourceTable, StaysEmptyWithoutAHeaderAndAfterABrokenBlock)
+{
+    const std::string whole = Block(Solution(Entry("resource", "logo", 0, 5)), "logo!");
+    for (std::size_t size = 0; size < whole.size(); ++size)
+    {
+        SCOPED_TRACE(size);
+        // Exactly as many bytes as there are: the sanitizer sees whoever reads on.
+        const std::vector<char> cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size));
+        MResourceTable table;
+        if (size < 12)
+            EXPECT_NO_THROW(table.Read(cut.data(), static_cast<std::int32_t>(size)));
+        else
+            EXPECT_THROW(table.Read(cut.data(), static_cast<std::int32_t>(size)), MException);
+        EXPECT_TRUE(table.IsEmpty());
+        MMemoryStream stream = MMemoryStream::Borrow(cut.data(), static_cast<std::int32_t>(size));
+        if (size < 12)
+            EXPECT_NO_THROW(table.Read(stream));
+        else
+            EXPECT_THROW(table.Read(stream), MException);
+        EXPECT_TRUE(table.IsEmpty());
+    }
+    for (const std::string& hostile :
+         { Word(0) + Word(0x7FFFFFFF) + Word(0), Word(0) + Word(0xFFFFFFFF) + Word(1),
+           Word(0) + Word(3) + Word(0x7FFFFFFF) + "<a/>", Block("", "data"), Block("<!-- nothing -->", ""),
+           Block(Solution(Entry("resource", "a", 0, 6)), "logo!"),
+           Block(Solution("<resource id=\"a\" offset=\"-1\" size=\"1\"/>"), "logo!"),
+           Block(Solution("<resource id=\"a\" offset=\"9223372036854775807\" size=\"9223372036854775807\"/>"),
+                 "logo!") })
+    {
+        MResourceTable table;
+        EXPECT_THROW(table.Read(hostile.data(), static_cast<std::int32_t>(hostile.size())), MException);
+        EXPECT_TRUE(table.IsEmpty());
+    }
+}
+}   // namespace

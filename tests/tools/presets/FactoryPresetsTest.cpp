@@ -1,0 +1,167 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <algorithm>
+#include <cmath>
+#include <complex>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <numbers>
+#include <set>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "foundation/streams/MMemoryStream.h"
+#include "foundation/text/MException.h"
+#include "hosts/offline/OfflineHost.h"
+#include "state/tree/XML.h"
+#include "tools/presets/FactoryPresets.h"
+
+namespace
+{
+std::string SourceFile(const char* name)
+{
+    std::ifstream file(std::string(std::getenv("TONALIGN_SOURCE_DIR")) + "/resources/" + name,
+                       std::ios::binary);
+    return { std::istreambuf_iterator<char>(file), {} };
+}
+
+std::string Written(const MAttribute& tree)
+{
+    MMemoryStream stream;
+    WriteXML(tree, stream, true, "utf-8");
+    return { reinterpret_cast<const char*>(stream.Block().Data()),
+             static_cast<std::size_t>(stream.Block().Size()) };
+}
+
+TEST(FactoryPresets, TheKeptFileIsWhatTheDescriptionMakes)
+{
+    MAttribute made;
+    MakeFactoryPresets(ParseFactoryPresets(SourceFile("presets.txt"), "presets.txt"), made);
+    EXPECT_EQ(Written(made), SourceFile("presets.xml"))
+        << "run make_presets resources/presets.txt resources/presets.xml";
+}
+
+TEST(FactoryPresets, AreTheProgramsAndPutTheirBandsIntoThePlugIn)
+{
+    const std::vector<FactoryPreset> described =
+        ParseFactoryPresets(SourceFile("presets.txt"), "presets.txt");
+    const auto plugin = CreateInstance();
+    ASSERT_GE(described.size(), 24u);
+    ASSERT_EQ(plugin->presets.FactoryPresetCount(), static_cast<int>(described.size()));
+    std::set<std::string> names;
+    // What isn't the preset's business stays.
+    EffectOf(*plugin).TargetAnalysisDefined = true;
+    plugin->agc = 1;
+    plugin->bypass = false;
+    for (int index = 0; index < plugin->presets.FactoryPresetCount(); ++index)
+    {
+        const FactoryPreset& preset = described[static_cast<std::size_t>(index)];
+        SCOPED_TRACE(preset.name);
+        EXPECT_EQ(plugin->presets.FactoryPresetName(index).ToUTF8(), preset.name);
+        EXPECT_TRUE(names.insert(preset.name).second);
+        ASSERT_TRUE(plugin->presets.LoadFactoryPreset(index));
+        EXPECT_EQ(plugin->presets.CurrentPresetIndex(), index);
+        for (std::int32_t number = 0; number < MEqualizerBase::BandCount; ++number)
+        {
+            const BandPoint& band = EffectOf(*plugin).equalizer.Band(number);
+            const bool isUsed = static_cast<std::size_t>(number) < preset.bands.size();
+            ASSERT_EQ(band.enabled, isUsed);
+            if (!isUsed)
+                continue;
+            const BandSpec& wanted = preset.bands[static_cast<std::size_t>(number)];
+            const BandSpec got = BandSpecOf(band);
+            EXPECT_EQ(got.type, wanted.type);
+            EXPECT_EQ(got.order, wanted.order);
+            EXPECT_NEAR(got.frequencyHz / wanted.frequencyHz, 1,
+                        1e-9);   // 12 digits of the logarithm are kept
+            EXPECT_NEAR(got.gainDb, wanted.gainDb, 1e-9);
+            EXPECT_NEAR(got.q, wanted.q, 1e-5);   // 6 decimals are kept
+        }
+    }
+    EXPECT_TRUE(EffectOf(*plugin).TargetAnalysisDefined);
+    EXPECT_EQ(plugin->agc, 1);
+    EXPECT_FALSE(plugin->presets.LoadFactoryPreset(-1));
+    EXPECT_FALSE(plugin->presets.LoadFactoryPreset(plugin->presets.FactoryPresetCount()));
+}
+
+// The response of the whole plug-in to an impulse, by a plain sum at each frequency.
+TEST(FactoryPresets, SoundAsTheirNamesSay)
+{
+    constexpr double sampleRate = 48000;
+    constexpr std::int32_t frameCount = 1 << 16;
+    OfflineHost host;
+    host.Prepare(sampleRate, 1);
+    const auto gainsDb = [&](const std::string& name, const std::vector<double>& frequencies)
+    {
+        int index = 0;
+        while (host.Plugin().presets.FactoryPresetName(index).ToUTF8() != name)
+            if (++index >= host.Plugin().presets.FactoryPresetCount())
+                throw MException("No such preset.");
+        host.Plugin().presets.LoadFactoryPreset(index);
+        host.Prepare(sampleRate, 1);
+        AudioSampleBuffer input;
+        input.Allocate(1, frameCount);
+        std::fill_n(input.channelData[0], frameCount, 0.0f);
+        input.channelData[0][frameCount / 2] = 0.5f;
+        std::vector<float> output;
+        host.Render(input, 512,
+                    [&](const float* const* channels, std::int32_t frames)
+                    { output.insert(output.end(), channels[0], channels[0] + frames); });
+        std::vector<double> gains;
+        for (const double frequency : frequencies)
+        {
+            std::complex<double> sum = 0;
+            for (std::size_t frame = 0; frame < output.size(); ++frame)
+                sum += static_cast<double>(output[frame]) *
+                       std::polar(1.0, -2 * std::numbers::pi * frequency * static_cast<double>(frame) /
+                                           sampleRate);
+            gains.push_back(20 * std::log10(std::abs(sum) / 0.5));
+        }
+        return gains;
+    };
+    const std::vector<double> telephone = gainsDb("Telephone", { 60, 1500, 10000 });
+    EXPECT_LT(telephone[0], -40);
+    EXPECT_NEAR(telephone[1], 3, 3);
+    EXPECT_LT(telephone[2], -40);
+    const std::vector<double> hum = gainsDb("Mains hum 50 Hz", { 50, 75, 100, 150, 1000 });
+    for (const std::size_t harmonic : { 0u, 2u, 3u })
+        EXPECT_LT(hum[harmonic], -20);
+    EXPECT_NEAR(hum[1], 0, 1.5);
+    EXPECT_NEAR(hum[4], 0, 0.1);
+    const std::vector<double> up = gainsDb("Tilt up", { 40, 15000 });
+    EXPECT_LT(up[0], -1);
+    EXPECT_GT(up[1], 1);
+    const std::vector<double> down = gainsDb("Tilt down", { 40, 15000 });
+    EXPECT_NEAR(down[0], -up[0], 0.05);   // mirror images
+    EXPECT_NEAR(down[1], -up[1], 0.05);
+    EXPECT_NEAR(gainsDb("De-mud", { 320 })[0], -4.5, 1);   // its main band, and a little of the other
+}
+
+TEST(FactoryPresets, ADescriptionIsRefusedWithItsLine)
+{
+    struct Row
+    {
+        const char* text;
+        const char* message;
+    };
+    for (const Row& row :
+         { Row{ "[F]\nname", "list:2: expected [Folder] or Name = BAND ..." },
+           Row{ "= peak:100:1:1", "list:1: expected [Folder] or Name = BAND ..." },
+           Row{ "a = ", "list:1: expected 1 to 10 bands" },
+           Row{ "a = peak:100:1:1\n[F]\na = peak:100:1:1\na = peak:100:1:1", "list:4: \"a\" comes twice" },
+           Row{ "a = peak:10:1:1", "list:1: --band peak:10:1:1: frequency \"10\" is not 20 to 20000 Hz" } })
+    {
+        try
+        {
+            ParseFactoryPresets(row.text, "list");
+            FAIL() << row.text;
+        }
+        catch (const MException& error)
+        {
+            EXPECT_EQ(error.Message.ToUTF8(), row.message);
+        }
+    }
+}
+}   // namespace

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// make_presets DESCRIPTION OUTPUT: makes the file of factory presets. OUTPUT is kept in the repository.
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+
+#include "foundation/text/MException.h"
+#include "state/tree/XML.h"
+#include "tools/presets/FactoryPresets.h"
+
+int main(int argumentCount, char** arguments)
+{
+    if (argumentCount != 3)
+    {
+        std::fputs("usage: make_presets DESCRIPTION OUTPUT\n", stderr);
+        return 2;
+    }
+    try
+    {
+        std::ifstream file(arguments[1], std::ios::binary);
+        if (!file)
+            throw MException("Cannot read the description.");
+        const std::string text{ std::istreambuf_iterator<char>(file), {} };
+        MAttribute root;
+        MakeFactoryPresets(ParseFactoryPresets(text, arguments[1]), root);
+        SaveXML(root, MString::FromUTF8(arguments[2]), true, "utf-8");
+        return 0;
+    }
+    catch (const MException& error)
+    {
+        std::fprintf(stderr, "make_presets: %s\n", error.Message.ToUTF8().c_str());
+        return 1;
+    }
+}
