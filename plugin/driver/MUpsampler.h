@@ -12,9 +12,11 @@
 ///
 /// Up fills `UpSamples()` with the channel at the higher rate and clears `DownSamples()`, in which an effect
 /// leaves its result; Down brings that back. High quality filters with linear phase and adds
-/// LatencySamples() in all; plain filters with an order 20 Butterworth low-pass, whose delay isn't reported
-/// and whose attenuation at the image of 0.4535 of the host's rate is about 51 dB.
-/// Main thread initializes, audio thread processes; the owner keeps the two apart.
+/// LatencySamples() in all: within 0.001 dB up to 0.45 of the host's rate on each way, and more than 130 dB
+/// down from 0.55 on, where images and aliases of that band lie. Plain filters with a Butterworth low-pass of
+/// order 20 at 0.4535 of the host's rate, whose delay isn't reported; from 0.55 on it is 52 dB down at a
+/// factor of 2 and 37 dB at 4. Main thread initializes, audio thread processes; the owner keeps the two
+/// apart.
 class MUpsampler
 {
 public:
