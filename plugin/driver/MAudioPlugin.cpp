@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 
 #include "control/parameters/ParameterAdapters.h"
 #include "foundation/text/Boundary.h"
@@ -67,9 +68,13 @@ void MAudioPlugin::PrepareProcessing()
     modeOutputChannels = InfoOf(activeChannelMode).outputChannels;
     midSideEffect = InfoOf(activeChannelMode).midSide;
     if (activeChannelMode == ChannelMode::Surround)
-        modeInputChannels = std::min(
-            modeInputChannels,
-            static_cast<std::int32_t>(std::count(enabledChannels.begin(), enabledChannels.end(), true)));
+    {
+        // Of the channels that are there: the effect must not be promised more than the routing hands on.
+        const std::ptrdiff_t present = std::clamp<std::int32_t>(GroupWidth(), 0, 8);
+        modeInputChannels = std::min(modeInputChannels,
+                                     static_cast<std::int32_t>(std::count(
+                                         enabledChannels.begin(), enabledChannels.begin() + present, true)));
+    }
     inputsPerGroup = GetInputChannelsPerGroup();
     outputsPerGroup = GetOutputChannelsPerGroup();
     effectChannels = GetEffectChannels();

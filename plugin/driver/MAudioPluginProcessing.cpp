@@ -114,7 +114,9 @@ void MAudioPlugin::ProcessChannels(ChannelSet& inputs, ChannelSet& outputs, std:
 {
     PrepareForProcessingOnce();
     routing.Before(inputs.pointers, outputs.pointers, sampleCount);
-    RunEffect(inputs.pointers.data(), outputs.pointers.data(), sampleCount);
+    // With every channel of a surround group switched off there is nothing to hand to the effect.
+    if (activeChannelMode != ChannelMode::Surround || routing.EnabledCount() > 0)
+        RunEffect(inputs.pointers.data(), outputs.pointers.data(), sampleCount);
     routing.After(inputs.pointers, outputs.pointers, sampleCount);
 }
 
