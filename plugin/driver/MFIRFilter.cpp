@@ -17,7 +17,7 @@ void MFIRFilter::SetLowPass(double cutoffHz, double sampleRate, std::int32_t tap
     assert(std::has_single_bit(static_cast<std::uint32_t>(count - 1)) && count > 16);
     hop = count - 1;
     const std::int32_t length = 2 * hop;
-    transform = MFFT(std::bit_width(static_cast<std::uint32_t>(length)) - 1, FFTNoScaling);
+    transform = MFFT(std::countr_zero(static_cast<std::uint32_t>(length)), FFTNoScaling);
 
     MSignalWindowType window;
     window.Build(count, MSignalWindowType::Kaiser, false);
