@@ -129,6 +129,17 @@ void TonalignAudioEffectPlugin::OnParameterChange(std::int32_t index)
     UpdateAnalysisState(index == AverageLength || index == Overlap);
 }
 
+void TonalignAudioEffectPlugin::SetUpsamplingRatio(std::int32_t ratio)
+{
+    {
+        const MSynchronizerGuard guard(lock);
+        if (equalizer.upsamplingRatio == ratio)
+            return;
+        equalizer.upsamplingRatio = ratio;
+    }
+    description.RequestUpdate();
+}
+
 void TonalignAudioEffectPlugin::Update()
 {
     if (!(sampleRate > 0))

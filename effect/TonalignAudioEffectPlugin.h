@@ -48,6 +48,9 @@ public:
                  std::int32_t sampleCount) override;
     std::int32_t GetLatency() override { return equalizer.GetLatency(); }
     std::int32_t GetTailSize() override { return equalizer.GetTailSize(); }
+    void SetUpsamplingRatio(std::int32_t ratio) override;
+    /// Only the minimum-phase mode leaves it to the driver.
+    bool NeedsDownsamplingFilter() const override { return equalizer.mode == 0; }
     void OnParameterChange(std::int32_t index) override;
     void Update() override;
     void Store(const MStoreParams& params) override;

@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "foundation/text/MException.h"
+#include "foundation/text/MStringFormat.h"
 
 OfflineHost::OfflineHost() : plugin(CreateInstance(StartingSettings::OfTheSystem))
 {
@@ -26,11 +27,35 @@ void OfflineHost::ReportLatency()
     latencySamples = plugin->TotalLatency();
 }
 
+void OfflineHost::SetGroupWidth(std::int32_t channels)
+{
+    const std::int32_t width = channels > 2 ? 8 : 2;
+    if (width > 2)
+        plugin->channelMode = ChannelMode::Surround;
+    else if (plugin->channelMode == ChannelMode::Surround)
+        plugin->channelMode = ChannelMode::LeftAndRight;
+    if (width == plugin->channelsPerGroup)
+        return;
+    plugin->channelsPerGroup = width;
+    plugin->inputNames.Clear();
+    plugin->outputNames.Clear();
+    for (std::int32_t channel = 1; channel <= width; ++channel)
+    {
+        plugin->inputNames.Add(Format("In {0}", channel));
+        plugin->outputNames.Add(Format("Out {0}", channel));
+    }
+}
+
 void OfflineHost::Prepare(double sampleRate, std::int32_t channels)
 {
+    if (channels < 1 || channels > 8)
+        throw MException(Format("{0} channels can't be processed; 1 to 8 can.", channels),
+                         MErrorCode::InvalidArgument);
+    SetGroupWidth(channels);
     plugin->sampleRate = sampleRate;
     plugin->SetConnectedChannels(channels, channels);
     plugin->InitProcessing();
+    plugin->ResetUpsamplers();
 }
 
 bool OfflineHost::SetParameterById(const MString& id, double value)

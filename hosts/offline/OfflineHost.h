@@ -31,7 +31,8 @@ public:
     OfflineHost(const OfflineHost&) = delete;
     OfflineHost& operator=(const OfflineHost&) = delete;
 
-    /// Prepares the plug-in for a sample rate in Hz and 1 or 2 channels, with all audio forgotten.
+    /// Prepares the plug-in for a sample rate in Hz and 1 to 8 channels, with all audio forgotten. Above two
+    /// they are one group of surround, whatever the channel mode was; a stereo host has no such mode.
     void Prepare(double sampleRate, std::int32_t channels);
     /// Runs the input through in blocks of `blockFrames`. The plug-in must be prepared for its channels.
     void Render(const AudioSampleBuffer& input, std::int32_t blockFrames, const Sink& sink,
@@ -53,6 +54,8 @@ public:
     void ChangeEditorSize(std::int32_t, std::int32_t) override {}
 
 private:
+    void SetGroupWidth(std::int32_t channels);
+
     std::unique_ptr<MQuorvaneAudioEffectPlugin> plugin;
     std::int32_t latencySamples = 0;
 };

@@ -29,6 +29,13 @@ public:
     /// Samples that still come out after the input has ended.
     virtual std::int32_t GetTailSize() { return 0; }
     virtual void SetOption(std::int32_t) {}
+    /// The factor by which the effect runs above the host's rate and has to keep its own spectrum free of
+    /// what would alias on the way down; 1 where the driver filters. Main thread; in force at the next
+    /// Update.
+    virtual void SetUpsamplingRatio(std::int32_t) {}
+    /// Whether a driver that upsamples without its linear-phase filter has to filter the output before it
+    /// goes down. Audio thread, under `lock`.
+    virtual bool NeedsDownsamplingFilter() const { return true; }
 
     std::int32_t channelGroups = 0;
     MRelaxed<double> sampleRate = 0.0;

@@ -2,6 +2,7 @@
 #include "plugin/driver/ChannelRouting.h"
 
 #include <algorithm>
+#include <cstddef>
 
 #include "foundation/vector/VectorOperations.h"
 
@@ -71,7 +72,10 @@ bool FindChannelMode(const MString& longName, ChannelMode& mode)
 void ChannelRouting::Prepare(const Setup& newSetup)
 {
     setup = newSetup;
-    enabledCount = static_cast<std::int32_t>(std::count(setup.enabled.begin(), setup.enabled.end(), true));
+    // Of the channels that are there: a host may connect fewer than the mode has.
+    const std::ptrdiff_t present = std::clamp<std::int32_t>(setup.width, 0, 8);
+    enabledCount =
+        static_cast<std::int32_t>(std::count(setup.enabled.begin(), setup.enabled.begin() + present, true));
     dryLatency = 0;
     converted = false;
     if (InfoOf(setup.mode).inputChannels < 2)

@@ -2,6 +2,7 @@
 #include "plugin/driver/MAudioEffectPluginToAudioPluginAdapter.h"
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 
 #include "foundation/module/MModule.h"
@@ -117,6 +118,42 @@ void MAudioEffectPluginToAudioPluginAdapter::ProcessUpdate()
 {
     if (editorOpen)
         effect->ProcessUpdate();
+}
+
+namespace
+{
+// By the type of the parameter; those that have no decibels stay.
+void AddDecibels(MPluginParameterInfo& info, double decibels)
+{
+    if (info.type == ParameterType::Float)
+        info.number.value =
+            std::clamp(info.number.value + decibels, info.number.minimum, info.number.maximum);
+    else if (info.type == ParameterType::Integer)
+        info.integer.value = static_cast<std::int32_t>(std::lround(
+            std::clamp<double>(info.integer.value + decibels, info.integer.minimum, info.integer.maximum)));
+}
+}   // namespace
+
+bool MAudioEffectPluginToAudioPluginAdapter::SetAGC(double gainRatio)
+{
+    MPluginDescription& description = effect->description;
+    for (std::int32_t index = 0; index < description.parameterCount; ++index)
+    {
+        MPluginParameterInfo& info = description.parameters[index];
+        if (!info.Has(ParameterFlag::OutputGain))
+            continue;
+        if (gainRatio > 0 && std::isfinite(gainRatio))
+        {
+            AddDecibels(info, 20 * std::log10(gainRatio));
+            effect->OnParameterChange(index);
+            if (info.Has(ParameterFlag::NeedsUpdate))
+                description.RequestUpdate();
+            if (AutomationAdapter* adapterOfGain = automation.FindParameter(index))
+                RequestEditorUpdate(*adapterOfGain);
+        }
+        return true;
+    }
+    return false;
 }
 
 void MAudioEffectPluginToAudioPluginAdapter::PrepareProcessing()

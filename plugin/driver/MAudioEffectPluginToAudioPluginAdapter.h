@@ -26,6 +26,9 @@ public:
     std::int32_t GetLatency() override;
     std::int32_t GetTailSize() override;
     void ProcessUpdate() override;
+    /// On the first parameter that is marked as output gain. A ratio that isn't a positive number, as before
+    /// the first block, changes nothing.
+    bool SetAGC(double gainRatio) override;
     /// The settings of the standard layer, then StoreSettings, in both directions.
     void Store(const MStoreParams& params) override;
 
@@ -51,6 +54,7 @@ protected:
     virtual void StoreSettings(const MStoreParams& params);
 
     void PrepareProcessing() override;
+    bool NeedsDownFilter() const override { return effect->NeedsDownsamplingFilter(); }
     void Process(float** inputs, float** outputs, std::int32_t sampleCount) override;
     void ProcessingBegin(float* const* inputs, float* const* outputs, std::int32_t sampleCount,
                          bool replacing) override;

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 
 #include "control/parameters/ParameterAdapters.h"
 #include "foundation/text/Boundary.h"
@@ -67,12 +68,17 @@ void MAudioPlugin::PrepareProcessing()
     modeOutputChannels = InfoOf(activeChannelMode).outputChannels;
     midSideEffect = InfoOf(activeChannelMode).midSide;
     if (activeChannelMode == ChannelMode::Surround)
-        modeInputChannels = std::min(
-            modeInputChannels,
-            static_cast<std::int32_t>(std::count(enabledChannels.begin(), enabledChannels.end(), true)));
+    {
+        // Of the channels that are there: the effect must not be promised more than the routing hands on.
+        const std::ptrdiff_t present = std::clamp<std::int32_t>(GroupWidth(), 0, 8);
+        modeInputChannels = std::min(modeInputChannels,
+                                     static_cast<std::int32_t>(std::count(
+                                         enabledChannels.begin(), enabledChannels.begin() + present, true)));
+    }
     inputsPerGroup = GetInputChannelsPerGroup();
     outputsPerGroup = GetOutputChannelsPerGroup();
     effectChannels = GetEffectChannels();
+    PrepareUpsamplers();
 }
 
 void MAudioPlugin::InitProcessing()
@@ -95,8 +101,72 @@ void MAudioPlugin::InitProcessing()
             for (std::int32_t channel = 0; channel < inputsPerGroup; ++channel)
                 bypassDelay[static_cast<std::size_t>(group * channelsPerGroup + channel)].SetLength(
                     bypassDelayLength);
+        if (agcActive)
+            gainControl.Init(sampleRate, std::max(inputsPerGroup, outputsPerGroup), bypassDelayLength);
     }
     CheckLatency();
+}
+
+void MAudioPlugin::PrepareUpsamplers()
+{
+    if (upsamplingFactor < 2)
+        return;
+    const MUpsampler::Setup wanted = UpsamplerSetup();
+    const std::int32_t groups = std::max(GetInputGroups(), GetOutputGroups());
+    for (std::int32_t group = 0; group < groups; ++group)
+        for (std::int32_t channel = 0; channel < std::max(inputsPerGroup, outputsPerGroup); ++channel)
+        {
+            std::unique_ptr<MUpsampler>& upsampler =
+                upsamplers[static_cast<std::size_t>(group * channelsPerGroup + channel)];
+            if (!upsampler)
+                upsampler = std::make_unique<MUpsampler>();
+            if (!(upsampler->CurrentSetup() == wanted))
+                upsampler->Init(wanted);
+        }
+}
+
+void MAudioPlugin::SetUpsamplingFactor(std::int32_t factor)
+{
+    if (factor == upsamplingFactor)
+        return;
+    {
+        const MSynchronizerGuard processGuard(processLock);
+        const MSynchronizerGuard initGuard(initLock);
+        const MSynchronizerGuard settingsGuard(settingsLock);
+        upsamplingFactor = std::clamp(factor, 1, MaxUpsamplingFactor);
+        InitProcessing();
+        // What an upsampler still holds is from before it was last switched off.
+        ResetUpsamplers();
+    }
+}
+
+bool MAudioPlugin::UpsamplingIsPrepared() const
+{
+    return upsamplingFactor < 2 || (upsamplers[0] && upsamplers[0]->CurrentSetup() == UpsamplerSetup());
+}
+
+bool MAudioPlugin::SetAGC(double)
+{
+    return false;
+}
+
+void MAudioPlugin::ResetUpsamplers()
+{
+    const MSynchronizerGuard processGuard(processLock);
+    const MSynchronizerGuard settingsGuard(settingsLock);
+    for (const std::unique_ptr<MUpsampler>& upsampler : upsamplers)
+        if (upsampler)
+            upsampler->Reset();
+}
+
+std::int32_t MAudioPlugin::TotalTailSize()
+{
+    // Generous for both filter lengths, and for the plain filter, which rings for ever but inaudibly soon.
+    constexpr std::int32_t upsamplingTail = 16384;
+    const std::int32_t tail = GetTailSize();
+    if (tail < 0)
+        return -1;
+    return tail / upsamplingFactor + (upsamplingFactor >= 2 ? upsamplingTail : 0);
 }
 
 void MAudioPlugin::CheckLatency()

@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 #include "control/parameters/AutomationList.h"
@@ -12,7 +13,9 @@
 #include "plugin/driver/ChannelRouting.h"
 #include "plugin/driver/EditorUpdates.h"
 #include "plugin/driver/MAudioPluginAdapter.h"
+#include "plugin/driver/MAutomaticGainControl.h"
 #include "plugin/driver/MSampleQueue.h"
+#include "plugin/driver/MUpsampler.h"
 #include "plugin/driver/ParameterInterpolator.h"
 
 struct MStoreParams;
@@ -30,6 +33,7 @@ class MAudioPlugin : public MEventTarget, public AutomationOwner
 {
 public:
     static constexpr std::int32_t MaxChannels = 128;
+    static constexpr std::int32_t MaxUpsamplingFactor = 4;
 
     MAudioPlugin();
     ~MAudioPlugin() override = default;
@@ -71,7 +75,25 @@ public:
     virtual std::int32_t GetLatency() = 0;
     virtual std::int32_t GetTailSize() = 0;
     /// Samples that the host has to compensate.
-    std::int32_t TotalLatency() { return GetLatency() / upsamplingFactor; }
+    /// That of the effect is rounded down where the upsampling factor doesn't divide it.
+    std::int32_t TotalLatency()
+    {
+        return GetLatency() / upsamplingFactor + MUpsampler::LatencySamples(UpsamplerSetup());
+    }
+    /// Samples at the host's rate that still come out after the input has ended; -1 for an effect whose tail
+    /// has no end.
+    std::int32_t TotalTailSize();
+    /// Runs the effect at a multiple, 1 to 4, of the host's rate. Prepares processing when that is new. Main
+    /// thread.
+    void SetUpsamplingFactor(std::int32_t factor);
+    /// Forgets the audio in the upsamplers, for a start from silence. Main thread.
+    void ResetUpsamplers();
+    /// Adds a ratio, as decibels, to the output gain of the effect, as far as its range goes. False when the
+    /// effect has none. Main thread.
+    virtual bool SetAGC(double gainRatio);
+    /// The gain that the gain control applies now, as a ratio. Any thread.
+    double CurrentAGCGain() const { return gainControl.Gain(); }
+
     /// Tells the adapter when the latency isn't what was last reported.
     virtual void CheckLatency();
     virtual double GetOutputLimit() { return -1.0; }
@@ -106,7 +128,9 @@ public:
     bool outputsAccumulate = false;   ///< Process adds to its outputs
     bool noInPlace = true;   ///< Process must not get one buffer as input and output
     bool wantsTimeInfo = true;
-    std::int32_t upsamplingFactor = 1;
+    std::int32_t upsamplingFactor = 1;   ///< in force; see SetUpsamplingFactor
+    bool highQualityUpsampling = true;   ///< in force from the next InitProcessing on
+    MRelaxed<bool> agcActive = false;   ///< the gain control is in force
     MAudioPluginAdapter* adapter = nullptr;
     bool playing = false;
     MRelaxed<bool> bypass = false;
@@ -130,6 +154,10 @@ protected:
                                  bool replacing) = 0;
     virtual void ProcessingEnd(float* const*, float* const*, std::int32_t, bool) {}
     virtual void PrepareForProcessingOnce() {}
+    /// Whether the plain upsampling has to filter the effect's output; under `settingsLock`.
+    virtual bool NeedsDownFilter() const { return true; }
+    /// Whether the upsamplers are as the settings want them.
+    bool UpsamplingIsPrepared() const;
 
     std::int32_t maxProcessBlock = 0x7FFFFFFF;
     std::int32_t interpolationBlock = 256;
@@ -141,6 +169,7 @@ protected:
     std::int32_t effectChannels = 2;
     ChannelMode activeChannelMode = ChannelMode::LeftAndRight;
     bool midSideEffect = false;   // the effect's channels are mid and side
+    MAutomaticGainControl gainControl;
 
 private:
     struct ChannelSet
@@ -149,6 +178,17 @@ private:
     };
 
     void ProcessDirect(ChannelSet& inputs, ChannelSet& outputs, std::int32_t sampleCount, bool replacing);
+    void ProcessUpsampled(const ChannelSet& inputs, const ChannelSet& outputs, std::int32_t sampleCount,
+                          bool replacing);
+    ChannelSet FeedUpsamplers(const ChannelSet& inputs, std::int32_t sampleCount);
+    ChannelSet EffectOutputs(const ChannelSet& outputs);
+    void LimitOutputs(const ChannelSet& outputs, std::int32_t sampleCount);
+    MUpsampler::Setup UpsamplerSetup() const
+    {
+        return { .sampleRate = sampleRate, .factor = upsamplingFactor, .highQuality = highQualityUpsampling };
+    }
+    void PrepareUpsamplers();
+    void MeasureInput(const ChannelSet& inputs, std::int32_t sampleCount, std::int32_t inputGroups);
     void ProcessChannels(ChannelSet& inputs, ChannelSet& outputs, std::int32_t sampleCount);
     void RunEffect(float** inputs, float** outputs, std::int32_t sampleCount);
     void ProcessBypassed(const ChannelSet& inputs, const ChannelSet& outputs, std::int32_t sampleCount,
@@ -165,6 +205,7 @@ private:
     ChannelRouting routing;
     std::int32_t bypassDelayLength = 0;
     std::array<MSampleQueue, MaxChannels> bypassDelay;
+    std::array<std::unique_ptr<MUpsampler>, MaxChannels> upsamplers;   // made where a channel needs one
     std::vector<std::vector<float>> inputScratch;
     std::vector<std::vector<float>> outputScratch;
     std::vector<float> silentInput;

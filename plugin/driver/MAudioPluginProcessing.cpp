@@ -3,22 +3,13 @@
 #include <algorithm>
 
 #include "foundation/vector/VectorOperations.h"
+#include "plugin/driver/GrowBuffer.h"
 #include "plugin/driver/MAudioPlugin.h"
 
 namespace
 {
 // Keeps recursions out of denormal numbers, whatever the processor's control flags say.
 constexpr float denormalGuard = 1e-15f;
-
-// Grows to the next power of two and keeps its memory.
-void GrowBuffer(std::vector<float>& buffer, std::int32_t sampleCount)
-{
-    std::size_t size = std::max<std::size_t>(buffer.size(), 2);
-    while (size < static_cast<std::size_t>(sampleCount))
-        size *= 2;
-    if (size > buffer.size())
-        buffer.resize(size);
-}
 }   // namespace
 
 float** MAudioPlugin::Scratch(std::vector<std::vector<float>>& buffers, ChannelSet& pointers,
@@ -75,7 +66,14 @@ void MAudioPlugin::ProcessBlock(float* const* inputs, float* const* outputs, std
         return;
     }
     ProcessingBegin(in.pointers.data(), out.pointers.data(), sampleCount, replacing);
-    ProcessDirect(in, out, sampleCount, replacing);
+    if (agcActive)
+        MeasureInput(in, sampleCount, inputGroups);
+    if (upsamplingFactor == 1 || inputs == nullptr)
+        ProcessDirect(in, out, sampleCount, replacing);
+    else
+        ProcessUpsampled(in, out, sampleCount, replacing);
+    if (agcActive)
+        gainControl.Process(out.pointers.data(), sampleCount, outputsPerGroup);
     ProcessingEnd(in.pointers.data(), out.pointers.data(), sampleCount, replacing);
 }
 
@@ -116,7 +114,9 @@ void MAudioPlugin::ProcessChannels(ChannelSet& inputs, ChannelSet& outputs, std:
 {
     PrepareForProcessingOnce();
     routing.Before(inputs.pointers, outputs.pointers, sampleCount);
-    RunEffect(inputs.pointers.data(), outputs.pointers.data(), sampleCount);
+    // With every channel of a surround group switched off there is nothing to hand to the effect.
+    if (activeChannelMode != ChannelMode::Surround || routing.EnabledCount() > 0)
+        RunEffect(inputs.pointers.data(), outputs.pointers.data(), sampleCount);
     routing.After(inputs.pointers, outputs.pointers, sampleCount);
 }
 

@@ -3,12 +3,14 @@
 
 #include <algorithm>
 
+#include "foundation/text/Boundary.h"
 #include "state/tree/MAttribute.h"
 #include "state/tree/MStoreParams.h"
 
 namespace
 {
-void StoreNumber(const MStoreParams& params, const MString& key, std::int32_t& value, std::int32_t minimum,
+template <typename Number>
+void StoreNumber(const MStoreParams& params, const MString& key, Number& value, std::int32_t minimum,
                  std::int32_t maximum)
 {
     if (params.saving)
@@ -19,16 +21,107 @@ void StoreNumber(const MStoreParams& params, const MString& key, std::int32_t& v
 }
 }   // namespace
 
+/// The gain control on for a scope, whatever ends it.
+class MQuorvaneAudioEffectPlugin::AGCScope
+{
+public:
+    AGCScope(MQuorvaneAudioEffectPlugin& controlled, double windowSeconds)
+        : plugin(controlled), windowBefore(plugin.gainControl.windowSeconds)
+    {
+        plugin.gainControl.windowSeconds = windowSeconds;
+        plugin.agc = 1;
+        plugin.InitProcessing();
+    }
+    ~AGCScope()
+    {
+        plugin.gainControl.windowSeconds = windowBefore;
+        plugin.agc = 0;
+        plugin.OnAGCChange();
+    }
+    AGCScope(const AGCScope&) = delete;
+    AGCScope& operator=(const AGCScope&) = delete;
+
+private:
+    MQuorvaneAudioEffectPlugin& plugin;
+    double windowBefore;
+};
+
+void MQuorvaneAudioEffectPlugin::PrepareProcessing()
+{
+    agcActive = agc != 0;
+    MAudioEffectPluginToAudioPluginAdapter::PrepareProcessing();
+}
+
+void MQuorvaneAudioEffectPlugin::UpdateUpsamplingFactor() noexcept
+{
+    AtBoundary("UpdateUpsamplingFactor",
+               [this]
+               {
+                   const std::int32_t factor = upsampling;
+                   Effect().SetUpsamplingRatio(highQualityUpsampling ? 1 : factor);
+                   SetUpsamplingFactor(factor);
+                   if (!UpsamplingIsPrepared())
+                       InitProcessing();
+               });
+}
+
+void MQuorvaneAudioEffectPlugin::OnAGCChange() noexcept
+{
+    AtBoundary("MSpecialEventTarget::OnAGCChange", [this] { InitProcessing(); });
+}
+
+bool MQuorvaneAudioEffectPlugin::ComputeAGC(const AGCHooks& hooks)
+{
+    constexpr std::int32_t steps = 40;
+    constexpr std::int32_t stepMs = 100;
+    if (agcActive)
+        return SetAGC(CurrentAGCGain());
+    const AGCScope scope(*this, gainControl.windowSeconds);
+    for (std::int32_t step = 0; step < steps; ++step)
+    {
+        if (hooks.progress && !hooks.progress("Computing optimal output gain using AGC", step, steps))
+            return false;
+        hooks.wait(stepMs);
+    }
+    return SetAGC(CurrentAGCGain());
+}
+
+std::int32_t MQuorvaneAudioEffectPlugin::ComputeAGCOfPresets(const PresetBank& bank, const AGCHooks& hooks)
+{
+    constexpr double windowSeconds = 3;
+    constexpr std::int32_t presetMs = 5000;
+    const AGCScope scope(*this, windowSeconds);
+    for (std::int32_t index = 0; index < bank.count; ++index)
+    {
+        if (hooks.progress && !hooks.progress("Processing presets", index, bank.count))
+            return index;
+        bank.load(index);
+        // The preset keeps its own choice; what was measured for the one before is nothing to it.
+        const std::int32_t ownChoice = agc;
+        agc = 1;
+        InitProcessing();
+        hooks.wait(presetMs);
+        SetAGC(CurrentAGCGain());
+        agc = ownChoice;
+        bank.store(index);
+    }
+    return bank.count;
+}
+
 void MQuorvaneAudioEffectPlugin::Store(const MStoreParams& params)
 {
     // The audio thread drops its blocks meanwhile, rather than see settings half read.
     const MSynchronizerGuard processGuard(processLock);
     const MSynchronizerGuard initGuard(initLock);
     const MSynchronizerGuard settingsGuard(settingsLock);
-    StoreNumber(params, "upsampling", upsampling, 1, 4);
+    StoreNumber(params, "upsampling", upsampling, 1, MaxUpsamplingFactor);
+    std::int32_t highQuality = params.saving && !highQualityUpsampling ? 0 : 1;
+    StoreNumber(params, "hqupsampling", highQuality, 0, 1);
     if (!params.saving)
-        highQualityUpsampling = 1;
-    StoreNumber(params, "hqupsampling", highQualityUpsampling, 0, 1);
+    {
+        highQualityUpsampling = highQuality != 0;
+        UpdateUpsamplingFactor();
+    }
     StoreNumber(params, "AGC", agc, 0, 1);
     StoreNumber(params, "PresetIndex", presetIndex, 0, 7);
     MAudioEffectPluginToAudioPluginAdapter::Store(params);

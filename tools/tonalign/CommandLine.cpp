@@ -3,6 +3,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "tools/tonalign/ChannelModeName.h"
 #include "tools/tonalign/HelpTexts.h"
 #include "tools/tonalign/Options.h"
 
@@ -29,6 +30,7 @@ public:
 
 const std::map<std::string, std::int32_t> algorithmNames{ { "default", 0 }, { "optimized", 1 } };
 const std::map<std::string, std::int32_t> modeNames{ { "normal", 0 }, { "linear", 1 }, { "fft", 2 } };
+const std::map<std::string, bool> qualityNames{ { "plain", false }, { "high", true } };
 const std::map<std::string, FileFormat> formatNames{ { "wav", FileFormat::Wav },
                                                      { "flac", FileFormat::Flac },
                                                      { "aiff", FileFormat::Aiff } };
@@ -146,6 +148,11 @@ private:
         command.add_option("--dry-wet", options.dryWetPercent)->check(RangeCheck(0, 100));
         command.add_option("--gain", options.gainDb)->check(RangeCheck(-24, 24));
         command.add_option("--saturation", options.saturationPercent)->check(RangeCheck(0, 100));
+        command.add_option("--upsampling", options.upsampling)->check(CLI::Range(1, 4));
+        command.add_option("--upsampling-quality", options.highQualityUpsampling)
+            ->transform(CLI::CheckedTransformer(qualityNames));
+        command.add_flag("--agc", options.agc);
+        command.add_option("--channel-mode", channelModeText);
     }
 
     void AddOutput(CLI::App& command, bool required)
@@ -163,7 +170,15 @@ private:
 
 public:
     std::vector<std::string> bandTexts;
+    std::string channelModeText;
 };
+
+ChannelMode ParseChannelMode(const std::string& text)
+{
+    if (const std::optional<ChannelMode> mode = ChannelModeOf(text))
+        return *mode;
+    throw UsageError{ "--channel-mode: \"" + text + "\" is none of " + ChannelModeChoices() };
+}
 
 void CheckCombinations(const Options& options)
 {
@@ -184,6 +199,8 @@ Options ParseCommandLine(int argumentCount, const char* const* arguments)
     parser.Parse(argumentCount, arguments);
     for (const std::string& text : parser.bandTexts)
         options.bands.push_back(ParseBandSpec(text));
+    if (!parser.channelModeText.empty())
+        options.channelMode = ParseChannelMode(parser.channelModeText);
     CheckCombinations(options);
     return options;
 }

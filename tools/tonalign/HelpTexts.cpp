@@ -17,7 +17,13 @@
     "                          forward and backward; fft: linear phase by spectra (linear)\n"                \
     "  --dry-wet PERCENT       share of the equalized sound, 0 to 100 (100)\n"                               \
     "  --gain DB               output gain, -24 to 24 (0)\n"                                                 \
-    "  --saturation PERCENT    soft saturation, 0 to 100 (0)\n"
+    "  --saturation PERCENT    soft saturation, 0 to 100 (0)\n"                                              \
+    "  --upsampling FACTOR     equalize at 1 to 4 times the sample rate (1)\n"                               \
+    "  --upsampling-quality NAME\n"                                                                          \
+    "                          high: linear phase, flat up to 0.45 of the rate; plain: quicker (high)\n"     \
+    "  --agc                   keep the loudness of the input (ITU-R BS.1770)\n"                             \
+    "  --channel-mode NAME     what is equalized: L+R, L, R, M, S, M+S, L+R- (right inverted), or\n"         \
+    "                          7.1 for 3 to 8 channels, which are always equalized all alike\n"
 
 #define OUTPUT_OPTIONS                                                                                       \
     "OUTPUT\n"                                                                                               \
@@ -56,7 +62,7 @@ const char* const Program =
     "  analyse   save the spectrum of a recording, to be used as a SOURCE\n"
     "  show      print what a state, an analysis or a recording holds\n"
     "\n"
-    "  Recordings are WAV, AIFF, FLAC, MP3 or QAF files with one or two channels. The output is as\n"
+    "  Recordings are WAV, AIFF, FLAC, MP3 or QAF files with one to eight channels. The output is as\n"
     "  long as the input and in time with it.\n"
     "\n"
     "OPTIONS\n"

@@ -39,8 +39,8 @@ void LoadAudioInput(AudioInput& input, const std::string& path, const std::funct
     input.path = path;
     AudioSampleBuffer& buffer = input.buffer;
     LoadAudioFile(buffer, MString::FromUTF8(path), { progress });
-    if (buffer.channels > 2)
-        Refuse(Format("The file has {0} channels; up to 2 are supported.", buffer.channels));
+    if (buffer.channels > 8)
+        Refuse(Format("The file has {0} channels; up to 8 are supported.", buffer.channels));
     for (std::size_t channel = 0; channel < static_cast<std::size_t>(buffer.channels); ++channel)
         for (std::int32_t frame = 0; frame < buffer.frames; ++frame)
         {

@@ -27,7 +27,7 @@ struct AudioInput
 /// Every function here throws MException with a text that says what is wrong with the content; the path
 /// is the caller's to add.
 
-/// Loads and checks: at most 2 channels, every sample a number. `progress` hears the share read; false
+/// Loads and checks: at most 8 channels, every sample a number. `progress` hears the share read; false
 /// cancels.
 void LoadAudioInput(AudioInput& input, const std::string& path, const std::function<bool(double)>& progress);
 /// Refuses what has nothing to measure: silence, or fewer frames than one spectrum takes at `analysisRate`.

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "plugin/driver/ChannelRouting.h"
 #include "tools/tonalign/BandSpec.h"
 
 enum class Command
@@ -57,6 +58,11 @@ struct Options
     std::optional<double> dryWetPercent;
     std::optional<double> gainDb;
     std::optional<double> saturationPercent;
+
+    std::optional<std::int32_t> upsampling;   ///< factor, 1 to 4
+    std::optional<bool> highQualityUpsampling;
+    bool agc = false;
+    std::optional<ChannelMode> channelMode;
 
     std::optional<double> rateHz;
     FileFormat fileFormat = FileFormat::FromEnding;

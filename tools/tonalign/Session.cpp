@@ -168,6 +168,26 @@ void Session::ApplySoundSettings()
         host.SetParameterById("SoftSaturation", *options.saturationPercent / 100);
 }
 
+void Session::ApplyStages(std::int32_t channels)
+{
+    const bool surround = options.channelMode == ChannelMode::Surround;
+    if (options.channelMode && channels > 2 && !surround)
+        throw UsageError{ "--channel-mode: this mode takes one or two channels, and the file has " +
+                          std::to_string(channels) };
+    if (surround && channels <= 2)
+        throw UsageError{ "--channel-mode: surround takes 3 to 8 channels" };
+    MQuorvaneAudioEffectPlugin& plugin = host.Plugin();
+    if (options.channelMode && !surround)
+        plugin.channelMode = *options.channelMode;
+    if (options.agc)
+        plugin.agc = 1;
+    if (options.upsampling)
+        plugin.upsampling = *options.upsampling;
+    if (options.highQualityUpsampling)
+        plugin.highQualityUpsampling = *options.highQualityUpsampling;
+    plugin.UpdateUpsamplingFactor();
+}
+
 std::string Session::RunFit()
 {
     const bool targetIsAnalysis = HasAnalysisEnding(options.input);
@@ -199,7 +219,9 @@ std::string Session::RunFit()
         Measure(target, false);
     }
     MeasureFile(options.source, true);
-    host.Prepare(rate, targetIsAnalysis ? 2 : target.buffer.channels);
+    const std::int32_t channels = targetIsAnalysis ? 2 : target.buffer.channels;
+    ApplyStages(channels);
+    host.Prepare(rate, channels);
     Fit();
     RenderAndCommit(targetIsAnalysis ? nullptr : &target);
     return Finish();
@@ -265,6 +287,8 @@ std::string Session::RunRender()
     for (std::size_t index = 0; index < options.bands.size(); ++index)
         ApplyBandSpec(options.bands[index], equalizer.Band(static_cast<std::int32_t>(index)));
     ApplySoundSettings();
+    ApplyStages(input.buffer.channels);
+    host.Prepare(input.buffer.sampleRate, input.buffer.channels);
     FillBands();
     RenderAndCommit(&input);
     return Finish();

@@ -46,6 +46,9 @@ private:
     void MeasureFile(const std::string& path, bool isSource);
     void ApplyFitSettings(double usableHz);
     void ApplySoundSettings();
+    /// The stages around the equalizer: upsampling, gain control, channel mode. In force from the host's next
+    /// Prepare on, and kept off until the measuring is done, so that files are measured as they are.
+    void ApplyStages(std::int32_t channels);
     /// Reads a plug-in state into the plug-in.
     void LoadStateFrom(const std::string& path);
     void Fit();

@@ -82,6 +82,55 @@ BENCHMARK(BlockAverage)
     ->ArgsProduct({ { 0, 1, 2 }, { 0, 4, 10 }, { 64, 1024 } })
     ->Unit(benchmark::kMicrosecond);
 
+// Upsampling around the effect. Arguments: factor, high quality, frames in a block.
+void UpsampledBlockAverage(benchmark::State& state)
+{
+    OfflineHost host;
+    SetBands(host, 4);
+    host.Plugin().upsampling = static_cast<std::int32_t>(state.range(0));
+    host.Plugin().highQualityUpsampling = state.range(1) != 0;
+    host.Plugin().UpdateUpsamplingFactor();
+    host.Prepare(sampleRate, 2);
+    Blocks blocks(static_cast<std::int32_t>(state.range(2)));
+    const auto turns = static_cast<int>(16384 / state.range(2));
+    for (auto _ : state)
+        for (int turn = 0; turn < turns; ++turn)
+            blocks.Run(host);
+    state.counters["ms_per_s"] =
+        benchmark::Counter(static_cast<double>(state.iterations()) * turns *
+                               static_cast<double>(state.range(2)) / sampleRate / 1000,
+                           benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+BENCHMARK(UpsampledBlockAverage)
+    ->ArgNames({ "factor", "high", "frames" })
+    ->ArgsProduct({ { 1, 2, 4 }, { 0, 1 }, { 64, 1024 } })
+    ->Unit(benchmark::kMicrosecond);
+
+// A stereo pair, or a surround group of eight, through ten linear-phase bands.
+void ChannelsBlockAverage(benchmark::State& state)
+{
+    constexpr std::int32_t frames = 512;
+    const auto channels = static_cast<std::int32_t>(state.range(0));
+    OfflineHost host;
+    SetBands(host, 10);
+    host.Prepare(sampleRate, channels);
+    std::vector<std::vector<float>> buffers(16, Blocks(frames).left);
+    float* inputs[8] = {};
+    float* outputs[8] = {};
+    for (std::size_t channel = 0; channel < static_cast<std::size_t>(channels); ++channel)
+    {
+        inputs[channel] = buffers[channel].data();
+        outputs[channel] = buffers[channel + 8].data();
+    }
+    for (auto _ : state)
+        for (int turn = 0; turn < 32; ++turn)
+            host.Plugin().ProcessBlock(inputs, outputs, frames, true);
+    state.counters["ms_per_s"] =
+        benchmark::Counter(static_cast<double>(state.iterations()) * 32 * frames / sampleRate / 1000,
+                           benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+BENCHMARK(ChannelsBlockAverage)->ArgName("channels")->Arg(2)->Arg(8)->Unit(benchmark::kMicrosecond);
+
 // The dearest of all blocks of 64 frames in a hop, as a share of the block's time. For each place in the
 // hop the least of several turns counts: what another process stole isn't the plug-in's.
 void WorstBlock(benchmark::State& state)

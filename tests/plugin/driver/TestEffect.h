@@ -9,7 +9,7 @@
 #include "state/tree/MAttribute.h"
 #include "state/tree/MStoreParams.h"
 
-/// An effect that passes its input through, delayed, and writes down what is asked of it.
+/// An effect that passes its input through and writes down what is asked of it.
 class TestEffect : public MAudioEffectPlugin
 {
 public:
@@ -63,12 +63,15 @@ public:
         rampValues.push_back(parameters[Ramp].RunningValue());
         tempo = context.tempo;
         for (std::int32_t channel = 0; channel < channelGroups; ++channel)
-            std::copy_n(inputs[channel], count, outputs[channel]);
+            for (std::int32_t index = 0; index < count; ++index)
+                outputs[channel][index] = gain * inputs[channel][index];
     }
     void Update() override { ++updateCount; }
     void OnParameterChange(std::int32_t index) override { changes.push_back(index); }
     std::int32_t GetLatency() override { return latency; }
     std::int32_t GetTailSize() override { return 77; }
+    void SetUpsamplingRatio(std::int32_t ratio) override { upsamplingRatio = ratio; }
+    bool NeedsDownsamplingFilter() const override { return needsDownFilter; }
     void Store(const MStoreParams& params) override { ++(params.saving ? saveCount : loadCount); }
 
     static inline TestEffect* last = nullptr;
@@ -81,5 +84,8 @@ public:
     int saveCount = 0;
     int loadCount = 0;
     std::int32_t latency = 0;
+    float gain = 1;
+    std::int32_t upsamplingRatio = 0;
+    bool needsDownFilter = true;
     double tempo = 0;
 };

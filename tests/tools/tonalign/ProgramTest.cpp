@@ -236,6 +236,110 @@ TEST_F(Program, TypedBandsDoWhatTheySay)
     EXPECT_TRUE(csv.starts_with("frequency_hz,response_db\n"));
 }
 
+TEST_F(Program, UpsamplesWithTheLatencyTakenOut)
+{
+    std::vector<float> sine(60000);
+    for (std::size_t index = 0; index < sine.size(); ++index)
+        sine[index] = static_cast<float>(
+            0.5 * std::sin(2 * std::numbers::pi * 1000 / 48000 * static_cast<double>(index)));
+    const std::string in = Write("sine.wav", sine, 48000, 1, SF_FORMAT_WAV | SF_FORMAT_FLOAT);
+    struct Case
+    {
+        const char* factor;
+        const char* quality;
+        int latency;
+    };
+    for (const Case& each : { Case{ "1", "high", 32768 }, Case{ "2", "high", 16384 + 768 },
+                              Case{ "2", "plain", 16384 }, Case{ "4", "high", 8192 + 384 } })
+    {
+        SCOPED_TRACE(::testing::Message() << each.factor << each.quality);
+        const Outcome outcome = Run({ "render", in, "-o", Path("out.wav"), "--upsampling", each.factor,
+                                      "--upsampling-quality", each.quality, "--json", "--force" });
+        ASSERT_EQ(outcome.status, 0) << outcome.err;
+        EXPECT_EQ(nlohmann::json::parse(outcome.out)["latency"], each.latency);
+        const std::vector<float> out = Read(Path("out.wav"));
+        ASSERT_EQ(out.size(), sine.size());
+        double worst = 0;
+        for (std::size_t index = 5000; index < 55000; ++index)
+            worst = std::max(worst, std::fabs(static_cast<double>(out[index]) - sine[index]));
+        if (std::string(each.quality) == "high")
+            EXPECT_LT(worst, 5e-5);
+        else
+            EXPECT_LT(worst, 1.0) << "late by what the plain filter delays";
+    }
+}
+
+TEST_F(Program, ChannelModesAndGainControl)
+{
+    // The sum in channel 0 and 1, and a difference: a band on the sum leaves the difference alone.
+    std::vector<float> frames;
+    for (int index = 0; index < 200000; ++index)
+    {
+        const double mid = 0.1 * std::sin(2 * std::numbers::pi * 1000 / 48000 * index);
+        const double side = 0.05 * std::sin(2 * std::numbers::pi * 1500 / 48000 * index);
+        frames.push_back(static_cast<float>(mid + side));
+        frames.push_back(static_cast<float>(mid - side));
+    }
+    const std::string in = Write("in.wav", frames, 48000, 2, SF_FORMAT_WAV | SF_FORMAT_FLOAT);
+    const auto levels = [&](const std::vector<std::string>& extra)
+    {
+        std::vector<std::string> words{ "render", in, "-o", Path("out.wav"), "--force" };
+        words.insert(words.end(), extra.begin(), extra.end());
+        const Outcome outcome = Run(words);
+        EXPECT_EQ(outcome.status, 0) << outcome.err;
+        const std::vector<float> out = Read(Path("out.wav"));
+        double mid = 0, side = 0;
+        for (std::size_t frame = 150000; frame < 150960 && 2 * frame + 1 < out.size(); ++frame)
+        {
+            const double left = out[2 * frame], right = out[2 * frame + 1];
+            mid += (left + right) * (left + right) / 4 / 960;
+            side += (left - right) * (left - right) / 4 / 960;
+        }
+        return std::pair(10 * std::log10(2 * mid), 10 * std::log10(2 * side));
+    };
+    const double midDb = 20 * std::log10(0.1), sideDb = 20 * std::log10(0.05);
+    // 10 dB at the whole pass band: the gain of a mode's own channels.
+    for (const char* name : { "M", "mono", "MID" })
+    {
+        const auto [mid, side] = levels({ "--channel-mode", name, "--gain", "10" });
+        EXPECT_NEAR(mid, midDb + 10, 0.01) << name;
+        EXPECT_NEAR(side, sideDb, 0.01) << name;
+    }
+    for (const char* name : { "s", "Stereo", "Side" })
+    {
+        const auto [mid, side] = levels({ "--channel-mode", name, "--gain", "10" });
+        EXPECT_NEAR(mid, midDb, 0.01) << name;
+        EXPECT_NEAR(side, sideDb + 10, 0.01) << name;
+    }
+    for (const char* name : { "M+S", "mono + stereo", "Left+Right", "l+r" })
+    {
+        const auto [mid, side] = levels({ "--channel-mode", name, "--gain", "-10" });
+        EXPECT_NEAR(mid, midDb - 10, 0.01) << name;
+        EXPECT_NEAR(side, sideDb - 10, 0.01) << name;
+    }
+    const auto [mid, side] = levels({ "--gain", "10", "--agc" });
+    EXPECT_NEAR(mid, midDb, 0.01) << "taken back";
+    EXPECT_NEAR(side, sideDb, 0.01);
+}
+
+TEST_F(Program, SixChannelsAreMatchedAndRendered)
+{
+    const std::string dark = Noise("dark.wav", 0.9, 3, 48000, 6), bright = Noise("bright.wav", 0.2, 3);
+    const Outcome outcome =
+        Run({ "equalize", dark, "--source", bright, "-o", Path("out.flac"), "--json", "--upsampling", "2" });
+    ASSERT_EQ(outcome.status, 0) << outcome.err;
+    const nlohmann::json json = nlohmann::json::parse(outcome.out);
+    EXPECT_EQ(json["channels"], 6);
+    EXPECT_EQ(json["latency"], 16384 + 768);
+    EXPECT_LT(json["rms_after_db"], json["rms_before_db"].get<double>() / 3);
+    SF_INFO info = {};
+    Read(Path("out.flac"), &info);
+    EXPECT_EQ(info.channels, 6);
+    EXPECT_EQ(info.frames, 3 * 48000);
+    EXPECT_EQ(Run({ "render", dark, "-o", Path("o.wav"), "--channel-mode", "M" }).status, 2);
+    EXPECT_EQ(Run({ "render", dark, "-o", Path("o.wav"), "--channel-mode", "7.1" }).status, 0);
+}
+
 TEST_F(Program, AnalysesStandInForRecordings)
 {
     const std::string dark = Noise("dark.wav", 0.8, 2, 44100),
@@ -283,7 +387,6 @@ TEST_F(Program, BadInputGivesOneLineThatNamesTheFile)
     Write("nan.wav", broken, 48000, 1, SF_FORMAT_WAV | SF_FORMAT_FLOAT);
     broken[777] = INFINITY;
     Write("inf.wav", broken, 48000, 1, SF_FORMAT_WAV | SF_FORMAT_FLOAT);
-    Noise("five.wav", 0.5, 0.5, 48000, 5);
     Noise("nine.wav", 0.5, 0.5, 48000, 9);
     Noise("short.wav", 0.5, 0.05);
     std::ofstream(Path("damaged.TonalignComparison")) << "<A>0011</A>";
@@ -294,8 +397,8 @@ TEST_F(Program, BadInputGivesOneLineThatNamesTheFile)
         known.push_back(entry.path().filename().string());
     const std::string out = Path("out.wav");
     for (const char* name :
-         { "missing.wav", "empty.wav", "text.wav", "cut.wav", "silent.wav", "nan.wav", "inf.wav", "five.wav",
-           "nine.wav", "short.wav", "damaged.TonalignComparison", "garbage.TonalignComparison" })
+         { "missing.wav", "empty.wav", "text.wav", "cut.wav", "silent.wav", "nan.wav", "inf.wav", "nine.wav",
+           "short.wav", "damaged.TonalignComparison", "garbage.TonalignComparison" })
     {
         SCOPED_TRACE(name);
         const std::string path = Path(name);
@@ -395,6 +498,10 @@ TEST_F(Program, WrongUsageIsTold)
              { "render", in, "-o", Path("o.wav"), "--band", "peak:10:6:1" },
              { "render", in, "-o", Path("o.wav"), "--band", "peak:1000:6:1:10" },
              { "render", in, "-o", Path("o.wav"), "--band", "peak:nan:6:1" },
+             { "render", in, "-o", Path("o.wav"), "--upsampling", "5" },
+             { "render", in, "-o", Path("o.wav"), "--upsampling-quality", "best" },
+             { "render", in, "-o", Path("o.wav"), "--channel-mode", "center" },
+             { "render", in, "-o", Path("o.wav"), "--channel-mode", "Surround" },
              { "show", in, "--json", "--csv" } })
     {
         const Outcome outcome = Run(words);

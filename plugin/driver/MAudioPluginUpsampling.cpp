@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The stages around an effect: upsampling, and what the gain control measures.
+#include <algorithm>
+#include <cstddef>
+
+#include "foundation/vector/VectorOperations.h"
+#include "plugin/driver/MAudioPlugin.h"
+
+void MAudioPlugin::MeasureInput(const ChannelSet& inputs, std::int32_t sampleCount, std::int32_t inputGroups)
+{
+    if (inputGroups > 0)
+        gainControl.MeasureInput(inputs.pointers.data(), sampleCount, inputsPerGroup);
+    else
+        gainControl.AssumeInput();
+}
+
+/// The routing and the effect know a mono route by channels that share their samples, at either rate: such a
+/// channel shares those of its predecessor's upsampler too.
+MAudioPlugin::ChannelSet MAudioPlugin::FeedUpsamplers(const ChannelSet& inputs, std::int32_t sampleCount)
+{
+    ChannelSet fed;
+    const std::int32_t width = std::max(inputsPerGroup, outputsPerGroup);
+    const bool downFiltered = NeedsDownFilter();
+    for (std::int32_t group = 0; group < std::max(GetInputGroups(), GetOutputGroups()); ++group)
+        for (std::int32_t channel = 0; channel < width; ++channel)
+        {
+            const auto index = static_cast<std::size_t>(group * channelsPerGroup + channel);
+            MUpsampler& upsampler = *upsamplers[index];
+            upsampler.SetDownFiltered(downFiltered);
+            upsampler.Up(inputs.pointers[index], sampleCount);
+            if (group >= GetInputGroups())
+                continue;
+            const bool shared = channel > 0 && inputs.pointers[index] == inputs.pointers[index - 1];
+            fed.pointers[index] = shared ? fed.pointers[index - 1] : upsampler.UpSamples();
+        }
+    return fed;
+}
+
+MAudioPlugin::ChannelSet MAudioPlugin::EffectOutputs(const ChannelSet& outputs)
+{
+    ChannelSet work;
+    for (std::int32_t group = 0; group < GetOutputGroups(); ++group)
+        for (std::int32_t channel = 0; channel < std::max(inputsPerGroup, outputsPerGroup); ++channel)
+        {
+            const auto index = static_cast<std::size_t>(group * channelsPerGroup + channel);
+            const bool shared = channel > 0 && outputs.pointers[index] == outputs.pointers[index - 1];
+            work.pointers[index] = shared ? work.pointers[index - 1] : upsamplers[index]->DownSamples();
+        }
+    return work;
+}
+
+void MAudioPlugin::ProcessUpsampled(const ChannelSet& inputs, const ChannelSet& outputs,
+                                    std::int32_t sampleCount, bool replacing)
+{
+    // ProcessChannels moves pointers about; `inputs` and `outputs` remain the host's.
+    ChannelSet in = FeedUpsamplers(inputs, sampleCount);
+    ChannelSet out = EffectOutputs(outputs);
+    ProcessChannels(in, out, upsamplingFactor * sampleCount);
+
+    for (std::int32_t group = 0; group < GetOutputGroups(); ++group)
+        for (std::int32_t channel = 0; channel < outputsPerGroup; ++channel)
+        {
+            const auto index = static_cast<std::size_t>(group * channelsPerGroup + channel);
+            float* output = outputs.pointers[index];
+            const bool shared = channel > 0 && output == outputs.pointers[index - 1];
+            if (output != nullptr && !shared)
+                upsamplers[index]->Down(output, sampleCount, !replacing);
+        }
+    LimitOutputs(outputs, sampleCount);
+}
+
+void MAudioPlugin::LimitOutputs(const ChannelSet& outputs, std::int32_t sampleCount)
+{
+    const double limit = GetOutputLimit();
+    if (limit < 0)
+        return;
+    for (std::int32_t group = 0; group < GetOutputGroups(); ++group)
+        for (std::int32_t channel = 0; channel < outputsPerGroup; ++channel)
+            if (float* output =
+                    outputs.pointers[static_cast<std::size_t>(group * channelsPerGroup + channel)])
+                MVector::ClipInPlace(output, sampleCount, static_cast<float>(-limit),
+                                     static_cast<float>(limit));
+}
