@@ -10,9 +10,9 @@
 #include <gtest/gtest.h>
 
 #include "Vst2Host.h"
-#include "Vst3Host.h"
 #include "hosts/offline/OfflineHost.h"
 #include "plugin/driver/PluginState.h"
+#include "tools/vst3host/Vst3Host.h"
 
 namespace
 {

@@ -10,7 +10,7 @@
 
 #include "HeapCount.h"
 #include "Vst2Host.h"
-#include "Vst3Host.h"
+#include "tools/vst3host/Vst3Host.h"
 
 namespace
 {

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "LoadedModule.h"
 #include "hosts/vst2/AEffect.h"
+#include "tools/vst3host/LoadedModule.h"
 
 /// A host of the raw VST 2 record: answers its version and counts what it is told.
 class Vst2Instance

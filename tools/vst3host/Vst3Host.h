@@ -16,7 +16,7 @@
 #include <pluginterfaces/vst/ivstparameterchanges.h>
 #include <pluginterfaces/vst/ivstunits.h>
 
-#include "LoadedModule.h"
+#include "tools/vst3host/LoadedModule.h"
 
 /// The objects that a VST 3 host hands to a plug-in; they live on the host's stack and only count references.
 template <typename Interface>
