@@ -26,6 +26,11 @@ void* operator new(std::size_t size)
         return memory;
     throw std::bad_alloc();
 }
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept
+{
+    ++allocationCount;
+    return std::malloc(size);
+}
 void operator delete(void* memory) noexcept
 {
     std::free(memory);
