@@ -81,6 +81,8 @@ std::string Session::ShowState()
         return parameters[index].number.value.Get();
     };
     const char* mode = parameters[0].enumeration.names[parameters[0].enumeration.index];
+    const MQuorvaneAudioEffectPlugin& plugin = host.Plugin();
+    const char* channelMode = InfoOf(plugin.channelMode).shortName;
     if (options.json)
     {
         nlohmann::ordered_json json = nlohmann::ordered_json::parse(AsJson(report));
@@ -88,6 +90,10 @@ std::string Session::ShowState()
         json["dry_wet_percent"] = number(1) * 100;
         json["gain_db"] = number(2);
         json["saturation_percent"] = number(3) * 100;
+        json["upsampling"] = plugin.upsampling.Get();
+        json["upsampling_quality"] = plugin.highQualityUpsampling ? "high" : "plain";
+        json["agc"] = plugin.agc != 0;
+        json["channel_mode"] = channelMode;
         json["target_analysis"] = effect.TargetAnalysisDefined;
         json["source_analysis"] = effect.SourceAnalysisDefined;
         return json.dump(2) + "\n";
@@ -95,8 +101,10 @@ std::string Session::ShowState()
     char line[256];
     std::snprintf(line, sizeof line,
                   "Mode: %s, dry/wet %.1f %%, gain %+.2f dB, saturation %.1f %%\n"
+                  "Channels %s, upsampling %dx (%s), automatic gain control %s\n"
                   "Analyses: target %s, source %s\n",
-                  mode, number(1) * 100, number(2), number(3) * 100,
+                  mode, number(1) * 100, number(2), number(3) * 100, channelMode, plugin.upsampling.Get(),
+                  plugin.highQualityUpsampling ? "high quality" : "plain", plugin.agc != 0 ? "on" : "off",
                   effect.TargetAnalysisDefined ? "measured" : "none",
                   effect.SourceAnalysisDefined ? "measured" : "none");
     return line + BandTable(report.bands);
