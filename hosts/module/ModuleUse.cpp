@@ -9,11 +9,6 @@ struct SharedModule
 {
     MLock lock;
     int uses = 0;
-
-    // What exists once for all plug-in objects is made and destroyed here. The engine shares nothing yet but
-    // tables that clean up after themselves.
-    static void Start() {}
-    static void Stop() {}
 };
 
 // Made by the first use and destroyed when the host unloads the module.
@@ -28,8 +23,6 @@ ModuleUse::ModuleUse()
 {
     SharedModule& shared = Shared();
     const MSynchronizerGuard guard(shared.lock);
-    if (shared.uses == 0)
-        SharedModule::Start();
     ++shared.uses;
 }
 
@@ -38,8 +31,7 @@ ModuleUse::~ModuleUse()
     SharedModule& shared = Shared();
     if (shared.lock.Acquire(InfiniteTimeout) != 0)
         return;
-    if (--shared.uses == 0)
-        SharedModule::Stop();
+    --shared.uses;
     shared.lock.Release();
 }
 

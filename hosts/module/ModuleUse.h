@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-/// Held by every host adapter while it lives: the first one starts what the whole module shares, the last one
-/// ends it, so that a host that unloads the module afterwards finds nothing left behind. Any thread.
+/// Held by every host adapter while it lives, so that the module knows whether somebody uses it. What all
+/// plug-in objects share starts with the first of them (see CreateInstance) and goes when the host unloads
+/// the module. Any thread.
 class ModuleUse
 {
 public:

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The entries that hosts look up by name. exports.map lists them once more for the linker.
 #include "effect/TonalignInterface.h"
+#include "foundation/module/MModule.h"
 #include "hosts/plugin/ModuleLoad.h"
 #include "hosts/vst2/MAudioPluginVSTAdapter.h"
 #include "hosts/vst3/PluginFactory.h"
+#include "resources/EmbeddedResources.h"
 
 #define MODULE_EXPORT extern "C" __attribute__((visibility("default")))
 
@@ -13,7 +15,7 @@ MODULE_EXPORT Vst2::AEffect* MainOfOldHosts(Vst2::HostCallback host) __asm__("ma
 MODULE_EXPORT Steinberg::IPluginFactory* GetPluginFactory();
 MODULE_EXPORT bool ModuleEntry(void* library);
 MODULE_EXPORT bool ModuleExit();
-MODULE_EXPORT std::int32_t MLibraryDLLInitialize(const void* record);
+MODULE_EXPORT std::int32_t MLibraryDLLInitialize(const MLibraryPointers* record);
 MODULE_EXPORT void InitDll();
 MODULE_EXPORT void ExitDll();
 
@@ -45,11 +47,14 @@ bool ModuleExit()
     return true;
 }
 
-// For an executable that loads the module as a library of its own. The module is then started as long as it
-// is loaded. Allocation and locks stay the module's own.
-std::int32_t MLibraryDLLInitialize(const void*)
+// For an executable that loads the module as a library of its own and shares its hooks and its event lock.
+// The module is then started as long as it is loaded. Answers 1, or 0 after a failure.
+std::int32_t MLibraryDLLInitialize(const MLibraryPointers* record)
 {
-    return ModuleLoad::Hold() ? 1 : 0;
+    if (!ModuleLoad::Hold())
+        return 0;
+    RegisterEmbeddedResources(EmbeddedResourceBlock, EmbeddedResourceBlockSize);
+    return InitializeAsLibrary(record);
 }
 
 void InitDll() {}
