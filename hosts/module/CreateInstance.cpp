@@ -2,6 +2,7 @@
 #include "hosts/module/CreateInstance.h"
 
 #include "effect/TonalignInterface.h"
+#include "foundation/module/Configuration.h"
 #include "resources/RegisterResources.h"
 
 std::unique_ptr<MQuorvaneAudioEffectPlugin> CreateInstance(StartingSettings starting)
@@ -10,7 +11,10 @@ std::unique_ptr<MQuorvaneAudioEffectPlugin> CreateInstance(StartingSettings star
     auto plugin = std::make_unique<MQuorvaneAudioEffectPlugin>();
     plugin->Initialize("TonalignLinearPhase", "Quorvane", &TonalignAudioEffectPluginInterface, 800, 560);
     if (starting == StartingSettings::OfTheUser)
+    {
+        plugin->SetSurround(ReadPluginConfiguration().surround != 0);
         plugin->LoadDefaultSettings();
+    }
     return plugin;
 }
 

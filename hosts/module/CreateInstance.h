@@ -8,7 +8,7 @@
 
 enum class StartingSettings
 {
-    OfTheUser,   ///< those that the user has made the default, where there are any
+    OfTheUser,   ///< the defaults and the choice of surround that the user has made
     OfTheSystem   ///< always the same: for scripts
 };
 

@@ -34,16 +34,8 @@ void OfflineHost::SetGroupWidth(std::int32_t channels)
         plugin->channelMode = ChannelMode::Surround;
     else if (plugin->channelMode == ChannelMode::Surround)
         plugin->channelMode = ChannelMode::LeftAndRight;
-    if (width == plugin->channelsPerGroup)
-        return;
-    plugin->channelsPerGroup = width;
-    plugin->inputNames.Clear();
-    plugin->outputNames.Clear();
-    for (std::int32_t channel = 1; channel <= width; ++channel)
-    {
-        plugin->inputNames.Add(Format("In {0}", channel));
-        plugin->outputNames.Add(Format("Out {0}", channel));
-    }
+    if (width != plugin->channelsPerGroup)
+        plugin->SetSurround(width > 2);
 }
 
 void OfflineHost::Prepare(double sampleRate, std::int32_t channels)

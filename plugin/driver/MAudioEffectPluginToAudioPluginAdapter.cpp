@@ -40,7 +40,7 @@ void MAudioEffectPluginToAudioPluginAdapter::Initialize(const MString& effectNam
     defaultEditorWidth = editorWidth;
     defaultEditorHeight = editorHeight;
     takesMIDI = true;
-    BuildChannelNames();
+    SetSurround(false);
     host->ConnectDriver(*this, -1);
     RebuildParameters();
     UpdateMaxBufferSize();
@@ -63,22 +63,31 @@ bool MAudioEffectPluginToAudioPluginAdapter::LoadDefaultSettings() noexcept
            ::LoadDefaultSettings([this](const MStoreParams& params) { Store(params); });
 }
 
-void MAudioEffectPluginToAudioPluginAdapter::BuildChannelNames()
+void MAudioEffectPluginToAudioPluginAdapter::SetSurround(bool active)
 {
+    constexpr std::int32_t stereoWidth = 2;
+    constexpr std::int32_t surroundWidth = 8;
     static constexpr const char* sides[] = { "L", "R" };
+    channelsPerGroup = active ? surroundWidth : stereoWidth;
     inputNames.Clear();
     outputNames.Clear();
-    for (const char* side : sides)
+    const auto nameOf = [active](std::int32_t channel)
     {
-        inputNames.Add(Format("In {0}", MString(side)));
-        outputNames.Add(Format("Out {0}", MString(side)));
+        return active ? Format("{0}", channel) : MString(sides[channel]);
+    };
+    for (std::int32_t channel = 0; channel < channelsPerGroup; ++channel)
+    {
+        inputNames.Add(Format("In {0}", nameOf(channel)));
+        outputNames.Add(Format("Out {0}", nameOf(channel)));
     }
     const std::int32_t buses = effect->description.inputBusCount;
-    for (std::int32_t bus = 1; bus < buses; ++bus)
-        for (const char* side : sides)
-            inputNames.Add(buses == 2 ? Format("Sidechain {0}", MString(side))
-                                      : Format("Sidechain {0} {1}", MString(side), bus));
-    channelsPerGroup = 2;
+    if (buses == 2)
+        for (std::int32_t channel = 0; channel < channelsPerGroup; ++channel)
+            inputNames.Add(Format("Sidechain {0}", nameOf(channel)));
+    else
+        for (std::int32_t bus = 1; bus < buses; ++bus)
+            for (std::int32_t channel = 0; channel < channelsPerGroup; ++channel)
+                inputNames.Add(Format("Sidechain {0} {1}", MString(sides[channel % stereoWidth]), bus));
 }
 
 void MAudioEffectPluginToAudioPluginAdapter::RebuildParameters()

@@ -22,6 +22,9 @@ public:
     virtual void Initialize(const MString& effectName, const MString& makerName, MPluginEntry entry,
                             std::int32_t editorWidth, std::int32_t editorHeight);
 
+    /// Groups of 8 channels instead of 2, and their names; changed only before a host has seen the object.
+    void SetSurround(bool active);
+
     void Update() override;
     std::int32_t GetLatency() override;
     std::int32_t GetTailSize() override;
@@ -65,7 +68,6 @@ private:
     std::int64_t OnRefreshAdapters() override;
     std::int64_t OnBlockLimitChanged() override;
     void AddEffectEventTarget(MEventTarget* target) override;
-    void BuildChannelNames();
     void StoreChannelMode(const MStoreParams& params);
     void FillContext();
 

@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "Vst2Host.h"
+#include "foundation/module/Configuration.h"
 #include "hosts/offline/OfflineHost.h"
 #include "plugin/driver/PluginState.h"
 #include "tools/vst3host/Vst3Host.h"
@@ -221,6 +222,12 @@ TEST_F(Formats, SurviveEveryTruncationAndRandomBytesAsState)
 
 class Rendering : public Formats, public testing::WithParamInterface<int>
 {
+protected:
+    static constexpr int MaxChannels = 8;
+
+    // More than two channels take what the user chooses once for all plug-ins.
+    void SetUp() override { WritePluginConfiguration({ .surround = GetParam() > 2 ? 1 : 0 }); }
+    void TearDown() override { WritePluginConfiguration({}); }
 };
 
 // Frames of the blocks in turn; 0 is a block of no samples, and none of them was announced larger than 512.
@@ -231,13 +238,16 @@ TEST_P(Rendering, GivesTheOfflineHostsSamplesInBothFormats)
     const int channels = GetParam();
     const Vst2Instance source(vst2Module);
     Disturb(source);
-    const Bytes state = source.State();
+    OfflineHost offline;
+    SetOfflineState(offline, source.State());
+    offline.Prepare(48000, channels);
+    const Bytes state = OfflineState(offline);
     const Vst2Instance vst2(vst2Module);
     const Vst3Instance vst3(vst3Module);
-    OfflineHost offline;
+    EXPECT_EQ(vst2.effect->numInputs, std::max(channels, 2));
     vst2.SetState(state);
     vst3.SetState(state);
-    SetOfflineState(offline, state);
+    EXPECT_EQ(vst3.State(), state);
 
     constexpr std::int32_t frames = 50000;
     AudioSampleBuffer input;
@@ -249,8 +259,7 @@ TEST_P(Rendering, GivesTheOfflineHostsSamplesInBothFormats)
         std::generate_n(input.channelData[static_cast<std::size_t>(channel)], frames,
                         [&] { return samples(generator); });
 
-    offline.Prepare(48000, channels);
-    std::vector<float> expected[2];
+    std::vector<float> expected[MaxChannels];
     offline.Render(input, 512,
                    [&](const float* const* data, std::int32_t count)
                    {
@@ -265,14 +274,16 @@ TEST_P(Rendering, GivesTheOfflineHostsSamplesInBothFormats)
     vst2.Send(Vst2::EffectOpcode::SetSpeakerArrangement, 0, reinterpret_cast<std::intptr_t>(&arrangement),
               &arrangement);
     vst2.Start(48000, 512);
-    if (channels == 1)
+    if (channels != 2)
     {
-        Steinberg::Vst::SpeakerArrangement mono = Steinberg::Vst::SpeakerArr::kMono;
-        ASSERT_EQ(vst3.processor->setBusArrangements(&mono, 1, &mono, 1), Steinberg::kResultOk);
+        namespace Speakers = Steinberg::Vst::SpeakerArr;
+        Steinberg::Vst::SpeakerArrangement wanted =
+            channels == 1 ? Speakers::kMono : Speakers::k71CineFullFront;
+        ASSERT_EQ(vst3.processor->setBusArrangements(&wanted, 1, &wanted, 1), Steinberg::kResultOk);
     }
     vst3.Start(48000, 512);
 
-    std::vector<float> work[2][2];
+    std::vector<float> work[2][MaxChannels];
     for (auto& format : work)
         for (auto& channel : format)
             channel.assign(frames + Latency, 0.0f);
@@ -286,8 +297,13 @@ TEST_P(Rendering, GivesTheOfflineHostsSamplesInBothFormats)
         const std::int32_t run =
             std::min(BlockSizes[turn++ % std::size(BlockSizes)], frames + Latency - done);
         // In place; a mono host has nothing at the second channel.
-        float* first[2] = { work[0][0].data() + done, channels == 2 ? work[0][1].data() + done : nullptr };
-        float* second[2] = { work[1][0].data() + done, channels == 2 ? work[1][1].data() + done : nullptr };
+        float* first[MaxChannels] = {};
+        float* second[MaxChannels] = {};
+        for (int channel = 0; channel < channels; ++channel)
+        {
+            first[channel] = work[0][channel].data() + done;
+            second[channel] = work[1][channel].data() + done;
+        }
         vst2.Process(first, first, run);
         ASSERT_EQ(vst3.Process(second, second, run, nullptr, channels), Steinberg::kResultOk);
         done += run;
@@ -311,5 +327,5 @@ TEST_P(Rendering, GivesTheOfflineHostsSamplesInBothFormats)
         }
 }
 
-INSTANTIATE_TEST_SUITE_P(Channels, Rendering, testing::Values(1, 2));
+INSTANTIATE_TEST_SUITE_P(Channels, Rendering, testing::Values(1, 2, 8));
 }   // namespace
