@@ -68,25 +68,26 @@ void MAudioEffectPluginToAudioPluginAdapter::SetSurround(bool active)
     constexpr std::int32_t stereoWidth = 2;
     constexpr std::int32_t surroundWidth = 8;
     static constexpr const char* sides[] = { "L", "R" };
-    channelsPerGroup = active ? surroundWidth : stereoWidth;
+    const std::int32_t width = active ? surroundWidth : stereoWidth;
+    channelsPerGroup = width;
     inputNames.Clear();
     outputNames.Clear();
     const auto nameOf = [active](std::int32_t channel)
     {
-        return active ? Format("{0}", channel) : MString(sides[channel]);
+        return active ? Format("{0}", channel) : MString(sides[channel % stereoWidth]);
     };
-    for (std::int32_t channel = 0; channel < channelsPerGroup; ++channel)
+    for (std::int32_t channel = 0; channel < width; ++channel)
     {
         inputNames.Add(Format("In {0}", nameOf(channel)));
         outputNames.Add(Format("Out {0}", nameOf(channel)));
     }
     const std::int32_t buses = effect->description.inputBusCount;
     if (buses == 2)
-        for (std::int32_t channel = 0; channel < channelsPerGroup; ++channel)
+        for (std::int32_t channel = 0; channel < width; ++channel)
             inputNames.Add(Format("Sidechain {0}", nameOf(channel)));
     else
         for (std::int32_t bus = 1; bus < buses; ++bus)
-            for (std::int32_t channel = 0; channel < channelsPerGroup; ++channel)
+            for (std::int32_t channel = 0; channel < width; ++channel)
                 inputNames.Add(Format("Sidechain {0} {1}", MString(sides[channel % stereoWidth]), bus));
 }
 
