@@ -366,7 +366,7 @@ uint32 MAudioPluginVST3Adapter::getTailSamples()
                       [&]
                       {
                           constexpr int32 upsamplingTail = 16384;
-                          const int32 factor = std::max(plugin->upsamplingFactor, 1);
+                          const int32 factor = std::max(plugin->upsamplingFactor.Get(), 1);
                           int32 tail = plugin->GetTailSize();
                           if (tail >= 0)
                               tail = tail / factor + (factor >= 2 ? upsamplingTail : 0);

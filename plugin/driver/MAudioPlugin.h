@@ -128,8 +128,8 @@ public:
     bool outputsAccumulate = false;   ///< Process adds to its outputs
     bool noInPlace = true;   ///< Process must not get one buffer as input and output
     bool wantsTimeInfo = true;
-    std::int32_t upsamplingFactor = 1;   ///< in force; see SetUpsamplingFactor
-    bool highQualityUpsampling = true;   ///< in force from the next InitProcessing on
+    MRelaxed<std::int32_t> upsamplingFactor = 1;   ///< in force; see SetUpsamplingFactor
+    MRelaxed<bool> highQualityUpsampling = true;   ///< in force from the next InitProcessing on
     MRelaxed<bool> agcActive = false;   ///< the gain control is in force
     MAudioPluginAdapter* adapter = nullptr;
     bool playing = false;
@@ -137,8 +137,8 @@ public:
     MLock processLock;
     MLock initLock;
     MLock settingsLock;
-    double sampleRate = 44100;
-    std::int32_t reportedLatency = -1;
+    MRelaxed<double> sampleRate = 44100.0;
+    MRelaxed<std::int32_t> reportedLatency = -1;
     /// The choice; in force from the next InitProcessing on.
     MRelaxed<ChannelMode> channelMode = ChannelMode::LeftAndRight;
     /// Which channels of a group mode 7 hands to the effect.
