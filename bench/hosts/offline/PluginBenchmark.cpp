@@ -59,13 +59,9 @@ struct Blocks
     std::vector<float> left, right, out, other;
 };
 
-// Arguments: mode, bands, frames in a block. Reports milliseconds for a second of audio.
-void BlockAverage(benchmark::State& state)
+// The third argument is the frames in a block. Reports milliseconds for a second of audio.
+void MeasureAverage(benchmark::State& state, OfflineHost& host)
 {
-    OfflineHost host;
-    host.SetParameterById("mode", static_cast<double>(state.range(0)));
-    SetBands(host, static_cast<std::int32_t>(state.range(1)));
-    host.Prepare(sampleRate, 2);
     Blocks blocks(static_cast<std::int32_t>(state.range(2)));
     // A whole hop an iteration, so that every iteration does the same work.
     const auto turns = static_cast<int>(16384 / state.range(2));
@@ -76,6 +72,16 @@ void BlockAverage(benchmark::State& state)
         benchmark::Counter(static_cast<double>(state.iterations()) * turns *
                                static_cast<double>(state.range(2)) / sampleRate / 1000,
                            benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+
+// Arguments: mode, bands, frames in a block.
+void BlockAverage(benchmark::State& state)
+{
+    OfflineHost host;
+    host.SetParameterById("mode", static_cast<double>(state.range(0)));
+    SetBands(host, static_cast<std::int32_t>(state.range(1)));
+    host.Prepare(sampleRate, 2);
+    MeasureAverage(state, host);
 }
 BENCHMARK(BlockAverage)
     ->ArgNames({ "mode", "bands", "frames" })
@@ -91,15 +97,7 @@ void UpsampledBlockAverage(benchmark::State& state)
     host.Plugin().highQualityUpsampling = state.range(1) != 0;
     host.Plugin().UpdateUpsamplingFactor();
     host.Prepare(sampleRate, 2);
-    Blocks blocks(static_cast<std::int32_t>(state.range(2)));
-    const auto turns = static_cast<int>(16384 / state.range(2));
-    for (auto _ : state)
-        for (int turn = 0; turn < turns; ++turn)
-            blocks.Run(host);
-    state.counters["ms_per_s"] =
-        benchmark::Counter(static_cast<double>(state.iterations()) * turns *
-                               static_cast<double>(state.range(2)) / sampleRate / 1000,
-                           benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+    MeasureAverage(state, host);
 }
 BENCHMARK(UpsampledBlockAverage)
     ->ArgNames({ "factor", "high", "frames" })
