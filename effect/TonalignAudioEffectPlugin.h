@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "audio/analyzer/MSpectralAnalyzerAdvanced.h"
-#include "audio/equalizer/MEqualizerProcessorPlugin.h"
+#include "effect/MEqualizerProcessorPlugin.h"
 #include "effect/AnalysisFile.h"
 #include "effect/AutoEqSettings.h"
 #include "effect/EffectObserver.h"

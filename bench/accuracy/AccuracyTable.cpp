@@ -4,7 +4,7 @@
 #include <cstdio>
 
 #include "audio/filters/FilterMagnitudes.h"
-#include "tests/audio/equalizer/EqualizerHarness.h"
+#include "tests/effect/EqualizerHarness.h"
 
 namespace
 {

@@ -10,12 +10,12 @@
 #include "foundation/containers/MEvent.h"
 #include "foundation/text/MStringList.h"
 #include "foundation/threads/MLock.h"
-#include "plugin/driver/ChannelRouting.h"
+#include "audio/stages/ChannelRouting.h"
 #include "plugin/driver/EditorUpdates.h"
 #include "plugin/driver/MAudioPluginAdapter.h"
-#include "plugin/driver/MAutomaticGainControl.h"
-#include "plugin/driver/MSampleQueue.h"
-#include "plugin/driver/MUpsampler.h"
+#include "audio/stages/MAutomaticGainControl.h"
+#include "audio/stages/MSampleQueue.h"
+#include "audio/stages/MUpsampler.h"
 #include "plugin/driver/ParameterInterpolator.h"
 
 struct MStoreParams;

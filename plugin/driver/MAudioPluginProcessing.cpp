@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "foundation/vector/VectorOperations.h"
-#include "plugin/driver/GrowBuffer.h"
+#include "audio/stages/GrowBuffer.h"
 #include "plugin/driver/MAudioPlugin.h"
 
 namespace

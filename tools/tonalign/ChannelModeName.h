@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "plugin/driver/ChannelRouting.h"
+#include "audio/stages/ChannelRouting.h"
 
 /// The mode of any of its names, long, short or as a signal. Case and spaces don't count. Nothing for an
 /// unknown one.

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "plugin/driver/ChannelRouting.h"
+#include "audio/stages/ChannelRouting.h"
 #include "tools/tonalign/BandSpec.h"
 
 enum class Command

@@ -6,8 +6,8 @@
 
 #include <benchmark/benchmark.h>
 
-#include "plugin/driver/MAutomaticGainControl.h"
-#include "plugin/driver/MUpsampler.h"
+#include "audio/stages/MAutomaticGainControl.h"
+#include "audio/stages/MUpsampler.h"
 
 namespace
 {

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "plugin/driver/ChannelRouting.h"
+#include "audio/stages/ChannelRouting.h"
 #include "plugin/driver/MQuorvaneAudioEffectPlugin.h"
 #include "tests/plugin/driver/TestEffect.h"
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "foundation/vector/BiquadCascade.h"
-#include "plugin/driver/MFIRFilter.h"
+#include "audio/stages/MFIRFilter.h"
 
 /// Brings one channel to a multiple of the host's rate and back.
 ///

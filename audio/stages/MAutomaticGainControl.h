@@ -7,8 +7,8 @@
 
 #include "foundation/threads/MRelaxed.h"
 #include "foundation/vector/BiquadCascade.h"
-#include "plugin/driver/MSampleQueue.h"
-#include "plugin/driver/SlidingSum.h"
+#include "audio/stages/MSampleQueue.h"
+#include "audio/stages/SlidingSum.h"
 
 /// Gives the output of an effect the loudness of its input.
 ///

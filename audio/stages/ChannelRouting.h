@@ -5,7 +5,7 @@
 #include <cstdint>
 
 #include "foundation/text/MString.h"
-#include "plugin/driver/MSampleQueue.h"
+#include "audio/stages/MSampleQueue.h"
 
 /// Which channels an effect gets, and in what form. The numbers are stored by name and never change.
 enum class ChannelMode : std::int32_t

@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include "plugin/driver/MAutomaticGainControl.h"
+#include "audio/stages/MAutomaticGainControl.h"
 
 namespace
 {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "plugin/driver/MAutomaticGainControl.h"
+#include "audio/stages/MAutomaticGainControl.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "plugin/driver/ChannelRouting.h"
+#include "audio/stages/ChannelRouting.h"
 
 #include <algorithm>
 #include <cstddef>

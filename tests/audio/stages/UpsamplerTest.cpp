@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include "plugin/driver/MUpsampler.h"
+#include "audio/stages/MUpsampler.h"
 
 namespace
 {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "audio/equalizer/EqualizerAutomation.h"
+#include "effect/EqualizerAutomation.h"
 #include "audio/equalizer/MEqualizerProcessor.h"
 #include "plugin/contract/MAudioEffectPlugin.h"
 

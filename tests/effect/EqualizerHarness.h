@@ -8,7 +8,7 @@
 #include <numbers>
 #include <vector>
 
-#include "audio/equalizer/MEqualizerProcessorPlugin.h"
+#include "effect/MEqualizerProcessorPlugin.h"
 #include "plugin/contract/MAudioEffectPlugin.h"
 
 /// The least effect that an equalizer needs around it.

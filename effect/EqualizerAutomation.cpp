@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "audio/equalizer/EqualizerAutomation.h"
+#include "effect/EqualizerAutomation.h"
 
 #include <algorithm>
 #include <cmath>

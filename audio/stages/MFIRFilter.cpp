@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "plugin/driver/MFIRFilter.h"
+#include "audio/stages/MFIRFilter.h"
 
 #include <algorithm>
 #include <bit>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "audio/equalizer/MEqualizerProcessorPlugin.h"
+#include "effect/MEqualizerProcessorPlugin.h"
 
 #include <cmath>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <gtest/gtest.h>
 
-#include "audio/equalizer/EqualizerAutomation.h"
+#include "effect/EqualizerAutomation.h"
 #include "foundation/streams/MMemoryStream.h"
 #include "state/tree/MAttribute.h"
 #include "state/tree/XML.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "plugin/driver/MUpsampler.h"
+#include "audio/stages/MUpsampler.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -7,7 +7,7 @@
 #include "audio/filters/FilterCascade.h"
 #include "foundation/vector/ChannelPairs.h"
 #include "foundation/vector/VectorOperations.h"
-#include "plugin/driver/GrowBuffer.h"
+#include "audio/stages/GrowBuffer.h"
 
 namespace
 {

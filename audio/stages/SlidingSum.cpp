@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "plugin/driver/SlidingSum.h"
+#include "audio/stages/SlidingSum.h"
 
 #include <algorithm>
 #include <cstddef>
