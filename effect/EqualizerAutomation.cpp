@@ -81,8 +81,7 @@ void EqualizerAutomation::SetValue(std::int32_t sub, double value01, bool silent
     if (silent)
         return;
     changed(BandOf(sub));
-    if (plugin != nullptr)
-        plugin->RequestEditorUpdate(*this);
+    MarkChanged(sub);
 }
 
 namespace
@@ -123,9 +122,8 @@ void EqualizerAutomation::GetName(MString& out, std::int32_t sub) const
 
 void EqualizerAutomation::GetID(MString& out, std::int32_t sub) const
 {
-    MString name;
-    GetName(name, sub);
-    out = Format("Equalizer band {0}{1}", BandOf(sub) + 1, name);
+    // The plug-in object puts the name behind it.
+    out = Format("Equalizer band {0}", BandOf(sub) + 1);
 }
 
 void EqualizerAutomation::GetValueName(MString& out, std::int32_t sub) const
@@ -218,9 +216,19 @@ double EqualizerAutomation::GetDefaultValue(std::int32_t sub) const
     return TargetValue(band, RoleOf(sub));
 }
 
-void EqualizerAutomation::UpdateEditor()
+EqualizerAutomation::Values EqualizerAutomation::PresentValues() const
 {
-    equalizer.UpdateAllBandControls();
+    Values values;
+    for (std::int32_t sub = 0; sub < TargetCount; ++sub)
+        values[static_cast<std::size_t>(sub)] = GetValue(sub);
+    return values;
+}
+
+void EqualizerAutomation::MarkChangesSince(const Values& before)
+{
+    for (std::int32_t sub = 0; sub < TargetCount; ++sub)
+        if (GetValue(sub) != before[static_cast<std::size_t>(sub)])
+            MarkChangedInside(sub);
 }
 
 void EqualizerAutomation::RefreshCache()

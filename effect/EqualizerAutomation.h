@@ -37,8 +37,10 @@ public:
     double ParseValueName(std::int32_t sub, const MString& text) const override;
     Type GetType(std::int32_t sub) const override;
     double GetDefaultValue(std::int32_t sub) const override;
-    /// Runs the observer's band refresh.
-    void UpdateEditor() override;
+    using Values = std::array<double, TargetCount>;
+    Values PresentValues() const;
+    /// Marks those that differ from `before` as changed inside: the bands were written without SetValue.
+    void MarkChangesSince(const Values& before);
 
     /// Notes every target's present value, in target order.
     void RefreshCache();
@@ -47,5 +49,5 @@ public:
 private:
     MEqualizerBase& equalizer;
     std::function<void(std::int32_t)> changed;
-    std::array<double, TargetCount> cache;
+    std::array<MRelaxed<double>, TargetCount> cache;
 };

@@ -45,6 +45,16 @@ void MEqualizerProcessorPlugin::BandChanged(std::int32_t band)
     effect.SendToHost(HostCommand::ParameterChangedInside, band);
 }
 
+void MEqualizerProcessorPlugin::UpdateBandControls(std::int32_t band)
+{
+    effect.Changes().MarkBand(band);
+}
+
+void MEqualizerProcessorPlugin::UpdateAllBandControls()
+{
+    effect.Changes().Mark(Change::Bands);
+}
+
 void MEqualizerProcessorPlugin::Update()
 {
     effect.SendToHost(HostCommand::EqualizerParametersChanged);

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "effect/EqualizerAutomation.h"
 #include "audio/equalizer/MEqualizerProcessor.h"
+#include "effect/EqualizerAutomation.h"
 #include "plugin/contract/MAudioEffectPlugin.h"
 
 /// Binds the equalizer to its effect: reads the effect's parameters and tells the effect's host of changes.
@@ -28,6 +28,8 @@ public:
     /// Bands, output gain and saturation. Audio thread, under the effect's lock.
     void Process(float** inputs, float** outputs, std::int32_t frames, std::int32_t channels);
     void BandChanged(std::int32_t band) override;
+    void UpdateBandControls(std::int32_t band) override;
+    void UpdateAllBandControls() override;
     void Update() override;
 
     EqualizerAutomation automation;

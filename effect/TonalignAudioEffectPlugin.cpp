@@ -124,9 +124,14 @@ std::int64_t TonalignAudioEffectPlugin::InitProcessing(std::int32_t channelCount
 
 void TonalignAudioEffectPlugin::OnParameterChange(std::int32_t index)
 {
-    if (index < AnalyserGroup)
+    // The other records of the panel stay for the sake of hosts; nothing reads them.
+    if (index == Smoothness)
+        analyzerWork.fetch_or(SmoothingWork);
+    else if (index == AverageLength)
+        analyzerWork.fetch_or(ClientsWork);
+    else
         return;
-    UpdateAnalysisState(index == AverageLength || index == Overlap);
+    Changes().Mark(Change::AnalyzerSettings);
 }
 
 void TonalignAudioEffectPlugin::SetUpsamplingRatio(std::int32_t ratio)
@@ -174,9 +179,13 @@ void TonalignAudioEffectPlugin::Process(const MProcessContext&, float** inputs, 
         AlignInputs(inputs, sampleCount);
         analysed = alignedPointers.data();
     }
-    if (!description.environment->editorVisible && !analyzer.settings.enableWhenHidden && !Analysing)
-        return;
-    FeedAnalyzer(analysed, outputs, sampleCount);
+    if (IsAnalyzerShown())
+    {
+        analyzer.AnalyseOwn(analysed, sampleCount, channelGroups);
+        analyzer.AnalyseClient(outputClient, outputs, sampleCount, channelGroups);
+    }
+    if (Analysing)
+        analyzer.AnalyseClient(analysisClient, analysed, sampleCount, channelGroups);
 }
 
 void TonalignAudioEffectPlugin::AlignInputs(float** inputs, std::int32_t sampleCount)
@@ -194,12 +203,12 @@ void TonalignAudioEffectPlugin::AlignInputs(float** inputs, std::int32_t sampleC
     }
 }
 
-void TonalignAudioEffectPlugin::FeedAnalyzer(float** inputs, float** outputs, std::int32_t sampleCount)
+// Without an editor nothing is shown, whatever the settings say: a session may hold a hundred of these.
+bool TonalignAudioEffectPlugin::IsAnalyzerShown() const
 {
-    analyzer.AnalyseOwn(inputs, sampleCount, channelGroups);
-    if (Analysing)
-        analyzer.AnalyseClient(analysisClient, inputs, sampleCount, channelGroups);
-    analyzer.AnalyseClient(outputClient, outputs, sampleCount, channelGroups);
+    const EditorPresence editor = description.environment->editor;
+    return editor == EditorPresence::Visible ||
+           (editor == EditorPresence::Hidden && analyzer.settings.enableWhenHidden);
 }
 
 EditorState TonalignAudioEffectPlugin::CurrentEditorState() const
@@ -211,27 +220,18 @@ EditorState TonalignAudioEffectPlugin::CurrentEditorState() const
                                .sourceDefined = SourceAnalysisDefined });
 }
 
-void TonalignAudioEffectPlugin::AttachObserver(EffectObserver* newObserver)
+void TonalignAudioEffectPlugin::BringAnalyzerUpToDate()
 {
-    {
-        const MSynchronizerGuard guard(lock);
-        observer = newObserver;
-        analyzer.SetDisplayAttached(observer != nullptr);
-    }
-    UpdateAnalysisState(false);
-}
-
-bool TonalignAudioEffectPlugin::Progress(const MString& stage, double fraction)
-{
-    return observer == nullptr || observer->OnProgress(stage, fraction);
-}
-
-LoadProgress TonalignAudioEffectPlugin::ProgressOf(const MString& stage)
-{
-    return { [this, stage](double fraction)
-             {
-                 return Progress(stage, fraction);
-             } };
+    if (!(sampleRate > 0))
+        return;
+    const std::uint32_t work = analyzerWork.exchange(0);
+    if (work == 0)
+        return;
+    const MSynchronizerGuard guard(lock);
+    analyzer.settings.averageLength = parameters[AverageLength].RunningValue();
+    analyzer.SetSmoothness(parameters[Smoothness].RunningValue());
+    if ((work & ClientsWork) != 0)
+        analyzer.Initialise(sampleRate, true);
 }
 
 void TonalignAudioEffectPlugin::UpdateAnalysisState(bool rebuildAnalyzer)
@@ -241,19 +241,10 @@ void TonalignAudioEffectPlugin::UpdateAnalysisState(bool rebuildAnalyzer)
     {
         const MSynchronizerGuard guard(lock);
         equalizer.bandsEnabled = !Analysing;
-        analyzer.settings.averageLength = parameters[AverageLength].RunningValue();
-        analyzer.SetSmoothness(parameters[Smoothness].RunningValue());
-        analyzer.Initialise(sampleRate, rebuildAnalyzer);
+        analyzerWork.fetch_or(SmoothingWork | (rebuildAnalyzer ? ClientsWork : 0u));
+        BringAnalyzerUpToDate();
     }
-    EffectObserver* attached = nullptr;
-    EditorState state;
-    {
-        const MSynchronizerGuard guard(lock);
-        attached = observer;
-        state = CurrentEditorState();
-    }
-    if (attached != nullptr)
-        attached->OnEditorState(state);
+    Changes().Mark(Change::AnalysisState);
 }
 
 void TonalignAudioEffectPlugin::ToggleTargetAnalysis()
@@ -271,7 +262,7 @@ void TonalignAudioEffectPlugin::ToggleAnalysis(bool source)
     {
         const MSynchronizerGuard guard(lock);
         AnalysisArray& analysis = source ? SourceAnalysis : TargetAnalysis;
-        bool& defined = source ? SourceAnalysisDefined : TargetAnalysisDefined;
+        MRelaxed<bool>& defined = source ? SourceAnalysisDefined : TargetAnalysisDefined;
         if (Analysing)
         {
             analyzer.GetSpectrum(analysisClient, analysis.data(), ProcessorAverageInfinite, 0);

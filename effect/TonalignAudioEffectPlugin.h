@@ -2,16 +2,18 @@
 #pragma once
 
 #include <array>
+#include <atomic>
 #include <cstdint>
 #include <vector>
 
 #include "audio/analyzer/MSpectralAnalyzerAdvanced.h"
-#include "effect/MEqualizerProcessorPlugin.h"
 #include "effect/AnalysisFile.h"
 #include "effect/AutoEqSettings.h"
-#include "effect/EffectObserver.h"
+#include "effect/EditorState.h"
 #include "effect/FilterFitter.h"
 #include "effect/FrequencyAreas.h"
+#include "effect/MEqualizerProcessorPlugin.h"
+#include "effect/WorkProgress.h"
 #include "foundation/audiofile/AudioFile.h"
 #include "foundation/containers/MArrayQueue.h"
 #include "plugin/contract/MAudioEffectPlugin.h"
@@ -20,7 +22,9 @@
 /// bands on audio.
 ///
 /// The audio thread enters Process; everything else runs on one other thread, that of an editor or of an
-/// offline host. They share `lock`. Long work holds `suspendCount` up instead of the lock.
+/// offline host, but for parameter changes, which come on any. They share `lock`. Long work holds
+/// `suspendCount` up instead of the lock. What a screen shows is told by marks in Changes(), and then read:
+/// CurrentEditorState, the bands, the analyses.
 class TonalignAudioEffectPlugin : public MAudioEffectPlugin
 {
 public:
@@ -38,6 +42,13 @@ public:
     {
         Done,
         NothingToDo   ///< the analyses agree within 0.01 dB; the bands stay as they were
+    };
+    /// What to tell a user of EqualizeResult::NothingToDo.
+    static MString NothingToDoText(bool separate);
+    enum class WorkResult
+    {
+        Done,
+        Cancelled   ///< by the progress; the analyses are as they were
     };
 
     TonalignAudioEffectPlugin();
@@ -58,13 +69,18 @@ public:
     /// Starts a measurement of the target, or ends the running one and takes it over.
     void ToggleTargetAnalysis();
     void ToggleSourceAnalysis();
-    /// Brings analyzer and observer in line with the flags; `rebuildAnalyzer` restarts the statistics.
+    /// Brings the analyzer in line with the flags and marks the analysis state; `rebuildAnalyzer` restarts
+    /// the statistics. Thread: GUI.
     void UpdateAnalysisState(bool rebuildAnalyzer);
+    /// Configures the analyzer for parameters that were moved since: they only mark, since they may come on
+    /// the audio thread. For whoever is about to read the analyzer, and for a screen that sees
+    /// Change::AnalyzerSettings. Thread: GUI.
+    void BringAnalyzerUpToDate();
     /// Measures a whole file as source or target, at the effect's rate. The effect is silent meanwhile.
     /// Throws MException and leaves the analyses alone when the file can't be read.
-    void AnalyseFile(const MString& path, bool isSource);
+    WorkResult AnalyseFile(const MString& path, bool isSource, const WorkProgress& progress = {});
     /// The same for audio in memory, which is brought to the effect's rate in place.
-    void AnalyseBuffer(AudioSampleBuffer& buffer, bool isSource);
+    WorkResult AnalyseBuffer(AudioSampleBuffer& buffer, bool isSource, const WorkProgress& progress = {});
     /// Fits bands that bring the target to the source (or, to separate, make room for it) and puts them in
     /// place of all that were there. Throws MException "Invalid source data. Please perform analyzation.".
     EqualizeResult Equalize(bool separate);
@@ -87,17 +103,15 @@ public:
 
     /// Sets one of the analyses from elsewhere, such as a file.
     void SetAnalysis(const AnalysisArray& analysis, bool isSource);
-    /// Null detaches. While somebody is attached the analyzer works.
-    void AttachObserver(EffectObserver* newObserver);
     EditorState CurrentEditorState() const;
 
     AnalysisArray TargetAnalysis{};
-    bool TargetAnalysisDefined = false;
+    MRelaxed<bool> TargetAnalysisDefined = false;
     AnalysisArray SourceAnalysis{};
-    bool SourceAnalysisDefined = false;
-    bool Analysing = false;
-    bool AnalysingSource = false;
-    bool DrawingSource = false;
+    MRelaxed<bool> SourceAnalysisDefined = false;
+    MRelaxed<bool> Analysing = false;
+    MRelaxed<bool> AnalysingSource = false;
+    MRelaxed<bool> DrawingSource = false;
     AutoEqSettings settings;
     MEnvelope SourceAnalysisEnvelope;   ///< the curve of Draw mode, dB over log10 of Hz
     FrequencyAreas areas;
@@ -106,23 +120,37 @@ public:
 
 private:
     void DescribeParameters();
+    /// What a cancelled file analysis returns to.
+    struct Measurement
+    {
+        bool targetDefined = false;
+        bool sourceDefined = false;
+    };
+    /// What BringAnalyzerUpToDate has to do.
+    enum AnalyzerWork : std::uint32_t
+    {
+        SmoothingWork = 1,
+        ClientsWork = 2
+    };
+
+    Measurement RunningMeasurement() const;
+    void ReturnTo(const Measurement& before);
     void ToggleAnalysis(bool source);
+    bool IsAnalyzerShown() const;
     void AlignInputs(float** inputs, std::int32_t sampleCount);
-    void FeedAnalyzer(float** inputs, float** outputs, std::int32_t sampleCount);
     void WriteBands(const std::vector<FittedFilter>& fitted);
     void StoreAnalyses(const MStoreParams& params);
     void StoreCurvesAndBands(const MStoreParams& params);
-    bool Progress(const MString& stage, double fraction);
-    LoadProgress ProgressOf(const MString& stage);
 
     std::array<MPluginParameterInfo, ParameterCount> parameters;
     std::array<MPluginSpecialParameterInfo, 1> specialParameters;
     AnalyzerClient outputClient;
     AnalyzerClient analysisClient;
     FilterFitter fitter;
+    Interpolator smoothing;   // of compared analyses
     std::array<MArrayQueue<float>, MaxChannels> delayQueues;
     std::int32_t cachedLatency = 0;
     std::vector<std::vector<float>> alignedInputs;
     std::array<float*, MaxChannels> alignedPointers{};
-    EffectObserver* observer = nullptr;
+    std::atomic<std::uint32_t> analyzerWork = 0;
 };

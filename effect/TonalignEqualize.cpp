@@ -28,17 +28,36 @@ const std::array<float, 1024>& TonalignAudioEffectPlugin::FitterGrid()
 TonalignAudioEffectPlugin::ComparedCurves TonalignAudioEffectPlugin::Compare(bool separate)
 {
     ComparedCurves curves;
-    curves.target = TargetAnalysis;
-    PrepareAnalysis(curves.target, analyzer.SmoothingKernel());
-    GridCurve source = SourceAnalysis;
-    PrepareAnalysis(source, analyzer.SmoothingKernel());
+    GridCurve source;
+    bool sourceDefined = false;
+    {
+        const MSynchronizerGuard guard(lock);
+        curves.target = TargetAnalysis;
+        source = SourceAnalysis;
+        sourceDefined = SourceAnalysisDefined;
+    }
+    // Not the analyzer's kernel, which a change of the parameter may be making anew.
+    smoothing.SetWidth(MSpectralAnalyzerAdvanced::SmoothingWidth(parameters[Smoothness].RunningValue()));
+    PrepareAnalysis(curves.target, smoothing);
+    PrepareAnalysis(source, smoothing);
     if (separate)
         curves.reference = WantedResponse::RoomBeside(curves.target, source, settings.spaceInMixLimit);
-    else if (SourceAnalysisDefined)
+    else if (sourceDefined)
         curves.reference = source;
     else
         curves.reference.fill(0);
     return curves;
+}
+
+MString TonalignAudioEffectPlugin::NothingToDoText(bool separate)
+{
+    const MString text =
+        Translate("There is nothing to equalize, because the analysis shows it is already perfect.");
+    if (!separate)
+        return text;
+    return text + "\n\n" +
+           Translate("Since you are trying to separate, you may want to use Settings/Space in mix limit "
+                     "controller to increase requested separation limit.");
 }
 
 TonalignAudioEffectPlugin::EqualizeResult TonalignAudioEffectPlugin::Equalize(bool separate)
@@ -48,18 +67,7 @@ TonalignAudioEffectPlugin::EqualizeResult TonalignAudioEffectPlugin::Equalize(bo
     const ComparedCurves curves = Compare(separate);
     WantedResponse wanted(curves.target, curves.reference);
     if (wanted.IsFlat())
-    {
-        MString text =
-            Translate("There is nothing to equalize, because the analysis shows it is already perfect.");
-        if (separate)
-            text =
-                text + "\n\n" +
-                Translate("Since you are trying to separate, you may want to use Settings/Space in mix limit "
-                          "controller to increase requested separation limit.");
-        if (observer != nullptr)
-            observer->OnInformation(text);
         return EqualizeResult::NothingToDo;
-    }
     wanted.Limit(FitterGrid(), { .frequencyMinHz = settings.adaptionFrequencyMin,
                                  .frequencyMaxHz = settings.adaptionFrequencyMax,
                                  .neverAmplify = settings.neverAmplify });
@@ -70,12 +78,12 @@ TonalignAudioEffectPlugin::EqualizeResult TonalignAudioEffectPlugin::Equalize(bo
     {
         // A short gap in the audio, so that the bands can change without the lock.
         const SuspendGuard suspended(*this);
+        const EqualizerAutomation::Values before = equalizer.automation.PresentValues();
         WriteBands(fitted);
         Update();
+        equalizer.automation.MarkChangesSince(before);
     }
     equalizer.UpdateAllBandControls();
-    if (observer != nullptr)
-        observer->OnBandsReplaced();
     return EqualizeResult::Done;
 }
 

@@ -8,7 +8,7 @@
 
 namespace
 {
-void StoreFlag(const MStoreParams& params, const MString& key, bool& value)
+void StoreFlag(const MStoreParams& params, const MString& key, MRelaxed<bool>& value)
 {
     if (params.saving)
         params.item->SetAttribute(key, value ? "1" : "0");
@@ -40,12 +40,30 @@ void StoreChild(const MStoreParams& params, const MString& key, Stored& stored)
 
 void TonalignAudioEffectPlugin::StoreAnalyses(const MStoreParams& params)
 {
-    StoreFlag(params, "TargetAnalysisDefined", TargetAnalysisDefined);
-    if (TargetAnalysisDefined)
-        StoreAnalysisArray(params, "TargetAnalysis", TargetAnalysis);
-    StoreFlag(params, "SourceAnalysisDefined", SourceAnalysisDefined);
-    if (SourceAnalysisDefined)
-        StoreAnalysisArray(params, "SourceAnalysis", SourceAnalysis);
+    // Copies, so that the lock is not held while a kilobyte of floats becomes text, or text floats.
+    struct
+    {
+        AnalysisArray analysis;
+        MRelaxed<bool> defined;
+    } target, source;
+    {
+        const MSynchronizerGuard guard(lock);
+        target = { TargetAnalysis, TargetAnalysisDefined };
+        source = { SourceAnalysis, SourceAnalysisDefined };
+    }
+    StoreFlag(params, "TargetAnalysisDefined", target.defined);
+    if (target.defined)
+        StoreAnalysisArray(params, "TargetAnalysis", target.analysis);
+    StoreFlag(params, "SourceAnalysisDefined", source.defined);
+    if (source.defined)
+        StoreAnalysisArray(params, "SourceAnalysis", source.analysis);
+    if (params.saving)
+        return;
+    const MSynchronizerGuard guard(lock);
+    TargetAnalysis = target.analysis;
+    TargetAnalysisDefined = target.defined;
+    SourceAnalysis = source.analysis;
+    SourceAnalysisDefined = source.defined;
 }
 
 void TonalignAudioEffectPlugin::StoreCurvesAndBands(const MStoreParams& params)
@@ -59,7 +77,6 @@ void TonalignAudioEffectPlugin::StoreCurvesAndBands(const MStoreParams& params)
     {
         equalizer.SetDefaults(false);
         equalizer.LoadPoints(params.item->GetCachedSubItem());
-        equalizer.Update();
         equalizer.UpdateAllBandControls();
     }
     StoreChild(params, "Areas", areas);
@@ -68,10 +85,15 @@ void TonalignAudioEffectPlugin::StoreCurvesAndBands(const MStoreParams& params)
 
 void TonalignAudioEffectPlugin::Store(const MStoreParams& params)
 {
+    if (params.saving)
+        BringAnalyzerUpToDate();
     StoreChild(params, "Analyzer", analyzer);
     StoreAnalyses(params);
-    settings.Store(params);
-    StoreCurvesAndBands(params);
+    {
+        const MSynchronizerGuard guard(lock);
+        settings.Store(params);
+        StoreCurvesAndBands(params);
+    }
     if (!params.saving)
         UpdateAnalysisState(true);
 }

@@ -25,13 +25,6 @@ MSpectralAnalyzerAdvancedT<float, 1024>::MSpectralAnalyzerAdvancedT()
     SetSmoothness(settings.smoothness);
 }
 
-void MSpectralAnalyzerAdvancedT<float, 1024>::SetDisplayAttached(bool attached)
-{
-    const MSynchronizerGuard guard(lock);
-    displayAttached = attached;
-    UpdateVisibility();
-}
-
 void MSpectralAnalyzerAdvancedT<float, 1024>::Store(const MStoreParams& params)
 {
     const MSynchronizerGuard guard(lock);
@@ -44,8 +37,13 @@ void MSpectralAnalyzerAdvancedT<float, 1024>::SetSmoothness(double smoothness)
 {
     const MSynchronizerGuard guard(lock);
     settings.smoothness = smoothness;
+    interpolator.SetWidth(SmoothingWidth(smoothness));
+}
+
+double MSpectralAnalyzerAdvancedT<float, 1024>::SmoothingWidth(double smoothness)
+{
     const double width = std::floor(smoothness * PointCount + 0.5);
-    interpolator.SetWidth(width >= SmallestSmoothWidth ? std::min(width, PointCount * 1.0) : 1.0);
+    return width >= SmallestSmoothWidth ? std::min(width, PointCount * 1.0) : 1.0;
 }
 
 void MSpectralAnalyzerAdvancedT<float, 1024>::Initialise(double newSampleRate, bool force)
@@ -100,8 +98,7 @@ void MSpectralAnalyzerAdvancedT<float, 1024>::UpdateVisibility()
                                      latchedProcessors[p] && latchedChannelMode == ChannelModeLeftAndRight };
     visibility.sonogram = settings.sonogramEnabled;
     visibility.comparison = settings.comparisonEnable;
-    if (displayAttached)
-        displayFloor = settings.resolutionDb;
+    displayFloor = settings.resolutionDb;
 }
 
 void MSpectralAnalyzerAdvancedT<float, 1024>::ApplyTimeResolution()
@@ -160,8 +157,7 @@ void MSpectralAnalyzerAdvancedT<float, 1024>::ResetAll()
 void MSpectralAnalyzerAdvancedT<float, 1024>::AnalyseOwn(const float* const* channels, std::int32_t n,
                                                          std::int32_t channelCount)
 {
-    if ((!latchedEnabled && !latchedSonogramEnabled) || !displayAttached || settings.freeze ||
-        channelCount < 1)
+    if ((!latchedEnabled && !latchedSonogramEnabled) || settings.freeze || channelCount < 1)
         return;
     Feed(ownClients[0], channels, n, channelCount);
     if (latchedChannelMode == ChannelModeLeftAndRight && channelCount > 1)
@@ -172,7 +168,7 @@ void MSpectralAnalyzerAdvancedT<float, 1024>::AnalyseClient(AnalyzerClient& clie
                                                             const float* const* channels, std::int32_t n,
                                                             std::int32_t channelCount)
 {
-    if (displayAttached && !settings.freeze && channelCount > 0)
+    if (!settings.freeze && channelCount > 0)
         Feed(client, channels, n, channelCount);
 }
 

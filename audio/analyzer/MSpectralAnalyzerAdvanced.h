@@ -22,10 +22,10 @@ struct AnalyzerVisibility
 /// The analyzer with everything that a user can set: the settings, their store, the prefilter, the smoothing
 /// kernel, and the choice of channels for its clients.
 ///
-/// It knows no screen. A display tells that it is there by SetDisplayAttached, since nothing is fed without
-/// one, and reads the latched flags and the arrays. AnalyseOwn and AnalyseClient run on the audio thread with
-/// the effect's lock held and look at latched values only; everything else runs on the GUI thread and takes
-/// that lock itself.
+/// It knows no screen: whether anybody looks, and so whether it is fed, is its owner's to know. A display
+/// reads the latched flags and the arrays. AnalyseOwn and AnalyseClient run on the audio thread with the
+/// effect's lock held and look at latched values only; everything else runs on the GUI thread and takes that
+/// lock itself.
 template <typename Sample, int Points>
 class MSpectralAnalyzerAdvancedT;
 
@@ -40,9 +40,6 @@ public:
 
     /// The effect's lock, which is recursive; null for none.
     void SetLock(MSynchronizer* effectLock) { lock = effectLock; }
-    /// Whether a display exists; also gives it the floor of the settings.
-    void SetDisplayAttached(bool attached);
-    bool IsDisplayAttached() const { return displayAttached; }
 
     /// Reads or writes the settings. Reading doesn't re-initialise by itself.
     void Store(const MStoreParams& params);
@@ -53,6 +50,8 @@ public:
     void Initialise(double newSampleRate, bool force);
     /// Stores the smoothness (0 to 0.2 of the axis) and makes the kernel for it.
     void SetSmoothness(double smoothness);
+    /// The width in points, for Interpolator::SetWidth, that a smoothness means.
+    static double SmoothingWidth(double smoothness);
     /// "Time resolution" alone, without touching anything else.
     void ApplyTimeResolution();
     /// Makes the prefilter's curve from its envelope and depth. Part of Initialise.
@@ -101,7 +100,6 @@ private:
                  std::int32_t channelCount);
 
     MSynchronizer* lock = nullptr;
-    bool displayAttached = false;
     std::array<AnalyzerClient, 2> ownClients;
     std::vector<AddedClient> addedClients;
     Interpolator interpolator;

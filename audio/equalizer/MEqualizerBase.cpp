@@ -40,18 +40,6 @@ void MEqualizerBase::SetBandDefaults(BandPoint& band, std::int32_t index)
 
 void MEqualizerBase::BandChanged(std::int32_t) {}
 
-void MEqualizerBase::UpdateBandControls(std::int32_t band)
-{
-    if (observer != nullptr)
-        observer->OnBandChanged(band);
-}
-
-void MEqualizerBase::UpdateAllBandControls()
-{
-    for (std::int32_t band = 0; band < BandCount; ++band)
-        UpdateBandControls(band);
-}
-
 void MEqualizerBase::SavePoints(MAttribute& node) const
 {
     for (const BandPoint& band : bands)

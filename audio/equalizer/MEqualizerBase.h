@@ -12,14 +12,6 @@
 
 class MAttribute;
 
-/// Hears that what an editor shows of a band has changed. GUI thread.
-class EqualizerObserver
-{
-public:
-    virtual ~EqualizerObserver() = default;
-    virtual void OnBandChanged(std::int32_t band) = 0;
-};
-
 /// The summed response of a list of sections, as it stood when it was copied.
 class ResponseCurve
 {
@@ -52,8 +44,9 @@ public:
     virtual void BandChanged(std::int32_t band);
     virtual void Update() {}
     virtual void ReleaseChannelFilters(std::int32_t) {}
-    void UpdateBandControls(std::int32_t band);
-    void UpdateAllBandControls();
+    /// What a screen shows of a band, or of all, is to be shown anew. Thread: any.
+    virtual void UpdateBandControls(std::int32_t) {}
+    virtual void UpdateAllBandControls() {}
 
     BandPoint& Band(std::int32_t index) { return bands[static_cast<std::size_t>(index)]; }
     const BandPoint& Band(std::int32_t index) const { return bands[static_cast<std::size_t>(index)]; }
@@ -82,7 +75,6 @@ public:
     MSynchronizer* lock = nullptr;
     /// Off during a measurement: the signal passes unfiltered.
     bool bandsEnabled = true;
-    EqualizerObserver* observer = nullptr;
 
 private:
     std::array<BandPoint, BandCount> bands;

@@ -88,6 +88,18 @@ void AutomationAdapter::Randomize(double amount)
     }
 }
 
+void AutomationAdapter::MarkChanged(std::int32_t sub)
+{
+    if (plugin != nullptr)
+        plugin->MarkParameterChanged(firstIndex + sub);
+}
+
+void AutomationAdapter::MarkChangedInside(std::int32_t sub)
+{
+    if (plugin != nullptr)
+        plugin->MarkParameterChangedInside(firstIndex + sub);
+}
+
 void AutomationAdapter::SendAutomation(std::int32_t sub)
 {
     SendAutomationValue(sub, GetDefaultValue(sub));

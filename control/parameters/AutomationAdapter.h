@@ -15,8 +15,10 @@ public:
     virtual ~AutomationOwner() = default;
     /// Tells the host that a parameter was moved from inside.
     virtual void SendAutomation(std::int32_t index, double value01) = 0;
-    /// Has `UpdateEditor` of the adapter run on the GUI thread, if there is an editor. Any thread.
-    virtual void RequestEditorUpdate(AutomationAdapter& adapter) = 0;
+    /// Marks that a parameter moved, for whoever shows it. Any thread; never waits or allocates.
+    virtual void MarkParameterChanged(std::int32_t index) = 0;
+    /// The same where the host doesn't know of it yet.
+    virtual void MarkParameterChangedInside(std::int32_t index) = 0;
 };
 
 /// Stands between a run of host parameters and the fields of an effect: each of its targets turns a value
@@ -54,7 +56,7 @@ public:
     virtual double GetDefaultValue(std::int32_t sub) const;
     /// Runs after the plug-in's list was built anew.
     virtual void OnReconnect() {}
-    /// GUI thread: show the present value.
+    /// A target was found changed. Thread: GUI.
     virtual void UpdateEditor() {}
     virtual bool IsRandomizable() const;
     /// Moves every target by up to `amount`, or draws it anew from amount 1 on.
@@ -67,10 +69,15 @@ public:
     void SendAutomationValueWithChange(std::int32_t sub, double value01);
     void SendAllAutomation();
 
+    /// Where to find a set value: what follows every SetValue that isn't silent. Thread: any.
+    void MarkChanged(std::int32_t sub);
+    void MarkChangedInside(std::int32_t sub);
+
     std::int32_t targetCount = 1;
     std::int32_t firstIndex = 0;
     bool owned = true;   ///< the list deletes it
     bool temporary = false;   ///< of a dynamic parameter, outside the stable host list
+    bool ofEffect = false;   ///< built from a description, and built anew with it
     AutomationOwner* plugin = nullptr;
     MString prefix;   ///< start of the id of all targets
     MString groupName;

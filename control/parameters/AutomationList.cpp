@@ -60,7 +60,6 @@ void AutomationList::BuildPass(MPlugin& effect, MPluginParameterInfo* const* rec
         adapter->effect = &effect;
         adapter->info = &info;
         adapter->index = index;
-        adapter->editorOpen = context.editorOpen;
         adapter->name = info.name;
         adapter->group = info.id;
         adapter->id = groupText;
@@ -69,6 +68,7 @@ void AutomationList::BuildPass(MPlugin& effect, MPluginParameterInfo* const* rec
         adapter->sortKey = info.hostIndex;
         adapter->prefix = context.prefix;
         adapter->temporary = temporary;
+        adapter->ofEffect = true;
         if (!temporary)
             buckets[static_cast<std::size_t>(index & 7)].push_back({ index, adapter.get() });
         adapters.push_back(adapter.release());
@@ -86,6 +86,7 @@ void AutomationList::BuildSpecial(MPlugin& effect, const BuildContext& context)
         special.adapter->prefix = context.prefix;
         special.adapter->groupName = special.name;
         special.adapter->owned = false;
+        special.adapter->ofEffect = true;
         adapters.push_back(special.adapter);
     }
 }
@@ -124,17 +125,31 @@ void AutomationList::AssignIndices()
     }
 }
 
-void AutomationList::RemoveTemporary()
+template <typename Predicate>
+void AutomationList::RemoveIf(Predicate&& predicate)
 {
     for (std::size_t index = adapters.size(); index-- > 0;)
     {
         AutomationAdapter* adapter = adapters[index];
-        if (!adapter->temporary)
+        if (!predicate(*adapter))
             continue;
         adapters.erase(adapters.begin() + static_cast<std::ptrdiff_t>(index));
+        adapter->plugin = nullptr;
         if (adapter->owned)
             delete adapter;
     }
+}
+
+void AutomationList::RemoveTemporary()
+{
+    RemoveIf([](const AutomationAdapter& adapter) { return adapter.temporary; });
+}
+
+void AutomationList::RemoveBuilt()
+{
+    RemoveIf([](const AutomationAdapter& adapter) { return adapter.ofEffect; });
+    for (auto& bucket : buckets)
+        bucket.clear();
 }
 
 void AutomationList::Clear()

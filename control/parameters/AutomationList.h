@@ -19,7 +19,6 @@ public:
     struct BuildContext
     {
         AutomationOwner* plugin = nullptr;
-        const MRelaxed<bool>* editorOpen = nullptr;
         MString prefix;
     };
 
@@ -35,6 +34,8 @@ public:
     /// Sorts by `sortKey`, numbers the targets and counts them.
     void AssignIndices();
     void RemoveTemporary();
+    /// Removes what Build added; the adapters of others stay.
+    void RemoveBuilt();
     void Clear();
 
     /// The adapter whose targets hold a host index; null in an empty list. `sub` gets its number in it.
@@ -56,6 +57,8 @@ private:
     };
     void BuildPass(MPlugin& effect, MPluginParameterInfo* const* records, std::int32_t count, bool temporary,
                    const BuildContext& context);
+    template <typename Predicate>
+    void RemoveIf(Predicate&& predicate);
     void BuildSpecial(MPlugin& effect, const BuildContext& context);
 
     std::vector<AutomationAdapter*> adapters;

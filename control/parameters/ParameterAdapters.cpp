@@ -115,24 +115,28 @@ void ParameterBase::Randomize(double amount)
     RandomizeParameter(*info, amount);
 }
 
-void ParameterBase::NotifyChanged()
+void ParameterBase::NotifyChanged(std::int32_t sub)
 {
     effect->OnParameterChange(index);
     if (info->Has(ParameterFlag::NeedsUpdate))
         effect->description.RequestUpdate();
-    if (plugin != nullptr && editorOpen != nullptr && *editorOpen)
-        plugin->RequestEditorUpdate(*this);
+    MarkChanged(sub);
 }
 
-void ParameterBaseCustom::NotifyChanged()
+void ParameterBaseCustom::NotifyChanged(std::int32_t sub)
 {
     for (const ChangeCallback& callback : callbacks)
         callback.function(callback.target, callback.context, nullptr);
+    MarkChanged(sub);
+}
+
+void ParameterBaseCustom::UpdateEditor()
+{
     OnChanged.Post(GlobalEventProcessor(), {});
 }
 
 template <typename B>
-void ParameterFloatT<B>::SetValue(std::int32_t, double value01, bool silent)
+void ParameterFloatT<B>::SetValue(std::int32_t sub, double value01, bool silent)
 {
     MPluginParameterInfo& record = *this->info;
     const double value = FloatFrom01(record, value01);
@@ -141,7 +145,7 @@ void ParameterFloatT<B>::SetValue(std::int32_t, double value01, bool silent)
     else
         record.number.value = value;
     if (!silent)
-        this->NotifyChanged();
+        this->NotifyChanged(sub);
 }
 
 template <typename B>
@@ -211,7 +215,7 @@ double ParameterFloatT<B>::GetDefaultValue(std::int32_t) const
 }
 
 template <typename B>
-void ParameterIntT<B>::SetValue(std::int32_t, double value01, bool silent)
+void ParameterIntT<B>::SetValue(std::int32_t sub, double value01, bool silent)
 {
     MPluginParameterInfo& record = *this->info;
     const std::int32_t value = IntegerFrom01(record, value01);
@@ -220,7 +224,7 @@ void ParameterIntT<B>::SetValue(std::int32_t, double value01, bool silent)
     else
         record.integer.value = value;
     if (!silent)
-        this->NotifyChanged();
+        this->NotifyChanged(sub);
 }
 
 template <typename B>
@@ -268,11 +272,11 @@ double ParameterIntT<B>::GetDefaultValue(std::int32_t) const
 }
 
 template <typename B>
-void ParameterEnumT<B>::SetValue(std::int32_t, double value01, bool silent)
+void ParameterEnumT<B>::SetValue(std::int32_t sub, double value01, bool silent)
 {
     this->info->enumeration.index = IndexFrom01(*this->info, value01);
     if (!silent)
-        this->NotifyChanged();
+        this->NotifyChanged(sub);
 }
 
 template <typename B>
@@ -310,11 +314,11 @@ double ParameterEnumT<B>::GetDefaultValue(std::int32_t) const
 }
 
 template <typename B>
-void ParameterBoolT<B>::SetValue(std::int32_t, double value01, bool silent)
+void ParameterBoolT<B>::SetValue(std::int32_t sub, double value01, bool silent)
 {
     *Field() = value01 >= 0.5;
     if (!silent)
-        this->NotifyChanged();
+        this->NotifyChanged(sub);
 }
 
 template <typename B>

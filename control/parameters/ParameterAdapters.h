@@ -30,13 +30,12 @@ public:
     bool IsRandomizable() const override;
     void Randomize(double amount) override;
 
-    const MRelaxed<bool>* editorOpen = nullptr;   ///< of the driver; null counts as closed
     std::int32_t index = -1;   ///< in the description's array
 
 protected:
     /// What follows every set that isn't silent: the effect hears at once, Update waits for the next
-    /// block, the editor for the GUI thread.
-    void NotifyChanged();
+    /// block, a screen finds the mark.
+    void NotifyChanged(std::int32_t sub);
 };
 
 /// A parameter with no record in a description, for values that belong to the standard layer.
@@ -55,11 +54,12 @@ public:
     void AddCallback(const ChangeCallback& callback) { callbacks.push_back(callback); }
 
     MPluginParameterInfo ownInfo;
-    /// Posted on every change, so that handlers run on the GUI thread.
+    void UpdateEditor() override;
+    /// Posted after a change by whoever drains the marks, not by whoever makes it.
     MEvent<MOnNotifyParams, MHandlerNoAdditionals> OnChanged;
 
 protected:
-    void NotifyChanged();
+    void NotifyChanged(std::int32_t sub);
 
 private:
     std::vector<ChangeCallback> callbacks;

@@ -18,7 +18,6 @@ OfflineHost::OfflineHost() : plugin(CreateInstance(StartingSettings::OfTheSystem
 
 OfflineHost::~OfflineHost()
 {
-    Effect().AttachObserver(nullptr);
     plugin->adapter = nullptr;
 }
 

@@ -6,7 +6,6 @@
 #include <memory>
 #include <vector>
 
-#include "effect/EffectObserver.h"
 #include "foundation/audiofile/AudioSampleBuffer.h"
 #include "hosts/module/CreateInstance.h"
 #include "plugin/driver/MAudioPluginAdapter.h"
@@ -15,8 +14,7 @@
 /// ProcessBlock like any other host; it compensates the reported latency, so that what comes out is as long
 /// as what went in and in time with it.
 ///
-/// One thread. It attaches to the effect as its observer while analyses run, so that measuring works without
-/// an editor; while it renders nobody watches, and the analyzer rests.
+/// One thread. Nobody looks, so that the analyzer rests but for measurements.
 class OfflineHost : public MAudioPluginAdapter
 {
 public:

@@ -263,7 +263,7 @@ std::intptr_t MAudioPluginVSTAdapter::AnswerParameter(std::int32_t opcode, std::
 void MAudioPluginVSTAdapter::SetParameter(AEffect* effect, std::int32_t index, float value)
 {
     MAudioPluginVSTAdapter* adapter = AdapterOf(effect);
-    if (adapter != nullptr && !adapter->ignoreSetParameter.load(std::memory_order_relaxed))
+    if (adapter != nullptr && !adapter->echoes.IsEcho())
         adapter->plugin->SetParameter(index, static_cast<double>(value), false);
 }
 
@@ -452,9 +452,8 @@ void MAudioPluginVSTAdapter::SendAutomation(std::int32_t index, double value01)
     if (index < 0 || index >= plugin->GetParameterCount())
         return;
     // The host sets the parameter again in answer; that echo changes nothing.
-    ignoreSetParameter = true;
+    const EchoGuard::Report report(echoes);
     CallHost(HostOpcode::Automate, index, 0, nullptr, static_cast<float>(value01));
-    ignoreSetParameter = false;
 }
 
 void MAudioPluginVSTAdapter::GenerateMIDIEvent(std::uint8_t status, std::uint8_t data1, std::uint8_t data2,

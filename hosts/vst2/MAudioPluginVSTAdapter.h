@@ -8,6 +8,7 @@
 
 #include "foundation/streams/MMemoryStream.h"
 #include "foundation/threads/MLock.h"
+#include "hosts/module/EchoGuard.h"
 #include "hosts/module/ModuleUse.h"
 #include "hosts/vst2/AEffect.h"
 #include "plugin/driver/MAudioPluginAdapter.h"
@@ -36,6 +37,9 @@ public:
     void GenerateMIDIEvent(std::uint8_t status, std::uint8_t data1, std::uint8_t data2,
                            std::int32_t offset) override;
     void ReportLatency() override;
+    void BeginGesture(std::int32_t index) override { CallHost(HostOpcode::BeginEdit, index); }
+    void EndGesture(std::int32_t index) override { CallHost(HostOpcode::EndEdit, index); }
+    void ReportAllValues() override { CallHost(HostOpcode::UpdateDisplay); }
     /// There is no editor yet, so there is nothing to resize.
     void ChangeEditorSize(std::int32_t, std::int32_t) override {}
 
@@ -70,7 +74,7 @@ private:
     HostCallback host;
     std::unique_ptr<MQuorvaneAudioEffectPlugin> plugin;
     MMemoryStream chunk;   // the host reads it after the request, until the next one
-    std::atomic<bool> ignoreSetParameter = false;
+    EchoGuard echoes;
     MLock outgoingLock;
     // Room for a block's events is made once: both are used on the audio thread.
     std::vector<MidiEvent> outgoingEvents;

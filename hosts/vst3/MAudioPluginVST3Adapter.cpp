@@ -436,9 +436,50 @@ void MAudioPluginVST3Adapter::Edit(ParamID id, double value01)
     IComponentHandler* handler = controller.Handler();
     if (handler == nullptr)
         return;
-    reportingAutomation = true;
+    const EchoGuard::Report report(echoes);
     handler->performEdit(id, value01);
-    reportingAutomation = false;
+}
+
+void MAudioPluginVST3Adapter::BeginGesture(std::int32_t index)
+{
+    if (IComponentHandler* handler = controller.Handler())
+        AtBoundary("MAudioPluginVST3Adapter::BeginGesture",
+                   [&] { handler->beginEdit(static_cast<ParamID>(index)); });
+}
+
+void MAudioPluginVST3Adapter::EndGesture(std::int32_t index)
+{
+    if (IComponentHandler* handler = controller.Handler())
+        AtBoundary("MAudioPluginVST3Adapter::EndGesture",
+                   [&] { handler->endEdit(static_cast<ParamID>(index)); });
+}
+
+template <typename Operation>
+void MAudioPluginVST3Adapter::WithGroupHandler(Operation&& operation)
+{
+    // Asked for each time: groups are rare, and a host may change its handler.
+    FUnknownPtr<IComponentHandler2> handler(controller.Handler());
+    if (handler)
+        operation(*handler);
+}
+
+void MAudioPluginVST3Adapter::BeginGroup()
+{
+    AtBoundary("MAudioPluginVST3Adapter::BeginGroup",
+               [this] { WithGroupHandler([](IComponentHandler2& handler) { handler.startGroupEdit(); }); });
+}
+
+void MAudioPluginVST3Adapter::EndGroup()
+{
+    AtBoundary("MAudioPluginVST3Adapter::EndGroup",
+               [this] { WithGroupHandler([](IComponentHandler2& handler) { handler.finishGroupEdit(); }); });
+}
+
+void MAudioPluginVST3Adapter::ReportAllValues()
+{
+    if (IComponentHandler* handler = controller.Handler())
+        AtBoundary("MAudioPluginVST3Adapter::ReportAllValues",
+                   [&] { handler->restartComponent(kParamValuesChanged); });
 }
 
 void MAudioPluginVST3Adapter::SendAutomation(std::int32_t index, double value01)
@@ -451,7 +492,15 @@ void MAudioPluginVST3Adapter::SendAutomation(std::int32_t index, double value01)
 void MAudioPluginVST3Adapter::SendBypassAutomation()
 {
     AtBoundary("MAudioPluginVSTAdapter::SendBypassAutomation",
-               [&] { Edit(BypassId, plugin->bypass ? 1.0 : 0.0); });
+               [&]
+               {
+                   IComponentHandler* handler = controller.Handler();
+                   if (handler == nullptr)
+                       return;
+                   handler->beginEdit(BypassId);
+                   Edit(BypassId, plugin->bypass ? 1.0 : 0.0);
+                   handler->endEdit(BypassId);
+               });
 }
 
 void MAudioPluginVST3Adapter::ReportLatency()
@@ -516,7 +565,7 @@ void MAudioPluginVST3Adapter::ApplyParameterChange(ParamID id, ParamValue value)
                    const MSynchronizerGuard settingsGuard(plugin->settingsLock);
                    if (id == BypassId)
                        plugin->bypass = value > 0.5;
-                   else if (id < FirstControllerId && !reportingAutomation)
+                   else if (id < FirstControllerId && !echoes.IsEcho())
                        plugin->SetParameterIfChanged(static_cast<int32>(id), value);
                });
 }

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "foundation/threads/MLock.h"
+#include "hosts/module/EchoGuard.h"
 #include "hosts/module/ModuleUse.h"
 #include "hosts/vst3/EditControllerFacet.h"
 #include "plugin/driver/MAudioPluginAdapter.h"
@@ -98,6 +99,11 @@ public:
     void GenerateMIDIEvent(std::uint8_t status, std::uint8_t data1, std::uint8_t data2,
                            std::int32_t offset) override;
     void ReportLatency() override;
+    void BeginGesture(std::int32_t index) override;
+    void EndGesture(std::int32_t index) override;
+    void BeginGroup() override;
+    void EndGroup() override;
+    void ReportAllValues() override;
     /// There is no editor yet, so there is nothing to resize.
     void ChangeEditorSize(std::int32_t, std::int32_t) override {}
 
@@ -117,6 +123,8 @@ private:
     void BuildBuses();
     void ReadHostName(Steinberg::FUnknown* context);
     void Edit(Steinberg::Vst::ParamID id, double value01);
+    template <typename Operation>
+    void WithGroupHandler(Operation&& operation);
     void ApplyParameterChanges(Steinberg::Vst::IParameterChanges& changes);
     void ReadTimeInfo(const Steinberg::Vst::ProcessContext& context);
     void ProcessAudio(Steinberg::Vst::ProcessData& data);
@@ -130,7 +138,7 @@ private:
     bool initialized = false;
     std::atomic<bool> active = false;
     std::atomic<bool> inActivation = false;   // latency is not reported then: the host asks for it afterwards
-    std::atomic<bool> reportingAutomation = false;
+    EchoGuard echoes;
     std::atomic<int32> reportedLatency = 0;
     std::atomic<int32> reportedTail = 0;
     Steinberg::Vst::SpeakerArrangement inputArrangement;

@@ -50,6 +50,8 @@ public:
     virtual void ResetSpecial();
     virtual std::int64_t OnCommand20(std::int64_t first, std::int64_t second);
 
+    /// Where changes are marked. Thread: any.
+    ChangeFeed& Changes() { return description.environment->changes; }
     /// Sends a command to the host; -1 without a callback.
     std::int64_t SendToHost(std::int64_t command, std::int64_t argument = 0);
 

@@ -6,15 +6,27 @@
 #include <limits>
 #include <vector>
 
+#include "plugin/contract/ChangeFeed.h"
 #include "plugin/contract/MPluginParameterInfo.h"
 
 class MEventTarget;
 
+/// Whether somebody looks. Of all flags that say so this is the only one.
+enum class EditorPresence : std::int32_t
+{
+    Closed,   ///< no editor exists
+    Hidden,   ///< one exists, but isn't shown
+    Visible
+};
+
 /// State that a driver shares with its effect.
 struct MEffectEnvironment
 {
-    MRelaxed<bool> editorVisible = true;   ///< true while an editor is open
+    MRelaxed<EditorPresence> editor = EditorPresence::Visible;   ///< written on the GUI thread
     const double* automationSmoothing = nullptr;
+    ChangeFeed changes;   ///< where effect and driver mark what a screen shows
+
+    bool editorVisible() const { return editor == EditorPresence::Visible; }
 };
 
 namespace EffectFlag

@@ -41,12 +41,17 @@ std::int64_t MPluginHost::Dispatch(std::int64_t command, MPluginArgument* argume
     case HostCommand::Query:
         return OnCommand(arguments[0].value);
     case HostCommand::EqualizerParametersChanged:
+        if (instance != nullptr)
+            instance->Changes().Mark(Change::Response);
+        return 0;
     case HostCommand::ParameterGroupLoaded:
+        if (instance != nullptr)
+            instance->Changes().Mark(Change::ParameterGroup);
+        return 0;
     case HostCommand::ParameterChangedInside:
-    {
-        const Handler handler = handlers[static_cast<std::size_t>(command)];
-        return handler != nullptr ? handler(*this, arguments) : 0;
-    }
+        if (instance != nullptr)
+            instance->Changes().MarkBand(arguments[0].AsInt32());
+        return 0;
     case HostCommand::DestroyTemporaryAdapters:
         return driver != nullptr ? driver->OnDestroyTemporaryAdapters() : 0;
     case HostCommand::RebuildParameters:

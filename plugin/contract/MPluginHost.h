@@ -26,15 +26,14 @@ public:
 class MPluginHost : public MEventTarget
 {
 public:
-    using Handler = std::int64_t (*)(MPluginHost& host, MPluginArgument* arguments);
-
     MPluginHost() = default;
     ~MPluginHost() override;
 
     /// Makes the effect. 0 for success, 1 if there is none.
     virtual std::int32_t Connect() = 0;
     virtual void OnConnected() {}
-    /// A command from the effect. A null handler answers 0, a number above 7 -1.
+    /// A command from the effect: what tells of a change is marked in the feed, on whatever thread it comes.
+    /// A number above 7 answers -1.
     virtual std::int64_t Dispatch(std::int64_t command, MPluginArgument* arguments);
     virtual std::int64_t OnCommand(std::int64_t argument);
 
@@ -53,8 +52,6 @@ public:
     MPluginDescription* description = nullptr;
     MPluginSystem* system = nullptr;
     bool active = true;
-    /// Handlers of the host commands 1 to 3, empty unless an editor sets them.
-    std::array<Handler, 4> handlers{};
 
 private:
     struct OwnerRecord

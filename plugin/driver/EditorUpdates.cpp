@@ -1,17 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "plugin/driver/EditorUpdates.h"
 
-#include <algorithm>
-
-#include "control/parameters/AutomationAdapter.h"
+#include "control/parameters/AutomationList.h"
 #include "foundation/containers/MThread.h"
 
-/// Looks for pending editor updates until it is stopped.
+/// Looks for news until it is stopped.
 class AutomationUpdateRequestThread : public MThread
 {
 public:
-    AutomationUpdateRequestThread(EditorUpdates& watched, std::function<void()> wakeFunction)
-        : updates(watched), wake(std::move(wakeFunction))
+    AutomationUpdateRequestThread(const ChangeListener& editor, std::function<void()> wakeFunction)
+        : watched(editor), wake(std::move(wakeFunction))
     {
     }
     ~AutomationUpdateRequestThread() override
@@ -26,7 +24,7 @@ public:
         constexpr std::uint32_t periodMs = 100;
         while (!IsCancelled())
         {
-            if (updates.HasPending())
+            if (watched.IsBehind())
                 wake();
             wakeSemaphore.Acquire(periodMs);
         }
@@ -34,11 +32,12 @@ public:
     }
 
 private:
-    EditorUpdates& updates;
+    const ChangeListener& watched;
     std::function<void()> wake;
 };
 
-EditorUpdates::EditorUpdates() = default;
+EditorUpdates::EditorUpdates(const ChangeFeed& feed) : listener(feed) {}
+
 EditorUpdates::~EditorUpdates()
 {
     StopListening();
@@ -47,47 +46,29 @@ EditorUpdates::~EditorUpdates()
 void EditorUpdates::StartListening(std::function<void()> wake)
 {
     StopListening();
-    thread = std::make_unique<AutomationUpdateRequestThread>(*this, std::move(wake));
+    listener.Drain();
+    thread = std::make_unique<AutomationUpdateRequestThread>(listener, std::move(wake));
     thread->Start();
-    listening = true;
 }
 
 void EditorUpdates::StopListening()
 {
-    listening = false;
     thread.reset();
-    Forget();
 }
 
-void EditorUpdates::Request(AutomationAdapter& changed)
+bool EditorUpdates::Deliver(const AutomationList& adapters)
 {
-    if (!listening)
-        return;
-    const MSynchronizerGuard guard(pendingEditorUpdatesLock);
-    if (std::find(pendingEditorUpdates.begin(), pendingEditorUpdates.end(), &changed) ==
-        pendingEditorUpdates.end())
-        pendingEditorUpdates.push_back(&changed);
-}
-
-void EditorUpdates::Deliver()
-{
-    std::vector<AutomationAdapter*> waiting;
+    if (!listener.Drain())
+        return false;
+    AutomationAdapter* last = nullptr;
+    for (const std::int32_t index : listener.Parameters())
     {
-        const MSynchronizerGuard guard(pendingEditorUpdatesLock);
-        waiting.swap(pendingEditorUpdates);
+        std::int32_t sub = 0;
+        AutomationAdapter* const changed = adapters.Find(index, sub);
+        // In the order of the list, so that the targets of one adapter stand side by side.
+        if (changed != nullptr && changed != last)
+            changed->UpdateEditor();
+        last = changed;
     }
-    for (AutomationAdapter* adapter : waiting)
-        adapter->UpdateEditor();
-}
-
-void EditorUpdates::Forget()
-{
-    const MSynchronizerGuard guard(pendingEditorUpdatesLock);
-    pendingEditorUpdates.clear();
-}
-
-bool EditorUpdates::HasPending()
-{
-    const MSynchronizerGuard guard(pendingEditorUpdatesLock);
-    return !pendingEditorUpdates.empty();
+    return true;
 }

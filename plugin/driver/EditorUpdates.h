@@ -3,40 +3,34 @@
 
 #include <functional>
 #include <memory>
-#include <vector>
 
-#include "foundation/threads/MLock.h"
-#include "foundation/threads/MRelaxed.h"
+#include "plugin/contract/ChangeListener.h"
 
-class AutomationAdapter;
+class AutomationList;
 class AutomationUpdateRequestThread;
 
-/// Carries "this parameter moved" from whatever thread moved it to the thread of an open editor.
+/// Brings what was marked in the feed to the thread of an open editor.
 ///
-/// While an editor listens, a thread looks every 100 ms whether something waits and calls `wake`, which has
-/// Deliver run on the GUI thread. Without a listener nothing is collected and no thread exists.
+/// While an editor listens, a thread looks every 100 ms whether something is new and calls `wake`, which has
+/// Deliver run on the GUI thread. Without a listener no thread exists, and marking is all that happens.
 class EditorUpdates
 {
 public:
-    EditorUpdates();
+    explicit EditorUpdates(const ChangeFeed& feed);
     ~EditorUpdates();
     EditorUpdates(const EditorUpdates&) = delete;
     EditorUpdates& operator=(const EditorUpdates&) = delete;
 
-    /// `wake` is called on the request thread. GUI thread.
+    /// `wake` is called on the request thread, and again until Deliver has run. What was marked before isn't
+    /// new. Thread: GUI.
     void StartListening(std::function<void()> wake);
     void StopListening();
-    /// Puts an adapter on the list, once. Any thread.
-    void Request(AutomationAdapter& changed);
-    /// Runs `UpdateEditor` of everything that waits. GUI thread.
-    void Deliver();
-    /// Forgets what waits: the adapters are about to go.
-    void Forget();
-    bool HasPending();
+    /// Runs `UpdateEditor` of each adapter that has a changed parameter, once. False when nothing is new.
+    /// Afterwards News tells of all that was. Thread: GUI.
+    bool Deliver(const AutomationList& adapters);
+    const ChangeListener& News() const { return listener; }
 
 private:
-    MLock pendingEditorUpdatesLock;
-    std::vector<AutomationAdapter*> pendingEditorUpdates;
-    MRelaxed<bool> listening = false;
+    ChangeListener listener;
     std::unique_ptr<AutomationUpdateRequestThread> thread;
 };

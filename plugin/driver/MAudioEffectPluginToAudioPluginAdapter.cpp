@@ -10,6 +10,7 @@
 #include "foundation/text/MException.h"
 #include "foundation/text/MStringFormat.h"
 #include "foundation/text/Translate.h"
+#include "plugin/driver/StoreScope.h"
 #include "state/presets/DefaultSettings.h"
 #include "state/tree/MAttribute.h"
 #include "state/tree/MStoreParams.h"
@@ -44,6 +45,7 @@ void MAudioEffectPluginToAudioPluginAdapter::Initialize(const MString& effectNam
     host->ConnectDriver(*this, -1);
     RebuildParameters();
     UpdateMaxBufferSize();
+    environment.editor = EditorPresence::Closed;
     presets.prefix = name;
     presets.name = name;
     // Damaged ones leave the list empty: no reason to go without the plug-in.
@@ -97,9 +99,8 @@ void MAudioEffectPluginToAudioPluginAdapter::RebuildParameters()
     wantsTimeInfo = updateTimeInfo;
     // From here on the effect and the driver share one lock.
     effect->lock = &settingsLock;
-    environment.editorVisible = false;
     effect->description.environment = &environment;
-    automation.Build(*effect, { .plugin = this, .editorOpen = &editorOpen, .prefix = {} });
+    automation.Build(*effect, { .plugin = this, .prefix = {} });
     automation.AssignIndices();
     interpolator.Rebuild(automation);
 }
@@ -126,7 +127,7 @@ std::int32_t MAudioEffectPluginToAudioPluginAdapter::GetTailSize()
 
 void MAudioEffectPluginToAudioPluginAdapter::ProcessUpdate()
 {
-    if (editorOpen)
+    if (environment.editor != EditorPresence::Closed)
         effect->ProcessUpdate();
 }
 
@@ -159,7 +160,7 @@ bool MAudioEffectPluginToAudioPluginAdapter::SetAGC(double gainRatio)
             if (info.Has(ParameterFlag::NeedsUpdate))
                 description.RequestUpdate();
             if (AutomationAdapter* adapterOfGain = automation.FindParameter(index))
-                RequestEditorUpdate(*adapterOfGain);
+                adapterOfGain->MarkChangedInside(0);
         }
         return true;
     }
@@ -273,9 +274,7 @@ void MAudioEffectPluginToAudioPluginAdapter::StoreChannelMode(const MStoreParams
 
 void MAudioEffectPluginToAudioPluginAdapter::Store(const MStoreParams& params)
 {
-    const MSynchronizerGuard processGuard(processLock);
-    const MSynchronizerGuard initGuard(initLock);
-    const MSynchronizerGuard settingsGuard(settingsLock);
+    StoreScope scope(*this, params);
     if (!params.saving)
         version = FirstVersion;
     StoreNumber(params, "Version", version);
@@ -285,13 +284,12 @@ void MAudioEffectPluginToAudioPluginAdapter::Store(const MStoreParams& params)
     bypass = bypassed != 0;
     StoreUnlessDefault(params, "MaxLFOBlockSize", maxLFOBlockSize, 256);
     StoreSettings(params);
+    scope.Finish();
 }
 
 void MAudioEffectPluginToAudioPluginAdapter::StoreSettings(const MStoreParams& params)
 {
-    const MSynchronizerGuard processGuard(processLock);
-    const MSynchronizerGuard initGuard(initLock);
-    const MSynchronizerGuard settingsGuard(settingsLock);
+    StoreScope scope(*this, params);
     if (params.saving)
     {
         effect->SaveSettings(*params.item);
@@ -301,28 +299,31 @@ void MAudioEffectPluginToAudioPluginAdapter::StoreSettings(const MStoreParams& p
     effect->LoadSettings(*params.item);
     presets.StoreCurrentIndex(params);
     interpolator.SkipNextRamp();
-    InitProcessing();
+    environment.changes.Mark(Change::Settings);
     OnSettingsChanged();
+    scope.Finish();
 }
 
 std::int64_t MAudioEffectPluginToAudioPluginAdapter::OnDestroyTemporaryAdapters()
 {
-    editorUpdates.Forget();
+    ProcessingChange change(*this);
+    OnAdaptersChanging();
     automation.RemoveTemporary();
     automation.AssignIndices();
     interpolator.Rebuild(automation);
+    change.Finish();
     return 0;
 }
 
 std::int64_t MAudioEffectPluginToAudioPluginAdapter::OnRebuildParameters()
 {
-    const MSynchronizerGuard processGuard(processLock);
-    const MSynchronizerGuard initGuard(initLock);
-    const MSynchronizerGuard settingsGuard(settingsLock);
-    editorUpdates.Forget();
-    automation.Clear();
+    ProcessingChange change(*this);
+    OnAdaptersChanging();
+    automation.RemoveBuilt();
     RebuildParameters();
-    return OnRefreshAdapters();
+    OnRefreshAdapters();
+    change.Finish();
+    return 0;
 }
 
 std::int64_t MAudioEffectPluginToAudioPluginAdapter::OnRefreshAdapters()

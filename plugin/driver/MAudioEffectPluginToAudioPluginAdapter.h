@@ -78,7 +78,6 @@ private:
     std::unique_ptr<MAudioEffectPluginHost> host;
     MAudioEffectPlugin* effect = nullptr;
     std::vector<MEventTarget*> effectEventTargets;
-    MEffectEnvironment environment;
     MProcessContext context;
     bool updateTimeInfo = false;
     std::int32_t maxProcessBlockLimit = 0x7FFFFFFF;

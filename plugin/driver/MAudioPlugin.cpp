@@ -60,8 +60,6 @@ void MAudioPlugin::SetConnectedChannels(std::int32_t inputs, std::int32_t output
 
 void MAudioPlugin::PrepareProcessing()
 {
-    const MSynchronizerGuard initGuard(initLock);
-    const MSynchronizerGuard settingsGuard(settingsLock);
     processingSampleRate = upsamplingFactor * sampleRate;
     activeChannelMode = channelMode;
     modeInputChannels = InfoOf(activeChannelMode).inputChannels;
@@ -83,28 +81,65 @@ void MAudioPlugin::PrepareProcessing()
 
 void MAudioPlugin::InitProcessing()
 {
+    ProcessingChange change(*this);
+    change.Prepare(ProcessingChange::Preparation::Always);
+    change.Finish();
+}
+
+MAudioPlugin::Prepared MAudioPlugin::WantedSetup() const
+{
+    return { .rates = UpsamplerSetup(),
+             .mode = channelMode,
+             .enabledChannels = enabledChannels,
+             .connectedWidth = connectedWidth,
+             .channelsPerGroup = channelsPerGroup,
+             .inputGroups = GetInputGroups(),
+             .outputGroups = GetOutputGroups() };
+}
+
+void MAudioPlugin::FinishChange()
+{
+    if (!wantedPreparation)
+        return;
+    const bool always = *wantedPreparation == ProcessingChange::Preparation::Always;
+    wantedPreparation.reset();
+    const bool hadGainControl = agcActive;
+    agcActive = WantsGainControl();
+    const Prepared wanted = WantedSetup();
+    const bool anew = always || prepared != wanted;
+    if (anew)
     {
-        const MSynchronizerGuard processGuard(processLock);
-        const MSynchronizerGuard initGuard(initLock);
-        const MSynchronizerGuard settingsGuard(settingsLock);
-        PrepareProcessing();
-        routing.Prepare({ .mode = activeChannelMode,
-                          .enabled = enabledChannels,
-                          .width = std::max(inputsPerGroup, outputsPerGroup),
-                          .groupStride = channelsPerGroup,
-                          .inputGroups = GetInputGroups(),
-                          .outputGroups = GetOutputGroups(),
-                          .latency = GetLatency() });
-        bypassDelayLength = TotalLatency();
-        const std::int32_t groups = std::min(GetInputGroups(), GetOutputGroups());
-        for (std::int32_t group = 0; group < groups; ++group)
-            for (std::int32_t channel = 0; channel < inputsPerGroup; ++channel)
-                bypassDelay[static_cast<std::size_t>(group * channelsPerGroup + channel)].SetLength(
-                    bypassDelayLength);
-        if (agcActive)
-            gainControl.Init(sampleRate, std::max(inputsPerGroup, outputsPerGroup), bypassDelayLength);
+        prepared.reset();   // should it fail half-way
+        PrepareAnew();
+        prepared = wanted;
     }
-    CheckLatency();
+    if (anew || !hadGainControl)
+        RestartGainControl();
+}
+
+void MAudioPlugin::PrepareAnew()
+{
+    PrepareProcessing();
+    routing.Prepare({ .mode = activeChannelMode,
+                      .enabled = enabledChannels,
+                      .width = std::max(inputsPerGroup, outputsPerGroup),
+                      .groupStride = channelsPerGroup,
+                      .inputGroups = GetInputGroups(),
+                      .outputGroups = GetOutputGroups(),
+                      .latency = GetLatency() });
+    bypassDelayLength = TotalLatency();
+    const std::int32_t groups = std::min(GetInputGroups(), GetOutputGroups());
+    for (std::int32_t group = 0; group < groups; ++group)
+        for (std::int32_t channel = 0; channel < inputsPerGroup; ++channel)
+            bypassDelay[static_cast<std::size_t>(group * channelsPerGroup + channel)].SetLength(
+                bypassDelayLength);
+}
+
+void MAudioPlugin::RestartGainControl()
+{
+    const MSynchronizerGuard guard(settingsLock);
+    if (agcActive)
+        gainControl.Init(sampleRate, std::max(inputsPerGroup, outputsPerGroup), bypassDelayLength);
 }
 
 void MAudioPlugin::PrepareUpsamplers()
@@ -129,15 +164,12 @@ void MAudioPlugin::SetUpsamplingFactor(std::int32_t factor)
 {
     if (factor == upsamplingFactor)
         return;
-    {
-        const MSynchronizerGuard processGuard(processLock);
-        const MSynchronizerGuard initGuard(initLock);
-        const MSynchronizerGuard settingsGuard(settingsLock);
-        upsamplingFactor = std::clamp(factor, 1, MaxUpsamplingFactor);
-        InitProcessing();
-        // What an upsampler still holds is from before it was last switched off.
-        ResetUpsamplers();
-    }
+    ProcessingChange change(*this);
+    upsamplingFactor = std::clamp(factor, 1, MaxUpsamplingFactor);
+    // What an upsampler still holds is from before it was last switched off.
+    ResetUpsamplers();
+    change.Prepare(ProcessingChange::Preparation::WhereNeeded);
+    change.Finish();
 }
 
 bool MAudioPlugin::UpsamplingIsPrepared() const
@@ -175,19 +207,45 @@ void MAudioPlugin::CheckLatency()
     if (latency == reportedLatency)
         return;
     reportedLatency = latency;
+    Changes().Mark(Change::Latency);
     if (adapter != nullptr)
         adapter->ReportLatency();
 }
 
 void MAudioPlugin::SendAutomation(std::int32_t index, double value01)
 {
-    if (adapter != nullptr)
-        adapter->SendAutomation(index, value01);
+    reporter.Send(index, value01);
 }
 
-void MAudioPlugin::RequestEditorUpdate(AutomationAdapter& changed)
+void MAudioPlugin::BeginEdit(std::int32_t index) noexcept
 {
-    editorUpdates.Request(changed);
+    AtBoundary("MAudioPlugin::BeginEdit", [&] { reporter.Begin(index); });
+}
+
+void MAudioPlugin::Edit(std::int32_t index, double value01) noexcept
+{
+    AtBoundary("MAudioPlugin::Edit",
+               [&]
+               {
+                   SetParameter(index, value01);
+                   // As it was taken: clamped, and on a step where there are steps.
+                   reporter.Send(index, GetParameter(index));
+               });
+}
+
+void MAudioPlugin::EndEdit(std::int32_t index) noexcept
+{
+    AtBoundary("MAudioPlugin::EndEdit", [&] { reporter.End(index); });
+}
+
+void MAudioPlugin::EndAllEdits() noexcept
+{
+    AtBoundary("MAudioPlugin::EndAllEdits", [this] { reporter.EndAll(); });
+}
+
+void MAudioPlugin::ReportChanges() noexcept
+{
+    AtBoundary("MAudioPlugin::ReportChanges", [this] { reporter.Report(); });
 }
 
 namespace
@@ -247,6 +305,18 @@ void MAudioPlugin::GetParameterID(MString& out, std::int32_t index) const noexce
                     target.GetName(name, sub);
                     out = target.prefix + id + name;
                 });
+}
+
+std::int32_t MAudioPlugin::FindParameter(const MString& storedId) const noexcept
+{
+    MString id;
+    for (std::int32_t index = 0; index < automation.ParameterCount(); ++index)
+    {
+        GetParameterID(id, index);
+        if (id == storedId)
+            return index;
+    }
+    return -1;
 }
 
 void MAudioPlugin::GetParameterLabel(MString& out, std::int32_t index) const noexcept

@@ -4,19 +4,23 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <vector>
 
+#include "audio/stages/ChannelRouting.h"
+#include "audio/stages/MAutomaticGainControl.h"
+#include "audio/stages/MSampleQueue.h"
+#include "audio/stages/MUpsampler.h"
 #include "control/parameters/AutomationList.h"
 #include "foundation/containers/MEvent.h"
 #include "foundation/text/MStringList.h"
 #include "foundation/threads/MLock.h"
-#include "audio/stages/ChannelRouting.h"
+#include "plugin/contract/MPluginDescription.h"
 #include "plugin/driver/EditorUpdates.h"
+#include "plugin/driver/HostReporter.h"
 #include "plugin/driver/MAudioPluginAdapter.h"
-#include "audio/stages/MAutomaticGainControl.h"
-#include "audio/stages/MSampleQueue.h"
-#include "audio/stages/MUpsampler.h"
 #include "plugin/driver/ParameterInterpolator.h"
+#include "plugin/driver/ProcessingChange.h"
 
 struct MStoreParams;
 
@@ -27,8 +31,8 @@ struct MStoreParams;
 /// again, from any thread.
 ///
 /// Locks, always in this order: `processLock`, `initLock`, `settingsLock`. ProcessBlock only tries the first
-/// and waits for the last; whoever changes what processing reads holds all three, so that the audio thread
-/// drops a block instead of waiting.
+/// and waits for the last; whoever changes what processing reads holds all three, by a ProcessingChange, so
+/// that the audio thread drops a block instead of waiting. The adapter is never called with a lock held.
 class MAudioPlugin : public MEventTarget, public AutomationOwner
 {
 public:
@@ -45,8 +49,9 @@ public:
     /// the outputs. Audio thread. Throws MException "Could not acquire mutex." when the block is dropped,
     /// with the outputs untouched.
     void ProcessBlock(float* const* inputs, float* const* outputs, std::int32_t sampleCount, bool replacing);
-    /// Prepares for `sampleRate` and the channels set. Any thread but the audio thread; allocates.
-    virtual void InitProcessing();
+    /// Prepares for `sampleRate` and the channels set, and forgets all audio. Any thread but the audio
+    /// thread; allocates.
+    void InitProcessing();
     /// How many channels of a group the host really connected; a change prepares anew.
     void SetConnectedChannels(std::int32_t inputs, std::int32_t outputs);
 
@@ -66,8 +71,30 @@ public:
     void GetParameterHelp(MString& out, std::int32_t index) const noexcept;
     AutomationAdapter::Type GetParameterType(std::int32_t index) const noexcept;
     double GetParameterDefaultValue(std::int32_t index) const noexcept;
+    /// Where a stored id, as GetParameterID gives it, stands now; -1 for an unknown one.
+    std::int32_t FindParameter(const MString& storedId) const noexcept;
+
+    // Changes from a screen, each told to the host at once. Thread: GUI, no lock held.
+    /// The user takes hold of a parameter; until EndEdit the host sees one gesture.
+    void BeginEdit(std::int32_t index) noexcept;
+    /// Sets a parameter, in a gesture of its own where none is open.
+    void Edit(std::int32_t index, double value01) noexcept;
+    void EndEdit(std::int32_t index) noexcept;
+    /// For a screen that goes away, perhaps in the middle of a drag.
+    void EndAllEdits() noexcept;
+    /// Tells the host of what changed inside by other ways than Edit: a match, a preset, a set gain. To be
+    /// called after such work, and now and then while an editor is open. Thread: GUI, no lock held.
+    void ReportChanges() noexcept;
+    /// Whether somebody looks; what the effect feeds its analyzer by. Thread: GUI.
+    void SetEditorPresence(EditorPresence presence) { environment.editor = presence; }
     void SendAutomation(std::int32_t index, double value01) override;
-    void RequestEditorUpdate(AutomationAdapter& changed) override;
+    void MarkParameterChanged(std::int32_t index) override { environment.changes.MarkParameter(index); }
+    void MarkParameterChangedInside(std::int32_t index) override
+    {
+        environment.changes.MarkParameterInside(index);
+    }
+    /// Where all that a screen shows of this plug-in is marked when it changes; see ChangeListener.
+    ChangeFeed& Changes() { return environment.changes; }
 
     virtual void Update() = 0;
     virtual void Store(const MStoreParams& params) = 0;
@@ -146,8 +173,12 @@ public:
     AutomationList automation;
 
 protected:
-    /// The part of InitProcessing that runs under all three locks.
+    /// Everything that depends on rate, channels and upsampling. Under all three locks.
     virtual void PrepareProcessing();
+    /// Whether the gain control is to be in force.
+    virtual bool WantsGainControl() const { return false; }
+    /// The gain control forgets what it measured.
+    void RestartGainControl();
     /// One run of samples through the effect.
     virtual void Process(float** inputs, float** outputs, std::int32_t sampleCount) = 0;
     virtual void ProcessingBegin(float* const* inputs, float* const* outputs, std::int32_t sampleCount,
@@ -162,8 +193,10 @@ protected:
     std::int32_t maxProcessBlock = 0x7FFFFFFF;
     std::int32_t interpolationBlock = 256;
     ParameterInterpolator interpolator;
-    EditorUpdates editorUpdates;
-    MRelaxed<bool> editorOpen = false;
+    MEffectEnvironment environment;   // of the effect
+    EditorUpdates editorUpdates{ environment.changes };
+    /// Adapters come or go: whoever keeps one or its number has to let go of it. Under all locks.
+    virtual void OnAdaptersChanging() { environment.changes.Mark(Change::ParameterList); }
     std::int32_t inputsPerGroup = 2;
     std::int32_t outputsPerGroup = 2;
     std::int32_t effectChannels = 2;
@@ -172,6 +205,22 @@ protected:
     MAutomaticGainControl gainControl;
 
 private:
+    friend class ProcessingChange;
+
+    /// What PrepareProcessing prepares for.
+    struct Prepared
+    {
+        MUpsampler::Setup rates;
+        ChannelMode mode = ChannelMode::LeftAndRight;
+        std::array<bool, 8> enabledChannels{};
+        std::int32_t connectedWidth = 0;
+        std::int32_t channelsPerGroup = 0;
+        std::int32_t inputGroups = 0;
+        std::int32_t outputGroups = 0;
+
+        bool operator==(const Prepared&) const = default;
+    };
+
     struct ChannelSet
     {
         ChannelRouting::Channels pointers{};
@@ -183,6 +232,9 @@ private:
     ChannelSet FeedUpsamplers(const ChannelSet& inputs, std::int32_t sampleCount);
     ChannelSet EffectOutputs(const ChannelSet& outputs);
     void LimitOutputs(const ChannelSet& outputs, std::int32_t sampleCount);
+    Prepared WantedSetup() const;
+    void FinishChange();
+    void PrepareAnew();
     MUpsampler::Setup UpsamplerSetup() const
     {
         return { .sampleRate = sampleRate, .factor = upsamplingFactor, .highQuality = highQualityUpsampling };
@@ -199,6 +251,11 @@ private:
                     std::int32_t sampleCount);
     std::int32_t GroupWidth() const;
 
+    HostReporter reporter{ *this, environment.changes };
+    // Of the outermost ProcessingChange, under `processLock`.
+    bool changing = false;
+    std::optional<ProcessingChange::Preparation> wantedPreparation;
+    std::optional<Prepared> prepared;
     std::int32_t connectedWidth = -1;   // of the host's group; negative: the group as it is
     std::int32_t modeInputChannels = 2;
     std::int32_t modeOutputChannels = 2;

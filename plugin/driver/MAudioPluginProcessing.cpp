@@ -2,8 +2,8 @@
 // The road of one audio block through the driver.
 #include <algorithm>
 
-#include "foundation/vector/VectorOperations.h"
 #include "audio/stages/GrowBuffer.h"
+#include "foundation/vector/VectorOperations.h"
 #include "plugin/driver/MAudioPlugin.h"
 
 namespace

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "foundation/text/Boundary.h"
+#include "plugin/driver/StoreScope.h"
 #include "state/tree/MAttribute.h"
 #include "state/tree/MStoreParams.h"
 
@@ -30,7 +31,7 @@ public:
     {
         plugin.gainControl.windowSeconds = windowSeconds;
         plugin.agc = 1;
-        plugin.InitProcessing();
+        plugin.OnAGCChange();
     }
     ~AGCScope()
     {
@@ -46,12 +47,6 @@ private:
     double windowBefore;
 };
 
-void MQuorvaneAudioEffectPlugin::PrepareProcessing()
-{
-    agcActive = agc != 0;
-    MAudioEffectPluginToAudioPluginAdapter::PrepareProcessing();
-}
-
 void MQuorvaneAudioEffectPlugin::UpdateUpsamplingFactor() noexcept
 {
     AtBoundary("UpdateUpsamplingFactor",
@@ -59,15 +54,22 @@ void MQuorvaneAudioEffectPlugin::UpdateUpsamplingFactor() noexcept
                {
                    const std::int32_t factor = upsampling;
                    Effect().SetUpsamplingRatio(highQualityUpsampling ? 1 : factor);
+                   ProcessingChange change(*this);
                    SetUpsamplingFactor(factor);
-                   if (!UpsamplingIsPrepared())
-                       InitProcessing();
+                   change.Prepare(ProcessingChange::Preparation::WhereNeeded);
+                   change.Finish();
                });
 }
 
 void MQuorvaneAudioEffectPlugin::OnAGCChange() noexcept
 {
-    AtBoundary("MSpecialEventTarget::OnAGCChange", [this] { InitProcessing(); });
+    AtBoundary("MSpecialEventTarget::OnAGCChange",
+               [this]
+               {
+                   ProcessingChange change(*this);
+                   change.Prepare(ProcessingChange::Preparation::WhereNeeded);
+                   change.Finish();
+               });
 }
 
 bool MQuorvaneAudioEffectPlugin::ComputeAGC(const AGCHooks& hooks)
@@ -99,7 +101,12 @@ std::int32_t MQuorvaneAudioEffectPlugin::ComputeAGCOfPresets(const PresetBank& b
         // The preset keeps its own choice; what was measured for the one before is nothing to it.
         const std::int32_t ownChoice = agc;
         agc = 1;
-        InitProcessing();
+        {
+            ProcessingChange change(*this);
+            change.Prepare(ProcessingChange::Preparation::WhereNeeded);
+            change.Finish();
+        }
+        RestartGainControl();
         hooks.wait(presetMs);
         SetAGC(CurrentAGCGain());
         agc = ownChoice;
@@ -110,10 +117,7 @@ std::int32_t MQuorvaneAudioEffectPlugin::ComputeAGCOfPresets(const PresetBank& b
 
 void MQuorvaneAudioEffectPlugin::Store(const MStoreParams& params)
 {
-    // The audio thread drops its blocks meanwhile, rather than see settings half read.
-    const MSynchronizerGuard processGuard(processLock);
-    const MSynchronizerGuard initGuard(initLock);
-    const MSynchronizerGuard settingsGuard(settingsLock);
+    StoreScope scope(*this, params);
     StoreNumber(params, "upsampling", upsampling, 1, MaxUpsamplingFactor);
     std::int32_t highQuality = params.saving && !highQualityUpsampling ? 0 : 1;
     StoreNumber(params, "hqupsampling", highQuality, 0, 1);
@@ -125,4 +129,5 @@ void MQuorvaneAudioEffectPlugin::Store(const MStoreParams& params)
     StoreNumber(params, "AGC", agc, 0, 1);
     StoreNumber(params, "PresetIndex", presetIndex, 0, 7);
     MAudioEffectPluginToAudioPluginAdapter::Store(params);
+    scope.Finish();
 }

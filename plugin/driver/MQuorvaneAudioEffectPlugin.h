@@ -49,7 +49,7 @@ public:
     std::int32_t presetIndex = 0;
 
 protected:
-    void PrepareProcessing() override;
+    bool WantsGainControl() const override { return agc != 0; }
 
 private:
     class AGCScope;

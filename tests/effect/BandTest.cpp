@@ -145,7 +145,7 @@ TEST(Bands, AutomationReachesEveryFieldAndReadsItsOwnTexts)
     EXPECT_EQ(changes, 140) << "a silent set tells nobody";
     MString text;
     automation.GetID(text, 8);
-    EXPECT_EQ(text.ToUTF8(), "Equalizer band 2Frequency 2");
+    EXPECT_EQ(text.ToUTF8(), "Equalizer band 2");
     automation.GetValueNameFrom01(text, 2, 0.75);
     EXPECT_EQ(text.ToUTF8(), "+12.00 dB");
     EXPECT_NEAR(automation.GetDefaultValue(35), 1, 0) << "the sixth band is on";

@@ -9,6 +9,7 @@
 #include "effect/TonalignInterface.h"
 #include "foundation/streams/MMemoryStream.h"
 #include "foundation/streams/MStdFileStream.h"
+#include "plugin/contract/ChangeListener.h"
 #include "plugin/contract/MPluginArgument.h"
 #include "state/tree/MAttribute.h"
 #include "state/tree/MStoreParams.h"
@@ -16,25 +17,11 @@
 
 namespace
 {
-class Observer : public EffectObserver
-{
-public:
-    void OnEditorState(const EditorState& shown) override { state = shown; }
-    void OnInformation(const MString& text) override { information = text.ToUTF8(); }
-    bool OnProgress(const MString& stage, double) override { return stage.ToUTF8() != cancelAt; }
-    void OnBandsReplaced() override { ++replaced; }
-    EditorState state;
-    std::string information;
-    std::string cancelAt;
-    int replaced = 0;
-};
-
 class Effect : public ::testing::Test
 {
 protected:
     void SetUp() override
     {
-        effect.AttachObserver(&observer);
         effect.InitProcessing(2, 48000);
         effect.Update();
         effect.AcceptValues();
@@ -87,7 +74,7 @@ protected:
     }
 
     TonalignAudioEffectPlugin effect;
-    Observer observer;
+    ChangeListener listener{ effect.Changes() };
 };
 
 std::string StateOf(TonalignAudioEffectPlugin& effect)
@@ -105,12 +92,12 @@ std::string StateOf(TonalignAudioEffectPlugin& effect)
 
 TEST_F(Effect, MeasuringPassesThroughItsStates)
 {
-    EXPECT_TRUE(observer.state.analyseTargetEnabled);
+    EXPECT_TRUE(effect.CurrentEditorState().analyseTargetEnabled);
     effect.ToggleSourceAnalysis();
     EXPECT_TRUE(effect.Analysing && effect.AnalysingSource);
     EXPECT_FALSE(effect.equalizer.bandsEnabled) << "the signal passes unfiltered";
-    EXPECT_TRUE(observer.state.analyseSourcePressed);
-    EXPECT_FALSE(observer.state.analyseTargetEnabled);
+    EXPECT_TRUE(effect.CurrentEditorState().analyseSourcePressed);
+    EXPECT_FALSE(effect.CurrentEditorState().analyseTargetEnabled);
     Play(1, 0);
     effect.ToggleSourceAnalysis();
     EXPECT_FALSE(effect.Analysing || effect.AnalysingSource);
@@ -147,7 +134,7 @@ TEST_F(Effect, EqualizeBringsTheTargetToTheSource)
         last = after;
     }
     EXPECT_LT(last, 0.2 * before);
-    EXPECT_EQ(observer.replaced, 5);
+    EXPECT_TRUE(listener.Drain() && listener.Has(Change::Bands));
     EXPECT_EQ(effect.suspendCount, 0);
 }
 
@@ -160,11 +147,13 @@ TEST_F(Effect, EqualMeasurementsAreAlreadyPerfect)
     effect.SetAnalysis(louder, true);
     EXPECT_EQ(effect.Equalize(false), TonalignAudioEffectPlugin::EqualizeResult::NothingToDo)
         << "a difference of level alone isn't equalized";
-    EXPECT_EQ(observer.information,
+    EXPECT_EQ(TonalignAudioEffectPlugin::NothingToDoText(false).ToUTF8(),
               "There is nothing to equalize, because the analysis shows it is already perfect.");
     effect.settings.spaceInMixLimit = 0;
     EXPECT_EQ(effect.Equalize(true), TonalignAudioEffectPlugin::EqualizeResult::NothingToDo);
-    EXPECT_NE(observer.information.find("\n\nSince you are trying to separate"), std::string::npos);
+    EXPECT_NE(TonalignAudioEffectPlugin::NothingToDoText(true).ToUTF8().find("\n\nSince you are trying to "
+                                                                             "separate"),
+              std::string::npos);
     EXPECT_TRUE(effect.equalizer.Band(5).enabled) << "the bands stay as they were";
 }
 
@@ -265,20 +254,32 @@ TEST_F(Effect, AnalysisFilesKeepEveryPoint)
     EXPECT_THROW(LoadAnalysisFile(broken), MException);
 }
 
-TEST_F(Effect, ACancelledFileAnalysisDefinesNothing)
+TEST_F(Effect, ACancelledFileAnalysisLeavesTheEarlierOne)
 {
     AudioSampleBuffer buffer;
     buffer.Allocate(1, 48000 * 5);
     for (std::int32_t frame = 0; frame < buffer.frames; ++frame)
         buffer.channelData[0][frame] = static_cast<float>(std::sin(frame * 0.1));
     buffer.sampleRate = 48000;
-    observer.cancelAt = "Analysing...";
-    EXPECT_THROW(effect.AnalyseBuffer(buffer, true), MException);
-    EXPECT_FALSE(effect.SourceAnalysisDefined || effect.Analysing);
-    EXPECT_EQ(effect.suspendCount, 0);
-    observer.cancelAt.clear();
-    effect.AnalyseBuffer(buffer, true);
+    Measure(true, 0.3);
+    const AnalysisArray measured = effect.SourceAnalysis;
+    for (const WorkStage last : { WorkStage::Resampling, WorkStage::Analysing })
+    {
+        AudioSampleBuffer copy;
+        copy.Allocate(1, buffer.frames);
+        std::copy_n(buffer.channelData[0], buffer.frames, copy.channelData[0]);
+        copy.sampleRate = last == WorkStage::Resampling ? 44100 : 48000;
+        EXPECT_EQ(effect.AnalyseBuffer(copy, true, [last](WorkStage stage, double) { return stage != last; }),
+                  TonalignAudioEffectPlugin::WorkResult::Cancelled);
+        EXPECT_TRUE(effect.SourceAnalysisDefined && effect.CurrentEditorState().saveEnabled);
+        EXPECT_EQ(effect.SourceAnalysis, measured) << "the one before is still there";
+        EXPECT_FALSE(effect.Analysing || effect.AnalysingSource || effect.TargetAnalysisDefined);
+        EXPECT_TRUE(effect.equalizer.bandsEnabled);
+        EXPECT_EQ(effect.suspendCount, 0);
+    }
+    EXPECT_EQ(effect.AnalyseBuffer(buffer, true), TonalignAudioEffectPlugin::WorkResult::Done);
     EXPECT_TRUE(effect.SourceAnalysisDefined);
+    EXPECT_NE(effect.SourceAnalysis, measured);
     EXPECT_THROW(effect.AnalyseFile("/nowhere/at/all.wav", false), MException);
     EXPECT_FALSE(effect.TargetAnalysisDefined);
     EXPECT_EQ(effect.suspendCount, 0);

@@ -55,22 +55,6 @@ Session::Session(const Options& commandOptions)
 {
     static constexpr const char* commandNames[] = { "equalize", "separate", "render", "analyse", "show" };
     report.commandName = commandNames[static_cast<int>(options.command)];
-    host.Effect().AttachObserver(this);
-}
-
-Session::~Session()
-{
-    host.Effect().AttachObserver(nullptr);
-}
-
-void Session::OnInformation(const MString& text)
-{
-    report.information = text.ToUTF8();
-}
-
-bool Session::OnProgress(const MString& stage, double fraction)
-{
-    return progress.Report(stage.ToUTF8(), fraction);
 }
 
 std::string Session::Run()
@@ -124,7 +108,11 @@ void Session::Measure(AudioInput& input, bool isSource)
            [&]
            {
                CheckMeasurable(input, host.Plugin().sampleRate);
-               host.Effect().AnalyseBuffer(input.buffer, isSource);
+               const auto result = host.Effect().AnalyseBuffer(
+                   input.buffer, isSource, [this](WorkStage stage, double fraction)
+                   { return progress.Report(WorkStageTitle(stage), fraction); });
+               if (result == TonalignAudioEffectPlugin::WorkResult::Cancelled)
+                   throw MException("Cancelled.");
            });
 }
 
@@ -235,6 +223,8 @@ void Session::Fit()
     const bool separate = options.command == Command::Separate;
     effect.equalizer.SetDefaults(true);
     report.nothingToDo = effect.Equalize(separate) == TonalignAudioEffectPlugin::EqualizeResult::NothingToDo;
+    if (report.nothingToDo)
+        report.information = TonalignAudioEffectPlugin::NothingToDoText(separate).ToUTF8();
     if (report.nothingToDo)
         for (std::int32_t band = 0; band < MEqualizerBase::BandCount; ++band)
             effect.equalizer.Band(band).enabled = false;
@@ -369,7 +359,6 @@ void Session::RenderAndCommit(AudioInput* input)
     report.latency = host.LatencySamples();
     if (input != nullptr && !options.output.empty())
     {
-        host.Effect().AttachObserver(nullptr);
         host.Prepare(input->buffer.sampleRate, input->buffer.channels);
         OnFile(options.output,
                [&]

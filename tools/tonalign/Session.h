@@ -21,19 +21,15 @@ struct FileError
 
 /// Carries out one command: what a user at an editor would do, through the offline host. Throws FileError,
 /// UsageError and MException; no output file appears then.
-class Session : private EffectObserver
+class Session
 {
 public:
     explicit Session(const Options& options);
-    ~Session() override;
 
     /// Runs the command of the options and answers what is to be printed.
     std::string Run();
 
 private:
-    void OnInformation(const MString& text) override;
-    bool OnProgress(const MString& stage, double fraction) override;
-
     std::string RunFit();
     std::string RunRender();
     std::string RunAnalyse();

@@ -94,8 +94,8 @@ std::string Session::ShowState()
         json["upsampling_quality"] = plugin.highQualityUpsampling ? "high" : "plain";
         json["agc"] = plugin.agc != 0;
         json["channel_mode"] = channelMode;
-        json["target_analysis"] = effect.TargetAnalysisDefined;
-        json["source_analysis"] = effect.SourceAnalysisDefined;
+        json["target_analysis"] = effect.TargetAnalysisDefined.Get();
+        json["source_analysis"] = effect.SourceAnalysisDefined.Get();
         return json.dump(2) + "\n";
     }
     char line[256];

@@ -79,7 +79,6 @@ TEST(AdvancedAnalyzer, TakesTheChannelsThatTheModeSays)
         AnalyzerClient added;
         analyzer.settings.channelMode = row.mode;
         analyzer.AddClient(added, ProcessorAverageInfinite);
-        analyzer.SetDisplayAttached(true);
         analyzer.Initialise(SampleRate, true);
         analyzer.AnalyseOwn(channels.pointers.data(), channels.Count(), row.channelCount);
         analyzer.AnalyseClient(added, channels.pointers.data(), channels.Count(), row.channelCount);
@@ -95,22 +94,20 @@ TEST(AdvancedAnalyzer, TakesTheChannelsThatTheModeSays)
     }
 }
 
-TEST(AdvancedAnalyzer, FeedsOnlyForADisplayAndNotWhileFrozen)
+TEST(AdvancedAnalyzer, FeedsItsOwnWhereEnabledAndNothingWhileFrozen)
 {
     struct Row
     {
-        bool attached;
         bool frozen;
         bool enabled;
         bool sonogram;
         bool own;
         bool added;
     };
-    const Row rows[] = { { false, false, true, false, false, false },
-                         { true, true, true, false, false, false },
-                         { true, false, false, false, false, true },
-                         { true, false, false, true, true, true },
-                         { true, false, true, false, true, true } };
+    const Row rows[] = { { true, true, false, false, false },
+                         { false, false, false, false, true },
+                         { false, false, true, true, true },
+                         { false, true, false, true, true } };
     const Channels channels;
     for (const Row& row : rows)
     {
@@ -120,7 +117,6 @@ TEST(AdvancedAnalyzer, FeedsOnlyForADisplayAndNotWhileFrozen)
         analyzer.settings.enabled = row.enabled;
         analyzer.settings.sonogramEnabled = row.sonogram;
         analyzer.settings.freeze = row.frozen;
-        analyzer.SetDisplayAttached(row.attached);
         analyzer.Initialise(SampleRate, true);
         analyzer.AnalyseOwn(channels.pointers.data(), channels.Count(), 2);
         analyzer.AnalyseClient(added, channels.pointers.data(), channels.Count(), 2);
@@ -157,7 +153,7 @@ TEST(AdvancedAnalyzer, LatchesWhatTheAudioThreadReads)
     EXPECT_TRUE(analyzer.Visibility().processors[2][1]);
     EXPECT_FALSE(analyzer.Visibility().processors[3][0]);
     analyzer.settings.resolutionDb = -75;
-    analyzer.SetDisplayAttached(true);
+    analyzer.Initialise(SampleRate, false);
     EXPECT_EQ(analyzer.displayFloor, -75.0);
 }
 
@@ -286,7 +282,6 @@ TEST(AdvancedAnalyzer, ResetClearsTheStatisticsOfAllClients)
     AnalyzerClient added;
     analyzer.AddClient(added, ProcessorMaximumInfinite);
     analyzer.settings.channelMode = ChannelModeLeftAndRight;
-    analyzer.SetDisplayAttached(true);
     analyzer.Initialise(SampleRate, true);
     analyzer.AnalyseOwn(channels.pointers.data(), channels.Count(), 2);
     analyzer.AnalyseClient(added, channels.pointers.data(), channels.Count(), 2);
@@ -305,7 +300,6 @@ TEST(AdvancedAnalyzer, PeakDetectionActsWithoutInitialising)
 {
     const Channels channels;
     MSpectralAnalyzerAdvanced analyzer;
-    analyzer.SetDisplayAttached(true);
     analyzer.settings.processors[1].enabled = true;
     analyzer.Initialise(SampleRate, true);
     analyzer.settings.peakDetection = 1.0;
