@@ -5,6 +5,7 @@
 
 #include "control/envelope/MEnvelope.h"
 #include "effect/FilterFitter.h"
+#include "foundation/threads/MRelaxed.h"
 
 struct MStoreParams;
 
@@ -12,9 +13,9 @@ struct MStoreParams;
 struct AutoEqSettings
 {
     std::int32_t maxAdaptionBars = 4;   ///< bands to fit, 1 to 10
-    double adaptionFrequencyMin = 20;   ///< Hz
-    double adaptionFrequencyMax = 20000;   ///< Hz
-    double spaceInMixLimit = -40;   ///< dB, -100 to 0: where Separate takes a mix as empty
+    MRelaxed<double> adaptionFrequencyMin = 20;   ///< Hz
+    MRelaxed<double> adaptionFrequencyMax = 20000;   ///< Hz
+    MRelaxed<double> spaceInMixLimit = -40;   ///< dB, -100 to 0: where Separate takes a mix as empty
     MFAAlgorithm adaptionAlgorithm = MFADefault;
     bool neverAmplify = false;
     bool disablePassNotch = false;

@@ -28,19 +28,15 @@ TonalignAudioEffectPlugin::TonalignAudioEffectPlugin() : equalizer(*this)
     analyzer.AddClient(outputClient, ProcessorAverage);
     analyzer.AddClient(analysisClient, ProcessorAverageInfinite);
 
-    SourceAnalysisEnvelope.MinX = BandMinimumX;
-    SourceAnalysisEnvelope.MaxX = BandMaximumX;
-    SourceAnalysisEnvelope.MinY = -90;
-    SourceAnalysisEnvelope.MaxY = 0;
-    SourceAnalysisEnvelope.points.Clear();
-    for (const auto& [x, y] :
-         { std::pair{ BandMinimumX, -20.0 }, { 2.0, 0.0 }, { 3.0, 0.0 }, { BandMaximumX, -40.0 } })
-    {
-        MEnvelopePoint point;
-        point.x = x;
-        point.y = y;
-        SourceAnalysisEnvelope.points.Add(point);
-    }
+    SourceAnalysisEnvelope.SetLimits(BandMinimumX, BandMaximumX, -90, 0);
+    SourceAnalysisEnvelope.Edit(
+        [](MArray<MEnvelopePoint>& points)
+        {
+            points.Clear();
+            for (const auto& [x, y] :
+                 { std::pair{ BandMinimumX, -20.0 }, { 2.0, 0.0 }, { 3.0, 0.0 }, { BandMaximumX, -40.0 } })
+                points.Add({ .x = x, .y = y });
+        });
 }
 
 TonalignAudioEffectPlugin::~TonalignAudioEffectPlugin() = default;

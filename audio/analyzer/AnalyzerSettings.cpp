@@ -184,11 +184,8 @@ AnalyzerSettings::AnalyzerSettings()
     processors[0].showColorValues = true;
     comparisonCurve.color = 0xFFAC0000;
     // Starts empty: no prefilter.
-    prefilter.MinX = LogLowestHz;
-    prefilter.MaxX = LogHighestHz;
-    prefilter.MinY = PrefilterLowDb;
-    prefilter.MaxY = PrefilterHighDb;
-    prefilter.points.Clear();
+    prefilter.SetLimits(LogLowestHz, LogHighestHz, PrefilterLowDb, PrefilterHighDb);
+    prefilter.Edit([](MArray<MEnvelopePoint>& points) { points.Clear(); });
 }
 
 void AnalyzerSettings::Store(const MStoreParams& params)

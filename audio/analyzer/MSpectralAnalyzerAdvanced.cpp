@@ -110,7 +110,11 @@ void MSpectralAnalyzerAdvancedT<float, 1024>::ApplyTimeResolution()
 void MSpectralAnalyzerAdvancedT<float, 1024>::BuildPrefilter()
 {
     const MEnvelope& envelope = settings.prefilter;
-    const bool isFlat = std::all_of(envelope.points.begin(), envelope.points.end(),
+    if (prefilterStamp == envelope.ChangeStamp() && builtPrefilterDepth == settings.prefilterDepth)
+        return;
+    prefilterStamp = envelope.ChangeStamp();
+    builtPrefilterDepth = settings.prefilterDepth;
+    const bool isFlat = std::all_of(envelope.Points().begin(), envelope.Points().end(),
                                     [](const MEnvelopePoint& point) { return std::abs(point.y) < 1e-50; });
     prefilterActive = !(settings.prefilterDepth - 1e-20 > 0 && isFlat);
     if (!prefilterActive)
@@ -125,8 +129,8 @@ void MSpectralAnalyzerAdvancedT<float, 1024>::BuildPrefilter()
         prefilterActive = false;   // a stored curve that nobody can evaluate must not stop the audio
         return;
     }
-    const double step = (envelope.MaxX - envelope.MinX) * 0.0009765625;
-    computer.Fill(prefilterCurve.data(), envelope.MinX, step, PointCount);
+    const double step = (envelope.MaxX() - envelope.MinX()) * 0.0009765625;
+    computer.Fill(prefilterCurve.data(), envelope.MinX(), step, PointCount);
     // A point above 0 dB lowers its frequency.
     const float factor = -static_cast<float>(settings.prefilterDepth) * NepersPerDecibel;
     MVector::MultiplyConstantInPlace(prefilterCurve.data(), PointCount, factor);

@@ -105,6 +105,9 @@ private:
     Interpolator interpolator;
     bool prefilterActive = false;
     std::array<float, PointCount> prefilterCurve{};
+    // What the curve was made from.
+    std::uint64_t prefilterStamp = 0;
+    double builtPrefilterDepth = 0;
     std::array<float, MixChunk> mix;
 
     // Written on the GUI thread under the effect's lock, read by the audio thread.

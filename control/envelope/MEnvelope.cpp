@@ -2,6 +2,7 @@
 #include "control/envelope/MEnvelope.h"
 
 #include <algorithm>
+#include <atomic>
 
 #include "control/envelope/StoredKeys.h"
 #include "state/tree/MAttribute.h"
@@ -22,21 +23,38 @@ bool StandsBefore(const MEnvelopePoint& a, const MEnvelopePoint& b)
 {
     return a.x < b.x;
 }
+
+std::atomic<std::uint64_t> lastStamp = 0;
 }   // namespace
+
+MEnvelope::NewStamp::~NewStamp()
+{
+    envelope.changeStamp = lastStamp.fetch_add(1, std::memory_order_relaxed) + 1;
+}
 
 MEnvelope::MEnvelope()
 {
     Reset(0.0, 0.0);
 }
 
+void MEnvelope::SetLimits(double newMinX, double newMaxX, double newMinY, double newMaxY)
+{
+    const NewStamp newStamp(*this);
+    minX = newMinX;
+    maxX = newMaxX;
+    minY = newMinY;
+    maxY = newMaxY;
+}
+
 void MEnvelope::Reset(double yLeft, double yRight)
 {
+    const NewStamp newStamp(*this);
     MEnvelopePoint left;
     left.flags |= MEnvelopePoint::Fixed;
     MEnvelopePoint right = left;
-    left.x = MinX;
+    left.x = minX;
     left.y = yLeft;
-    right.x = MaxX;
+    right.x = maxX;
     right.y = yRight;
     MArray<MEnvelopePoint> both;
     both.Add(left);
@@ -46,10 +64,11 @@ void MEnvelope::Reset(double yLeft, double yRight)
 
 void MEnvelope::Normalize()
 {
+    const NewStamp newStamp(*this);
     for (MEnvelopePoint& point : points)
     {
-        point.x = Limited(point.x, MinX, MaxX);
-        point.y = Limited(point.y, MinY, MaxY);
+        point.x = Limited(point.x, minX, maxX);
+        point.y = Limited(point.y, minY, maxY);
     }
     MArray<MEnvelopePoint> kept;
     for (int index = 0; index < points.Count(); ++index)
@@ -61,7 +80,7 @@ void MEnvelope::Normalize()
                 point.x = kept[kept.Count() - 1].x + SmallestDistance;
             if (index + 1 < points.Count() && point.x >= points[index + 1].x)
                 point.x = points[index + 1].x - SmallestDistance;
-            if (point.x < MinX || point.x > MaxX)
+            if (point.x < minX || point.x > maxX)
                 continue;
         }
         kept.Add(point);
@@ -81,10 +100,10 @@ void MEnvelope::Store(MStoreParams& params)
     keys.Int("OverrideUnitsY", OverrideUnitsY);
     if (StoresLimits)
     {
-        keys.DoubleOrUnchanged("MinX", MinX);
-        keys.DoubleOrUnchanged("MinY", MinY);
-        keys.DoubleOrUnchanged("MaxX", MaxX);
-        keys.DoubleOrUnchanged("MaxY", MaxY);
+        keys.DoubleOrUnchanged("MinX", minX);
+        keys.DoubleOrUnchanged("MinY", minY);
+        keys.DoubleOrUnchanged("MaxX", maxX);
+        keys.DoubleOrUnchanged("MaxY", maxY);
     }
     StorePoints(params);
 }

@@ -1,17 +1,37 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <cstdint>
+
 #include "control/envelope/MEnvelopePoint.h"
 #include "foundation/text/MArray.h"
 
-/// A curve as the user edits it: points in a rectangle, ascending by x. MEnvelopeComputer evaluates it.
-/// One thread at a time.
+/// A curve as the user edits it: points in a rectangle, ascending by x. MEnvelopeComputer evaluates it, and
+/// MPublishedEnvelope brings it to the audio thread. One thread at a time.
 class MEnvelope
 {
 public:
     /// The rectangle of 0 to 1 with a point at 0 on either side.
     MEnvelope();
 
+    const MArray<MEnvelopePoint>& Points() const { return points; }
+    double MinX() const { return minX; }
+    double MaxX() const { return maxX; }
+    double MinY() const { return minY; }
+    double MaxY() const { return maxY; }
+    /// Equal stamps mean the same points in the same rectangle, between copies, too. Every change takes a
+    /// new one.
+    std::uint64_t ChangeStamp() const { return changeStamp; }
+
+    /// Changes the points: `change` gets the MArray of them. They stay as it leaves them, see Normalize.
+    template <typename Change>
+    void Edit(Change&& change)
+    {
+        const NewStamp newStamp(*this);
+        change(points);
+    }
+    /// Moves no point; see Normalize.
+    void SetLimits(double newMinX, double newMaxX, double newMinY, double newMaxY);
     /// Two fixed points at the left and the right limit.
     void Reset(double yLeft, double yRight);
     /// Limits every point to the rectangle and restores the order; a point between two others that leave
@@ -21,11 +41,6 @@ public:
     /// limits what it reads to what the curve can have.
     void Store(MStoreParams& params);
 
-    MArray<MEnvelopePoint> points;
-    double MinX = 0.0;
-    double MaxX = 1.0;
-    double MinY = 0.0;
-    double MaxY = 1.0;
     bool DrawingMode = false;
     bool SnapToGridX = false;
     bool SnapToGridY = false;
@@ -34,5 +49,25 @@ public:
     bool StoresLimits = false;
 
 private:
+    // A change ends with a stamp that nothing else bears, also when it ends by an exception.
+    class NewStamp
+    {
+    public:
+        explicit NewStamp(MEnvelope& changed) : envelope(changed) {}
+        NewStamp(const NewStamp&) = delete;
+        NewStamp& operator=(const NewStamp&) = delete;
+        ~NewStamp();
+
+    private:
+        MEnvelope& envelope;
+    };
+
     void StorePoints(MStoreParams& params);
+
+    MArray<MEnvelopePoint> points;
+    double minX = 0.0;
+    double maxX = 1.0;
+    double minY = 0.0;
+    double maxY = 1.0;
+    std::uint64_t changeStamp = 0;
 };

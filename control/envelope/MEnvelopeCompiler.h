@@ -13,7 +13,7 @@ class MEnvelopeCompiler
 public:
     using Item = MEnvelopeComputer::Item;
 
-    explicit MEnvelopeCompiler(const MEnvelope& envelope) : points(envelope.points) {}
+    explicit MEnvelopeCompiler(const MEnvelope& envelope) : points(envelope.Points()) {}
     std::vector<std::unique_ptr<Item>> Compile();
     double ZeroFrom() const { return zeroFrom; }
 

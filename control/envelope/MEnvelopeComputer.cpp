@@ -31,13 +31,13 @@ void MEnvelopeComputer::Compile(const MEnvelope& envelope)
 {
     std::vector<std::unique_ptr<Item>> compiled;
     double compiledZeroFrom = Endless;
-    if (envelope.points.Count() < 2)
+    if (envelope.Points().Count() < 2)
     {
         const double constant =
-            envelope.points.IsEmpty() ? 0.5 * (envelope.MinY + envelope.MaxY) : envelope.points[0].y;
+            envelope.Points().IsEmpty() ? 0.5 * (envelope.MinY() + envelope.MaxY()) : envelope.Points()[0].y;
         compiled.push_back(EndlessConstant(constant));
         if (constant == 0.0)
-            compiledZeroFrom = envelope.MinX;
+            compiledZeroFrom = envelope.MinX();
     }
     else
     {
@@ -47,8 +47,8 @@ void MEnvelopeComputer::Compile(const MEnvelope& envelope)
     }
     items.swap(compiled);
     zeroFrom = compiledZeroFrom;
-    minX = envelope.MinX;
-    maxX = envelope.MaxX;
+    minX = envelope.MinX();
+    maxX = envelope.MaxX();
     position = minX;
     index = 0;
 }

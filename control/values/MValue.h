@@ -8,8 +8,10 @@
 #include "state/tree/MStorable.h"
 
 /// A number as it is edited: it binds a variable, knows its range and steps, its text in both directions,
-/// its place in 0 to 1 and its stored form. Values change on the main thread; the audio thread may read
-/// the bound variable, which is stored in one piece.
+/// its place in 0 to 1 and its stored form.
+///
+/// What is bound is an MRelaxed, so that a control may write what the audio thread reads. The value itself
+/// belongs to one thread. Thread: GUI, or the program's one thread.
 class MValue : public MStorable
 {
 public:

@@ -20,7 +20,7 @@ std::uint32_t LabelHash(const MString& label)
 }
 }   // namespace
 
-MValueEnumBase::MValueEnumBase(int* boundVariable, int initialDefault,
+MValueEnumBase::MValueEnumBase(IndexVariable boundVariable, int initialDefault,
                                std::span<const char* const> labelTable)
     : MValueIndex(boundVariable, initialDefault), labels(labelTable)
 {

@@ -14,7 +14,7 @@ struct MEnumLabels;
 class MValueEnumBase : public MValueIndex
 {
 public:
-    MValueEnumBase(int* boundVariable, int initialDefault, std::span<const char* const> labelTable);
+    MValueEnumBase(IndexVariable boundVariable, int initialDefault, std::span<const char* const> labelTable);
 
     int LabelCount() const override { return static_cast<int>(labels.size()); }
     MString LabelAt(int index) const override { return labels[static_cast<std::size_t>(index)]; }
@@ -28,12 +28,12 @@ private:
     std::span<const char* const> labels;
 };
 
-/// Chooses a value of E, bound as an int.
+/// Chooses a value of E, bound as E or as an int.
 template <typename E>
 class MValueEnum : public MValueEnumBase
 {
 public:
-    explicit MValueEnum(int* boundVariable = nullptr, E initialDefault = {})
+    explicit MValueEnum(IndexVariable boundVariable = nullptr, E initialDefault = {})
         : MValueEnumBase(boundVariable, static_cast<int>(initialDefault), MEnumLabels<E>::Labels)
     {
     }

@@ -4,7 +4,8 @@
 #include <algorithm>
 #include <cmath>
 
-MValueFrequency::MValueFrequency(double* variable, double minimum, double maximum, double initialDefault)
+MValueFrequency::MValueFrequency(MRelaxed<double>* variable, double minimum, double maximum,
+                                 double initialDefault)
     : MValueQuantity(variable, minimum, maximum, initialDefault)
 {
     UpdateLogarithms();

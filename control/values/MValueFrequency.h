@@ -7,8 +7,8 @@
 class MValueFrequency : public MValueQuantity<MValueDoubleNormalized, FrequencyText, ReadFrequency>
 {
 public:
-    explicit MValueFrequency(double* variable = nullptr, double minimum = 20.0, double maximum = 20000.0,
-                             double initialDefault = 1000.0);
+    explicit MValueFrequency(MRelaxed<double>* variable = nullptr, double minimum = 20.0,
+                             double maximum = 20000.0, double initialDefault = 1000.0);
     void SetRange(double minimum, double maximum) override;
 
 protected:
@@ -29,7 +29,7 @@ public:
     static constexpr double LowestLog = 1.3010299956639813;   // 20 Hz
     static constexpr double HighestLog = 4.301029995663981;   // 20 kHz
 
-    explicit MValueFrequencyLog(double* variable = nullptr, double minimum = LowestLog,
+    explicit MValueFrequencyLog(MRelaxed<double>* variable = nullptr, double minimum = LowestLog,
                                 double maximum = HighestLog, double initialDefault = 2.0)
         : MValueDouble(variable, minimum, maximum, initialDefault)
     {
@@ -44,7 +44,7 @@ protected:
 class MValueFrequencyLinear : public MValueQuantity<MValueDouble, FrequencyText, ReadFrequency>
 {
 public:
-    explicit MValueFrequencyLinear(double* variable = nullptr, double minimum = 20.0,
+    explicit MValueFrequencyLinear(MRelaxed<double>* variable = nullptr, double minimum = 20.0,
                                    double maximum = 20000.0, double initialDefault = 1000.0)
         : MValueQuantity(variable, minimum, maximum, initialDefault)
     {

@@ -2,24 +2,18 @@
 #include "control/values/MValueIndex.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cmath>
 
-MValueIndex::MValueIndex(int* boundVariable, int initialDefault)
-    : owned(initialDefault), bound(boundVariable != nullptr ? boundVariable : &owned),
+MValueIndex::MValueIndex(IndexVariable boundVariable, int initialDefault)
+    : owned(initialDefault), bound(boundVariable.IsBound() ? boundVariable : IndexVariable(&owned)),
       defaultIndex(initialDefault)
 {
-}
-
-int MValueIndex::Get() const
-{
-    return std::atomic_ref<int>(*bound).load(std::memory_order_relaxed);
 }
 
 bool MValueIndex::Set(int index)
 {
     const bool differs = Get() != index;
-    std::atomic_ref<int>(*bound).store(index, std::memory_order_relaxed);
+    bound.Set(index);
     changed = changed || differs;
     return differs;
 }

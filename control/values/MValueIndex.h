@@ -2,6 +2,31 @@
 #pragma once
 
 #include "control/values/MValue.h"
+#include "foundation/threads/MRelaxed.h"
+
+/// The variable that holds an index: an int, an enumeration or a flag.
+class IndexVariable
+{
+public:
+    IndexVariable(std::nullptr_t = nullptr) {}
+    template <typename T>
+    IndexVariable(MRelaxed<T>* boundVariable)
+        : variable(boundVariable),
+          load([](const void* held)
+               { return static_cast<int>(static_cast<const MRelaxed<T>*>(held)->Get()); }),
+          store([](void* held, int index) { static_cast<MRelaxed<T>*>(held)->Set(static_cast<T>(index)); })
+    {
+    }
+
+    bool IsBound() const { return variable != nullptr; }
+    int Get() const { return load(variable); }
+    void Set(int index) const { store(variable, index); }
+
+private:
+    void* variable = nullptr;
+    int (*load)(const void*) = nullptr;
+    void (*store)(void*, int) = nullptr;
+};
 
 /// Base of values that choose one of some labels: enumerations and lists. Stored and shown as the label,
 /// so that a changed order of labels does no harm to what is stored.
@@ -9,9 +34,9 @@ class MValueIndex : public MValue
 {
 public:
     /// A null variable: owns one, which starts at the default.
-    MValueIndex(int* boundVariable, int initialDefault);
+    MValueIndex(IndexVariable boundVariable, int initialDefault);
 
-    int Get() const;
+    int Get() const { return bound.Get(); }
     bool Set(int index);
     virtual int LabelCount() const = 0;
     virtual MString LabelAt(int index) const = 0;
@@ -36,7 +61,7 @@ protected:
 private:
     int IndexAt(double position) const;
 
-    int owned = 0;
-    int* bound;
+    MRelaxed<int> owned;
+    IndexVariable bound;
     int defaultIndex;
 };

@@ -9,7 +9,7 @@ MValue::TextResult MValueListBase::TakeText(const MString& text)
     return TextResult::Refused;
 }
 
-MValueTableList::MValueList(int* boundVariable, const char* const* labelTable, int labelCount,
+MValueTableList::MValueList(IndexVariable boundVariable, const char* const* labelTable, int labelCount,
                             int initialDefault)
     : MValueListBase(boundVariable, initialDefault), labels(labelTable), count(labelCount)
 {
@@ -17,7 +17,7 @@ MValueTableList::MValueList(int* boundVariable, const char* const* labelTable, i
     changed = false;
 }
 
-MValueStringList::MValueList(int* boundVariable, const MStringList& labelList, int initialDefault)
+MValueStringList::MValueList(IndexVariable boundVariable, const MStringList& labelList, int initialDefault)
     : MValueListBase(boundVariable, initialDefault), labels(labelList)
 {
     MValueIndex::Clamp();

@@ -22,7 +22,8 @@ template <>
 class MValueList<const char*, const char* const*, int> : public MValueListBase
 {
 public:
-    MValueList(int* boundVariable, const char* const* labelTable, int labelCount, int initialDefault = 0);
+    MValueList(IndexVariable boundVariable, const char* const* labelTable, int labelCount,
+               int initialDefault = 0);
     int LabelCount() const override { return count; }
     MString LabelAt(int index) const override { return labels[index]; }
 
@@ -36,7 +37,7 @@ template <>
 class MValueList<MString, const MStringList&, int> : public MValueListBase
 {
 public:
-    MValueList(int* boundVariable, const MStringList& labelList, int initialDefault = 0);
+    MValueList(IndexVariable boundVariable, const MStringList& labelList, int initialDefault = 0);
     int LabelCount() const override { return labels.Count(); }
     MString LabelAt(int index) const override { return labels[index]; }
 

@@ -2,7 +2,6 @@
 #include "control/values/MValueNumber.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cmath>
 #include <limits>
 
@@ -56,9 +55,10 @@ void ReadKey(MAttribute& item, const char* key, V& value)
 }   // namespace
 
 template <typename T, typename V, int Integral, int StepsNormalized>
-MValueNumber<T, V, Integral, StepsNormalized>::MValueNumber(T* boundVariable, V minimum, V maximum,
+MValueNumber<T, V, Integral, StepsNormalized>::MValueNumber(MRelaxed<T>* boundVariable, V minimum, V maximum,
                                                             V initialDefault)
-    : owned(boundVariable == nullptr ? std::make_unique<T>(static_cast<T>(initialDefault)) : nullptr),
+    : owned(boundVariable == nullptr ? std::make_unique<MRelaxed<T>>(static_cast<T>(initialDefault))
+                                     : nullptr),
       bound(boundVariable == nullptr ? owned.get() : boundVariable), min(minimum), max(maximum),
       defaultValue(initialDefault)
 {
@@ -70,7 +70,7 @@ MValueNumber<T, V, Integral, StepsNormalized>::MValueNumber(T* boundVariable, V 
 template <typename T, typename V, int Integral, int StepsNormalized>
 T MValueNumber<T, V, Integral, StepsNormalized>::Get() const
 {
-    return std::atomic_ref<T>(*bound).load(std::memory_order_relaxed);
+    return bound->Get();
 }
 
 template <typename T, typename V, int Integral, int StepsNormalized>
@@ -80,7 +80,7 @@ bool MValueNumber<T, V, Integral, StepsNormalized>::Set(V value)
     T after = static_cast<T>(value);
     if constexpr (Integral != 0 && sizeof(T) < sizeof(V))
         after = Saturated<T>(static_cast<double>(value));
-    std::atomic_ref<T>(*bound).store(after, std::memory_order_relaxed);
+    bound->Set(after);
     const bool differs = before != after;
     changed = changed || differs;
     return differs;
@@ -337,3 +337,4 @@ template class MValueNumber<double, double, 0, 1>;
 template class MValueNumber<int, int, 1, 0>;
 template class MValueNumber<std::int64_t, std::int64_t, 1, 0>;
 template class MValueNumber<short, int, 1, 0>;
+template class MValueNumber<bool, int, 1, 0>;

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "control/values/MValue.h"
+#include "foundation/threads/MRelaxed.h"
 
 /// A number in a range.
 ///
@@ -17,7 +18,7 @@ class MValueNumber : public MValue
 public:
     /// Binds a variable, which must outlive this, and clamps what it holds. Null: owns a variable, which
     /// starts at the default.
-    MValueNumber(T* boundVariable, V minimum, V maximum, V initialDefault);
+    MValueNumber(MRelaxed<T>* boundVariable, V minimum, V maximum, V initialDefault);
 
     T Get() const;
     /// Without clamping; answers whether it differs from before.
@@ -66,8 +67,8 @@ private:
     static V FromNumber(double number);
     void UpdateSteps();
 
-    std::unique_ptr<T> owned;
-    T* bound;
+    std::unique_ptr<MRelaxed<T>> owned;
+    MRelaxed<T>* bound;
     V min;
     V max;
     V inc = {};
@@ -93,9 +94,20 @@ using MValueInt = MValueNumber<int, int, 1, 0>;
 using MValueInt64 = MValueNumber<std::int64_t, std::int64_t, 1, 0>;
 using MValueShort = MValueNumber<short, int, 1, 0>;
 
+/// A switch: 0 or 1.
+class MValueFlag : public MValueNumber<bool, int, 1, 0>
+{
+public:
+    explicit MValueFlag(MRelaxed<bool>* variable = nullptr, bool initialDefault = false)
+        : MValueNumber(variable, 0, 1, initialDefault ? 1 : 0)
+    {
+    }
+};
+
 extern template class MValueNumber<double, double, 0, 0>;
 extern template class MValueNumber<float, double, 0, 0>;
 extern template class MValueNumber<double, double, 0, 1>;
 extern template class MValueNumber<int, int, 1, 0>;
 extern template class MValueNumber<std::int64_t, std::int64_t, 1, 0>;
 extern template class MValueNumber<short, int, 1, 0>;
+extern template class MValueNumber<bool, int, 1, 0>;

@@ -8,21 +8,21 @@
 #include "foundation/text/MStringScan.h"
 #include "state/tree/MAttribute.h"
 
-MValueGain::MValueGain(double* variable, double minimum, double maximum, double initialDefault,
+MValueGain::MValueGain(MRelaxed<double>* variable, double minimum, double maximum, double initialDefault,
                        const MString& textFormat)
     : MValueDouble(variable, minimum, maximum, initialDefault)
 {
     SetFormat(textFormat);
 }
 
-MValuePitch::MValuePitch(double* variable, double minimum, double maximum, double initialDefault)
+MValuePitch::MValuePitch(MRelaxed<double>* variable, double minimum, double maximum, double initialDefault)
     : MValueDouble(variable, minimum, maximum, initialDefault)
 {
     SetFormat("{0;+.02}");
     SetNarrowedSteps(0.1, 1.0);
 }
 
-MValueMIDINote::MValueMIDINote(int* variable, int minimum, int maximum, int initialDefault)
+MValueMIDINote::MValueMIDINote(MRelaxed<int>* variable, int minimum, int maximum, int initialDefault)
     : MValueInt(variable, minimum, maximum, initialDefault)
 {
 }
@@ -39,7 +39,8 @@ bool MValueMIDINote::ReadText(const MString& text, int& value) const
     return scan.CapturedCount() == 1;
 }
 
-MValue2Pow::MValue2Pow(int* variable, int minimum, int maximum, int initialDefault, const MString& textFormat)
+MValue2Pow::MValue2Pow(MRelaxed<int>* variable, int minimum, int maximum, int initialDefault,
+                       const MString& textFormat)
     : MValueInt(variable, minimum, maximum, initialDefault)
 {
     SetFormat(textFormat);
@@ -62,8 +63,8 @@ bool MValue2Pow::ReadText(const MString& text, int& value) const
     return true;
 }
 
-MValueStepDouble::MValueStepDouble(double* variable, double minimum, double maximum, double initialDefault,
-                                   double quantum)
+MValueStepDouble::MValueStepDouble(MRelaxed<double>* variable, double minimum, double maximum,
+                                   double initialDefault, double quantum)
     : MValueDouble(variable, minimum, maximum, initialDefault)
 {
     SetQuantum(quantum);

@@ -20,7 +20,7 @@ protected:
 class MValuePercents : public MValueQuantity<MValueDouble, PercentText, ReadPercent>
 {
 public:
-    explicit MValuePercents(double* variable = nullptr, double minimum = 0.0, double maximum = 1.0,
+    explicit MValuePercents(MRelaxed<double>* variable = nullptr, double minimum = 0.0, double maximum = 1.0,
                             double initialDefault = 0.0)
         : MValueQuantity(variable, minimum, maximum, initialDefault)
     {
@@ -30,7 +30,7 @@ public:
 class MValuePercentsF : public MValueQuantity<MValueFloat, PercentText, ReadPercent>
 {
 public:
-    explicit MValuePercentsF(float* variable = nullptr, double minimum = 0.0, double maximum = 1.0,
+    explicit MValuePercentsF(MRelaxed<float>* variable = nullptr, double minimum = 0.0, double maximum = 1.0,
                              double initialDefault = 0.0)
         : MValueQuantity(variable, minimum, maximum, initialDefault)
     {
@@ -41,7 +41,7 @@ public:
 class MValueTimeMS : public MValueQuantity<MValueDouble, MillisecondsText, ReadMilliseconds>
 {
 public:
-    explicit MValueTimeMS(double* variable = nullptr, double minimum = 0.0, double maximum = 1.0,
+    explicit MValueTimeMS(MRelaxed<double>* variable = nullptr, double minimum = 0.0, double maximum = 1.0,
                           double initialDefault = 1.0)
         : MValueQuantity(variable, minimum, maximum, initialDefault)
     {
@@ -53,7 +53,7 @@ public:
 class MValueVolume : public MValueQuantity<MValueDouble, GainText, ReadGain>
 {
 public:
-    explicit MValueVolume(double* variable = nullptr, double minimum = 0.0, double maximum = 1.0,
+    explicit MValueVolume(MRelaxed<double>* variable = nullptr, double minimum = 0.0, double maximum = 1.0,
                           double initialDefault = 1.0)
         : MValueQuantity(variable, minimum, maximum, initialDefault)
     {
@@ -65,7 +65,7 @@ public:
 class MValuePan : public MValueQuantity<MValueDouble, PanText, ReadPan>
 {
 public:
-    explicit MValuePan(double* variable = nullptr, double minimum = -1.0, double maximum = 1.0,
+    explicit MValuePan(MRelaxed<double>* variable = nullptr, double minimum = -1.0, double maximum = 1.0,
                        double initialDefault = 0.0)
         : MValueQuantity(variable, minimum, maximum, initialDefault)
     {
@@ -77,8 +77,8 @@ public:
 class MValueDegreesFrom01 : public MValueQuantity<MValueDouble, DegreesText, ReadDegrees>
 {
 public:
-    explicit MValueDegreesFrom01(double* variable = nullptr, double minimum = 0.0, double maximum = 1.0,
-                                 double initialDefault = 0.0)
+    explicit MValueDegreesFrom01(MRelaxed<double>* variable = nullptr, double minimum = 0.0,
+                                 double maximum = 1.0, double initialDefault = 0.0)
         : MValueQuantity(variable, minimum, maximum, initialDefault)
     {
     }
@@ -88,7 +88,7 @@ public:
 class MValueGain : public MValueDouble
 {
 public:
-    MValueGain(double* variable, double minimum, double maximum, double initialDefault,
+    MValueGain(MRelaxed<double>* variable, double minimum, double maximum, double initialDefault,
                const MString& textFormat = "{+0.2} dB");
 };
 
@@ -96,7 +96,7 @@ public:
 class MValuePitch : public MValueDouble
 {
 public:
-    explicit MValuePitch(double* variable = nullptr, double minimum = 0.25, double maximum = 4.0,
+    explicit MValuePitch(MRelaxed<double>* variable = nullptr, double minimum = 0.25, double maximum = 4.0,
                          double initialDefault = 1.0);
 };
 
@@ -104,7 +104,7 @@ public:
 class MValueMIDINote : public MValueInt
 {
 public:
-    explicit MValueMIDINote(int* variable = nullptr, int minimum = 0, int maximum = 127,
+    explicit MValueMIDINote(MRelaxed<int>* variable = nullptr, int minimum = 0, int maximum = 127,
                             int initialDefault = 60);
 
 protected:
@@ -116,7 +116,8 @@ protected:
 class MValue2Pow : public MValueInt
 {
 public:
-    MValue2Pow(int* variable, int minimum, int maximum, int initialDefault, const MString& textFormat = {});
+    MValue2Pow(MRelaxed<int>* variable, int minimum, int maximum, int initialDefault,
+               const MString& textFormat = {});
 
 protected:
     MString TextOf(int value) const override;
@@ -129,7 +130,8 @@ class MValueStepDouble : public MValueDouble
 {
 public:
     /// @param quantum  0 leaves the number as it is
-    MValueStepDouble(double* variable, double minimum, double maximum, double initialDefault, double quantum);
+    MValueStepDouble(MRelaxed<double>* variable, double minimum, double maximum, double initialDefault,
+                     double quantum);
 
     void LoadDefinition(MAttribute& item) override;   // and "step"
     void Clamp() override;

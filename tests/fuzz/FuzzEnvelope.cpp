@@ -29,19 +29,19 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         params.item = &item;
         envelope.Store(params);
         MEnvelopeComputer computer(envelope);
-        const double width = envelope.MaxX - envelope.MinX;
+        const double width = envelope.MaxX() - envelope.MinX();
         for (int index = -2; index < 66; ++index)
         {
-            const double value = computer.Value(envelope.MinX + width * index / 64.0);
+            const double value = computer.Value(envelope.MinX() + width * index / 64.0);
             // Limits of astronomic size overflow in the formulas; ordinary ones never may.
-            const bool isOrdinary = std::fabs(envelope.MinX) < 1e9 && std::fabs(envelope.MaxX) < 1e9 &&
-                                    std::fabs(envelope.MinY) < 1e9 && std::fabs(envelope.MaxY) < 1e9;
+            const bool isOrdinary = std::fabs(envelope.MinX()) < 1e9 && std::fabs(envelope.MaxX()) < 1e9 &&
+                                    std::fabs(envelope.MinY()) < 1e9 && std::fabs(envelope.MaxY()) < 1e9;
             if (isOrdinary && !std::isfinite(value))
                 std::abort();
         }
         float values[256];
-        computer.Rewind(envelope.MinX);
-        computer.Fill(values, envelope.MinX, width > 0.0 ? width / 100.0 : 0.01, 256);
+        computer.Rewind(envelope.MinX());
+        computer.Fill(values, envelope.MinX(), width > 0.0 ? width / 100.0 : 0.01, 256);
         params.saving = 1;
         envelope.Store(params);
     }

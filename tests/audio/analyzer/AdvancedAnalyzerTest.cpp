@@ -255,7 +255,7 @@ TEST(AdvancedAnalyzer, PrefilterLowersWhatItsCurveRaises)
     {
         MSpectralAnalyzerAdvanced analyzer;
         for (const MEnvelopePoint& made : row.points)
-            analyzer.settings.prefilter.points.Add(made);
+            analyzer.settings.prefilter.Edit([&](MArray<MEnvelopePoint>& points) { points.Add(made); });
         analyzer.settings.prefilterDepth = row.depth;
         Points points;
         points.fill(0.5f);

@@ -90,7 +90,7 @@ AnalyzerSettings Unusual()
     MEnvelopePoint point;
     point.x = 3.0;
     point.y = -12.0;
-    settings.prefilter.points.Add(point);
+    settings.prefilter.Edit([&](MArray<MEnvelopePoint>& points) { points.Add(point); });
     settings.prefilterDepth = 0.5;
     settings.processors[1].enabled = true;
     settings.processors[2].color = 0x12345678;
@@ -156,7 +156,7 @@ TEST(AnalyzerSettings, MissingKeysMeanTheirDefaultsOrLeaveTheField)
     EXPECT_EQ(settings.windowType, fresh.windowType);
     EXPECT_EQ(settings.normalize, fresh.normalize);
     EXPECT_EQ(settings.prefilterDepth, 1.0);
-    EXPECT_EQ(settings.prefilter.points.Count(), 0);
+    EXPECT_EQ(settings.prefilter.Points().Count(), 0);
     EXPECT_FALSE(settings.comparisonEnable);
     EXPECT_EQ(settings.sonogramAlpha, 0.5);
     // These keep what they were.

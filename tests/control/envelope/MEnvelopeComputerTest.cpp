@@ -30,9 +30,13 @@ MEnvelopePoint PointAt(double x, double y, MEnvelopeSegment type, double curvatu
 MEnvelope Curve(std::initializer_list<MEnvelopePoint> points)
 {
     MEnvelope envelope;
-    envelope.points.Clear();
-    for (const MEnvelopePoint& point : points)
-        envelope.points.Add(point);
+    envelope.Edit(
+        [&points](MArray<MEnvelopePoint>& edited)
+        {
+            edited.Clear();
+            for (const MEnvelopePoint& point : points)
+                edited.Add(point);
+        });
     return envelope;
 }
 
@@ -270,8 +274,7 @@ TEST(MEnvelopeComputer, RepeatsItsPeriodicShapes)
 TEST(MEnvelopeComputer, KnowsTheOddCurves)
 {
     MEnvelope none = Curve({});
-    none.MinY = -2.0;
-    none.MaxY = 6.0;
+    none.SetLimits(0.0, 1.0, -2.0, 6.0);
     EXPECT_EQ(At(none, 0.3), 2.0);
     EXPECT_EQ(At(Curve({ PointAt(0.5, 0.8, MEnvelopeSegment::Saw) }), -7.0), 0.8);
     EXPECT_EQ(MEnvelopeComputer().Value(3.0), 0.0);
@@ -286,7 +289,7 @@ TEST(MEnvelopeComputer, KnowsTheOddCurves)
     MEnvelopeComputer computer(wrong);
     for (const std::int32_t type : { -1, 12 })
     {
-        wrong.points[0].type = type;
+        wrong.Edit([type](MArray<MEnvelopePoint>& points) { points[0].type = type; });
         try
         {
             computer.Compile(wrong);
@@ -328,13 +331,14 @@ TEST(MEnvelopeComputer, RoundsCornersWithoutAKink)
                 MEnvelope envelope =
                     Curve({ PointAt(0.0, 0.0, Quadratic), PointAt(2.0, 4.0, FourthOrder, 0.5),
                             PointAt(3.0, 1.0, Quadratic) });
-                MEnvelopePoint& corner = envelope.points[1];
                 const MEnvelope sharp = envelope;
+                MEnvelopePoint corner = envelope.Points()[1];
                 corner.smoothingType = smoothingType;
                 corner.smoothLeft = 0.5;
                 corner.smoothRight = 0.8;
                 corner.flags = static_cast<std::uint8_t>((isProportional ? MEnvelopePoint::Proportional : 0) |
                                                          (locksSides ? MEnvelopePoint::LockSides : 0));
+                envelope.Edit([&corner](MArray<MEnvelopePoint>& points) { points[1] = corner; });
                 // Half the way to the neighbour, or to the nearer one, times the share.
                 const double left = 2.0 - 0.5 * (isProportional ? 0.5 : 1.0);
                 const double right = 2.0 + (locksSides ? 0.5 : 0.8) * 0.5;
@@ -355,7 +359,7 @@ TEST(MEnvelopeComputer, RoundsTheOuterCornersByMirroredReach)
 {
     MEnvelope envelope = Curve(
         { PointAt(0.0, 0.0, MEnvelopeSegment::Quadratic), PointAt(2.0, 4.0, MEnvelopeSegment::Quadratic) });
-    envelope.points[0].smoothLeft = envelope.points[1].smoothLeft = 0.5;
+    envelope.Edit([](MArray<MEnvelopePoint>& points) { points[0].smoothLeft = points[1].smoothLeft = 0.5; });
     EXPECT_EQ(At(envelope, -0.51), 0.0);
     EXPECT_GT(At(envelope, -0.4), 0.0);
     EXPECT_GT(At(envelope, 0.4), 0.8);   // above the straight line
@@ -376,7 +380,7 @@ TEST(MEnvelopeComputer, KnowsFromWhereItIsSilent)
     EXPECT_EQ(MEnvelopeComputer(curve(0.0)).ZeroFrom(), 1.0);
     EXPECT_EQ(MEnvelopeComputer(curve(0.1)).ZeroFrom(), MEnvelopeComputer::Endless);
     MEnvelope rounded = curve(0.0);
-    rounded.points[1].smoothLeft = 0.5;
+    rounded.Edit([](MArray<MEnvelopePoint>& points) { points[1].smoothLeft = 0.5; });
     EXPECT_EQ(MEnvelopeComputer(rounded).ZeroFrom(), 1.25);
     EXPECT_NE(At(rounded, 1.2), 0.0);
     EXPECT_NEAR(At(rounded, 1.25), 0.0, 1e-15);
@@ -399,7 +403,7 @@ TEST(MEnvelopeComputer, FillsWhatItsValuesAre)
                                  2.0 * unit(random) - 1.0, 2.0 * unit(random) - 1.0);
             point.smoothLeft = random() % 2 == 0 ? unit(random) : 0.0;
             point.smoothingType = static_cast<std::int32_t>(random() % 2);
-            envelope.points.Add(point);
+            envelope.Edit([&point](MArray<MEnvelopePoint>& points) { points.Add(point); });
             x += 0.05 + unit(random);
         }
         MEnvelopeComputer filling(envelope);

@@ -13,12 +13,20 @@
 
 namespace
 {
-MEnvelopePoint PointAt(double x, double y)
+MEnvelopePoint PointAt(double x, double y, std::uint8_t flags = 12)
 {
-    MEnvelopePoint point;
-    point.x = x;
-    point.y = y;
-    return point;
+    return { .x = x, .y = y, .flags = flags };
+}
+
+void SetPoints(MEnvelope& envelope, std::initializer_list<MEnvelopePoint> points)
+{
+    envelope.Edit(
+        [&points](MArray<MEnvelopePoint>& edited)
+        {
+            edited.Clear();
+            for (const MEnvelopePoint& point : points)
+                edited.Add(point);
+        });
 }
 
 void Store(MEnvelope& envelope, MAttribute& item, int saving)
@@ -40,7 +48,7 @@ std::string KeysOf(const MAttribute& item)
 std::string XsOf(const MEnvelope& envelope)
 {
     std::string xs;
-    for (const MEnvelopePoint& point : envelope.points)
+    for (const MEnvelopePoint& point : envelope.Points())
         xs += MString::FromDouble(point.x, 11).ToUTF8() + " ";
     return xs;
 }
@@ -48,14 +56,13 @@ std::string XsOf(const MEnvelope& envelope)
 TEST(MEnvelope, StartsWithTwoFixedPoints)
 {
     MEnvelope envelope;
-    envelope.MinX = -1.0;
-    envelope.MaxX = 3.0;
+    envelope.SetLimits(-1.0, 3.0, 0.0, 1.0);
     envelope.Reset(0.25, 0.75);
-    ASSERT_EQ(envelope.points.Count(), 2);
+    ASSERT_EQ(envelope.Points().Count(), 2);
     EXPECT_EQ(XsOf(envelope), "-1 3 ");
-    EXPECT_EQ(envelope.points[1].y, 0.75);
-    EXPECT_EQ(envelope.points[0].flags, 13);
-    EXPECT_EQ(envelope.points[0].type, 1);
+    EXPECT_EQ(envelope.Points()[1].y, 0.75);
+    EXPECT_EQ(envelope.Points()[0].flags, 13);
+    EXPECT_EQ(envelope.Points()[0].type, 1);
 }
 
 TEST(MEnvelope, NormalizesPointsIntoTheRectangleAndOrder)
@@ -78,40 +85,30 @@ TEST(MEnvelope, NormalizesPointsIntoTheRectangleAndOrder)
     for (const auto& [name, xs, flags, expected] : cases)
     {
         MEnvelope envelope;
-        envelope.points.Clear();
-        for (const double x : xs)
-        {
-            envelope.points.Add(PointAt(x, 9.0));
-            envelope.points[envelope.points.Count() - 1].flags = 13;
-        }
-        envelope.points[1].flags = flags;
+        SetPoints(envelope, { PointAt(xs[0], 9.0, 13), PointAt(xs[1], 9.0, flags), PointAt(xs[2], 9.0, 13) });
         envelope.Normalize();
         std::string sorted = XsOf(envelope);
         if (std::string(name) == "no room beside the limit")
             EXPECT_EQ(sorted, "0.9999999999 1 1 ");   // and sorted in the end
         else
             EXPECT_EQ(sorted, expected) << name;
-        EXPECT_EQ(envelope.points[1].y, 1.0);
+        EXPECT_EQ(envelope.Points()[1].y, 1.0);
     }
     MEnvelope crowded;
-    crowded.points.Clear();
-    crowded.points.Add(PointAt(0.0, 0.0));
-    crowded.points.Add(PointAt(0.0, 0.0));   // moves left of the next, out of the rectangle
-    crowded.points.Add(PointAt(0.0, 0.0));
-    crowded.points[0].flags = crowded.points[2].flags = 13;
+    // The middle one moves left of the next, out of the rectangle.
+    SetPoints(crowded, { PointAt(0.0, 0.0, 13), PointAt(0.0, 0.0), PointAt(0.0, 0.0, 13) });
     crowded.Normalize();
-    EXPECT_EQ(crowded.points.Count(), 2);
+    EXPECT_EQ(crowded.Points().Count(), 2);
 }
 
 TEST(MEnvelope, SurvivesLimitsAndPointsThatAreNoNumbers)
 {
     MEnvelope envelope;
-    envelope.MinX = 2.0;
-    envelope.MaxX = -2.0;
-    envelope.points.Add(PointAt(std::nan(""), std::nan("")));
-    envelope.points.Add(PointAt(std::numeric_limits<double>::infinity(), 0.0));
+    envelope.SetLimits(2.0, -2.0, 0.0, 1.0);
+    SetPoints(envelope,
+              { PointAt(std::nan(""), std::nan("")), PointAt(std::numeric_limits<double>::infinity(), 0.0) });
     envelope.Normalize();
-    for (const MEnvelopePoint& point : envelope.points)
+    for (const MEnvelopePoint& point : envelope.Points())
         EXPECT_TRUE(std::isfinite(point.x) && std::isfinite(point.y));
 }
 
@@ -128,14 +125,15 @@ TEST(MEnvelope, StoresOnlyWhatDiffers)
     envelope.DrawingMode = envelope.SnapToGridY = true;
     envelope.OverrideUnitsX = 2;
     envelope.StoresLimits = true;
-    envelope.MinY = -24.0;
-    MEnvelopePoint& point = envelope.points[0];
-    point.y = 1.0 / 3.0;
-    point.curvature = -0.5;
-    point.curvatureX = 0.25;
-    point.type = 2;   // what a curved point has anyway
-    point.smoothLeft = 0.5;
-    point.smoothRight = 0.75;
+    envelope.SetLimits(0.0, 1.0, -24.0, 1.0);
+    MEnvelopePoint point = { .y = 1.0 / 3.0,
+                             .flags = 13,
+                             .curvatureX = 0.25,
+                             .curvature = -0.5,
+                             .smoothLeft = 0.5,
+                             .smoothRight = 0.75,
+                             .type = 2 };   // what a curved point has anyway
+    SetPoints(envelope, { point, PointAt(1.0, 0.0, 13) });
     Store(envelope, item, 1);   // over what is there
     EXPECT_EQ(KeysOf(item), "DrawingMode=1 MaxX=1 MaxY=1 MinY=-24 OverrideUnitsX=2 SnapToGridY=1 ");
     ASSERT_EQ(item.SubItemCount(), 2);
@@ -144,6 +142,7 @@ TEST(MEnvelope, StoresOnlyWhatDiffers)
     point.flags = MEnvelopePoint::Proportional;   // sides are free
     point.smoothingType = 1;
     point.type = 1;
+    SetPoints(envelope, { point });
     Store(envelope, item, 1);
     EXPECT_EQ(KeysOf(item.SubItemAt(0)),
               "c=-0.5 cx=0.25 Flags=8 SmoothingType=1 SmoothX1=0.5 SmoothX2=0.75 Type=1 y=0.333333333333 ");
@@ -158,7 +157,7 @@ TEST(MEnvelope, LoadsWhatItStored)
     for (int round = 0; round < 200; ++round)
     {
         MEnvelope saved;
-        saved.points.Clear();
+        MArray<MEnvelopePoint> points;
         double x = 0.0;
         for (int count = 2 + round % 6; count > 0; --count)
         {
@@ -171,17 +170,18 @@ TEST(MEnvelope, LoadsWhatItStored)
             point.smoothingType = static_cast<std::int32_t>(random() % 2);
             point.smoothLeft = unit(random);
             point.smoothRight = unit(random);
-            saved.points.Add(point);
+            points.Add(point);
         }
+        saved.Edit([&points](MArray<MEnvelopePoint>& edited) { edited = points; });
         MAttribute item;
         Store(saved, item, 1);
         MEnvelope loaded;
         Store(loaded, item, 0);
-        ASSERT_EQ(loaded.points.Count(), saved.points.Count());
-        for (int index = 0; index < loaded.points.Count(); ++index)
+        ASSERT_EQ(loaded.Points().Count(), saved.Points().Count());
+        for (int index = 0; index < loaded.Points().Count(); ++index)
         {
-            const MEnvelopePoint& a = saved.points[index];
-            const MEnvelopePoint& b = loaded.points[index];
+            const MEnvelopePoint& a = saved.Points()[index];
+            const MEnvelopePoint& b = loaded.Points()[index];
             // 12 significant digits
             EXPECT_NEAR(b.x, a.x, 1e-11);
             EXPECT_NEAR(b.y, a.y, 1e-11);
@@ -211,22 +211,22 @@ TEST(MEnvelope, LoadsOldDamagedAndMissingKeys)
     item.AddSubItem("point").SetAttribute("x", "0.5");
     MEnvelope envelope;
     envelope.DrawingMode = true;
-    envelope.MaxY = 8.0;
+    envelope.SetLimits(0.0, 1.0, 0.0, 8.0);
     envelope.StoresLimits = true;
     Store(envelope, item, 0);
     EXPECT_FALSE(envelope.DrawingMode);
     EXPECT_TRUE(envelope.SnapToGridX);
-    EXPECT_EQ(envelope.MinX, -4.0);
-    EXPECT_EQ(envelope.MaxX, 1.0);
-    EXPECT_EQ(envelope.MaxY, 8.0);
-    ASSERT_EQ(envelope.points.Count(), 2);
-    EXPECT_EQ(envelope.points[0].flags, 0x0D);
-    EXPECT_EQ(envelope.points[0].curvature, -1.0);
-    EXPECT_EQ(envelope.points[0].type, 2);
-    EXPECT_EQ(envelope.points[0].x, 0.0);
-    EXPECT_EQ(envelope.points[0].smoothRight, 1.0);
-    EXPECT_EQ(envelope.points[1].flags, 12);
-    EXPECT_EQ(envelope.points[1].type, 1);
-    EXPECT_EQ(envelope.points[1].x, 0.5);
+    EXPECT_EQ(envelope.MinX(), -4.0);
+    EXPECT_EQ(envelope.MaxX(), 1.0);
+    EXPECT_EQ(envelope.MaxY(), 8.0);
+    ASSERT_EQ(envelope.Points().Count(), 2);
+    EXPECT_EQ(envelope.Points()[0].flags, 0x0D);
+    EXPECT_EQ(envelope.Points()[0].curvature, -1.0);
+    EXPECT_EQ(envelope.Points()[0].type, 2);
+    EXPECT_EQ(envelope.Points()[0].x, 0.0);
+    EXPECT_EQ(envelope.Points()[0].smoothRight, 1.0);
+    EXPECT_EQ(envelope.Points()[1].flags, 12);
+    EXPECT_EQ(envelope.Points()[1].type, 1);
+    EXPECT_EQ(envelope.Points()[1].x, 0.5);
 }
 }   // namespace

@@ -3,6 +3,8 @@
 
 #include "control/parameters/AutomationList.h"
 #include "control/parameters/ParameterAdapters.h"
+#include "control/values/MValueList.h"
+#include "control/values/MValueQuantities.h"
 #include "foundation/text/MException.h"
 
 namespace
@@ -199,4 +201,19 @@ TEST(Automation, AnInvalidTypeIsRefused)
     {
         EXPECT_EQ(exception.Message.ToUTF8(), "Invalid plugin parameter type.");
     }
+}
+
+TEST(Automation, AControlEditsTheVeryVariablesThatTheEffectReads)
+{
+    Effect effect(Table());
+    MPluginParameterInfo& gain = effect.records[1];
+    MValueGain gainControl(&gain.number.value, gain.number.minimum, gain.number.maximum, 0);
+    MValueTableList choiceControl(&effect.records[4].enumeration.index, names, 3, 1);
+    MValueFlag toggleControl(&effect.records[5].boolean.value);
+    EXPECT_TRUE(gainControl.SetDisplayText("-6 dB"));
+    EXPECT_TRUE(choiceControl.SetDisplayText("high"));
+    EXPECT_TRUE(toggleControl.SetNormalized(0));
+    EXPECT_EQ(gain.RunningValue(), -6);
+    EXPECT_EQ(effect.records[4].enumeration.index, 2);
+    EXPECT_FALSE(effect.records[5].boolean.value);
 }

@@ -8,7 +8,7 @@ namespace
 {
 TEST(LocaleValues, ChooseByName)
 {
-    int language = 0;
+    MRelaxed<int> language = 0;
     MValueEnum<MLocale::Language> value(&language);
     EXPECT_EQ(value.GetText().ToUTF8(), "");
     value.SetText("Albanian");

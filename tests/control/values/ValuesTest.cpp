@@ -44,14 +44,14 @@ void LoadFrom(MStorable& value, const char* text)
 
 TEST(MValueNumber, StartsWithStandardStepsAndAClampedVariable)
 {
-    double variable = 99.0;
+    MRelaxed<double> variable = 99.0;
     MValueDouble value(&variable, 0.0, 10.0, 5.0);
     EXPECT_EQ(variable, 10.0);
     EXPECT_EQ(value.Name.ToUTF8(), "value");
     EXPECT_DOUBLE_EQ(value.Inc(), 0.01);
     EXPECT_DOUBLE_EQ(value.MaxInc(), 0.1);
     EXPECT_FALSE(value.HasChanged());
-    int small = 0;
+    MRelaxed<int> small = 0;
     MValueInt integer(&small, 0, 4, 0);
     EXPECT_EQ(integer.Inc(), 1);
     EXPECT_EQ(integer.MaxInc(), 10);
@@ -376,7 +376,7 @@ TEST(MValue2Pow, ShowsPowersAndCountsHalvings)
 
 TEST(MValueStepDouble, SnapsToItsStep)
 {
-    double variable = 0.3;
+    MRelaxed<double> variable = 0.3;
     MValueStepDouble value(&variable, 0.0, 1.0, 0.0, 0.25);
     EXPECT_EQ(variable, 0.25);
     for (const auto& [given, snapped] :
@@ -397,7 +397,7 @@ TEST(MValueStepDouble, SnapsToItsStep)
 
 TEST(MValueEnum, IsStoredByItsLabel)
 {
-    int variable = 2;
+    MRelaxed<Shape> variable = Shape::Third;
     MValueEnum<Shape> value(&variable, Shape::Second);
     EXPECT_DOUBLE_EQ(value.GetNormalized(), 0.5);
     EXPECT_EQ(value.GetStepCount(), 5);
@@ -415,12 +415,12 @@ TEST(MValueEnum, IsStoredByItsLabel)
         EXPECT_EQ(value.GetEnum(), expected);
     }
     EXPECT_TRUE(value.Step(1, 7));
-    EXPECT_EQ(variable, 2);
+    EXPECT_EQ(variable, Shape::Third);
     EXPECT_TRUE(value.Increment(10));
-    EXPECT_EQ(variable, 4);
+    EXPECT_EQ(variable, Shape::Fifth);
     EXPECT_FALSE(value.Increment(1));
     EXPECT_EQ(value.CreateContentAt(0.25)->text.ToUTF8(), "Full range");
-    int outside = 77;
+    MRelaxed<int> outside = 77;
     EXPECT_EQ(MValueEnum<Shape>(&outside).GetEnum(), Shape::Fifth);
 }
 
@@ -446,6 +446,14 @@ TEST(MValueList, ChoosesALabelWhileTheListChanges)
     MValueTableList table(nullptr, Table, 2);
     EXPECT_TRUE(table.Step(1, 0));
     EXPECT_EQ(table.GetText().ToUTF8(), "right");
+    MRelaxed<bool> isRight = true;
+    MValueTableList side(&isRight, Table, 2);
+    EXPECT_TRUE(side.FromText("LEFT"));
+    EXPECT_FALSE(isRight);
+    MValueFlag flag(&isRight);
+    EXPECT_TRUE(flag.SetNormalized(0.5));
+    EXPECT_TRUE(isRight);
+    EXPECT_EQ(flag.GetText().ToUTF8(), "1");
 }
 
 TEST(MValueScale, BendsPositionsOnly)
