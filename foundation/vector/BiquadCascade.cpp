@@ -27,6 +27,8 @@ constexpr std::int32_t ShortestVectorRun = 20;
 
 #include <hwy/highway.h>
 
+#include "foundation/vector/InstructionSets.h"
+
 // How the lanes are used
 //
 // A section waits for its own last output, so the lanes of a vector can't be filled with the samples of one
@@ -397,7 +399,7 @@ namespace MVector
 {
 namespace
 {
-HWY_EXPORT(CascadeRunTarget);
+KERNEL_TABLE(CascadeRunTarget);
 
 void RunPlain(const CascadeTaps& taps, CascadeMemory& memory, std::size_t channel, double* samples,
               std::ptrdiff_t step, std::int32_t n)
@@ -465,7 +467,7 @@ void CascadeRun(const CascadeTaps* taps, CascadeMemory* memory, std::int32_t sec
         return;
     }
     const bool forward = direction == CascadeDirection::Forward;
-    HWY_DYNAMIC_DISPATCH(CascadeRunTarget)
+    KERNEL(CascadeRunTarget)
     (taps, memory, std::max(sectionCount, 0), forward ? pairs : pairs + 2 * (n - 1), forward ? 2 : -2, n);
 }
 }   // namespace MVector

@@ -10,6 +10,8 @@
 
 #include <hwy/highway.h>
 
+#include "foundation/vector/InstructionSets.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace MVector
 {
@@ -240,10 +242,10 @@ namespace MVector
 {
 namespace
 {
-HWY_EXPORT(FromFloatsRun);
-HWY_EXPORT(FromFloatsTimesRun);
-HWY_EXPORT(ToFloatsRun);
-HWY_EXPORT(AddTimesRun);
+KERNEL_TABLE(FromFloatsRun);
+KERNEL_TABLE(FromFloatsTimesRun);
+KERNEL_TABLE(ToFloatsRun);
+KERNEL_TABLE(AddTimesRun);
 
 std::size_t Size(std::int32_t n)
 {
@@ -255,7 +257,7 @@ void PairsFromFloats(const float* a, const float* b, double offset, double* pair
 {
     if (b != nullptr)
     {
-        HWY_DYNAMIC_DISPATCH(FromFloatsRun)(a, b, offset, pairs, Size(n));
+        KERNEL(FromFloatsRun)(a, b, offset, pairs, Size(n));
         return;
     }
     for (std::size_t i = 0; i < Size(n); ++i)
@@ -270,7 +272,7 @@ void PairsFromFloatsTimes(const float* a, const float* b, const float* window, d
 {
     if (b != nullptr)
     {
-        HWY_DYNAMIC_DISPATCH(FromFloatsTimesRun)(a, b, window, offset, pairs, Size(n));
+        KERNEL(FromFloatsTimesRun)(a, b, window, offset, pairs, Size(n));
         return;
     }
     for (std::size_t i = 0; i < Size(n); ++i)
@@ -284,7 +286,7 @@ void PairsToFloats(const double* pairs, float offset, float* a, float* b, std::i
 {
     if (b != nullptr)
     {
-        HWY_DYNAMIC_DISPATCH(ToFloatsRun)(pairs, offset, a, b, Size(n));
+        KERNEL(ToFloatsRun)(pairs, offset, a, b, Size(n));
         return;
     }
     for (std::size_t i = 0; i < Size(n); ++i)
@@ -299,7 +301,7 @@ void PairsAdd(const double* src, double* srcDst, std::int32_t n)
 
 void PairsAddTimes(const double* src, const float* window, double* srcDst, std::int32_t n)
 {
-    HWY_DYNAMIC_DISPATCH(AddTimesRun)(src, window, srcDst, Size(n));
+    KERNEL(AddTimesRun)(src, window, srcDst, Size(n));
 }
 }   // namespace MVector
 #endif

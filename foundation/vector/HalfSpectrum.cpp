@@ -12,6 +12,7 @@
 #include <hwy/highway.h>
 
 #include "foundation/vector/ComplexLanes-inl.h"
+#include "foundation/vector/InstructionSets.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace MVector
@@ -81,8 +82,8 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace MVector
 {
-HWY_EXPORT(ToPackedRun);
-HWY_EXPORT(FromPackedRun);
+KERNEL_TABLE(ToPackedRun);
+KERNEL_TABLE(FromPackedRun);
 }   // namespace MVector
 
 namespace HalfSpectrum
@@ -134,7 +135,7 @@ void ToPacked(const float* z, const float* roots, float* packed, std::size_t m)
     packed[1] = z[0] - z[1];
     if (m < 2)
         return;
-    for (std::size_t k = HWY_DYNAMIC_DISPATCH(MVector::ToPackedRun)(z, roots, packed, m); 2 * k < m; ++k)
+    for (std::size_t k = KERNEL(MVector::ToPackedRun)(z, roots, packed, m); 2 * k < m; ++k)
     {
         const Number even = 0.5f * (At(z, k) + std::conj(At(z, m - k)));
         const Number odd = 0.5f * (At(z, k) - std::conj(At(z, m - k)));
@@ -151,7 +152,7 @@ void FromPacked(const float* packed, const float* roots, float* z, std::size_t m
     z[1] = packed[0] - packed[1];
     if (m < 2)
         return;
-    for (std::size_t k = HWY_DYNAMIC_DISPATCH(MVector::FromPackedRun)(packed, roots, z, m); 2 * k < m; ++k)
+    for (std::size_t k = KERNEL(MVector::FromPackedRun)(packed, roots, z, m); 2 * k < m; ++k)
     {
         const Number even = At(packed, k) + std::conj(At(packed, m - k));
         const Number odd = At(packed, k) - std::conj(At(packed, m - k));

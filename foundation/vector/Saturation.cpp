@@ -10,6 +10,8 @@
 
 #include <hwy/highway.h>
 
+#include "foundation/vector/InstructionSets.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace MVector
 {
@@ -63,13 +65,13 @@ namespace MVector
 {
 namespace
 {
-HWY_EXPORT(SaturateTarget);
+KERNEL_TABLE(SaturateTarget);
 }
 
 void SaturateInPlace(float* srcDst, std::int32_t n, float even, float wet, float dry)
 {
     if (n > 0)
-        HWY_DYNAMIC_DISPATCH(SaturateTarget)(srcDst, static_cast<std::size_t>(n), even, wet, dry);
+        KERNEL(SaturateTarget)(srcDst, static_cast<std::size_t>(n), even, wet, dry);
 }
 
 void MultiplyRampInPlace(float* srcDst, std::int32_t n, double start, double step)

@@ -10,6 +10,8 @@
 
 #include <hwy/highway.h>
 
+#include "foundation/vector/InstructionSets.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace MVector
 {
@@ -90,14 +92,14 @@ namespace MVector
 {
 namespace
 {
-HWY_EXPORT(SectionMagnitudesRun);
+KERNEL_TABLE(SectionMagnitudesRun);
 }
 
 void MultiplySectionMagnitudes(const SectionQuotient* sections, std::int32_t sectionCount, const double* t,
                                const double* s, double* srcDst, std::int32_t n)
 {
     if (n > 0 && sectionCount > 0)
-        HWY_DYNAMIC_DISPATCH(SectionMagnitudesRun)
+        KERNEL(SectionMagnitudesRun)
     (sections, static_cast<std::size_t>(sectionCount), t, s, srcDst, static_cast<std::size_t>(n));
 }
 }   // namespace MVector

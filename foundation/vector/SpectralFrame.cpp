@@ -20,6 +20,7 @@
 #include "foundation/vector/ComplexLanes-inl.h"
 #include "foundation/vector/FFTPlanner.h"
 #include "foundation/vector/HalfSpectrum.h"
+#include "foundation/vector/InstructionSets.h"
 #include "foundation/vector/VectorOperations.h"
 
 // The way of a frame
@@ -131,8 +132,8 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace SpectralFrameKernels
 {
-HWY_EXPORT(MultiplyRow);
-HWY_EXPORT(GainRow);
+KERNEL_TABLE(MultiplyRow);
+KERNEL_TABLE(GainRow);
 }   // namespace SpectralFrameKernels
 
 namespace
@@ -227,7 +228,7 @@ struct SpectralFrame::Implementation
         auto* source = reinterpret_cast<fftwf_complex*>(from.Data());
         fftwf_execute_dft(plans.columns[way], source, source);
         for (std::size_t row = 1; row < Side; ++row)
-            HWY_DYNAMIC_DISPATCH(SpectralFrameKernels::MultiplyRow)
+            KERNEL(SpectralFrameKernels::MultiplyRow)
         (twiddles.Data() + RowFloats * row, way == 0 ? 1.0f : -1.0f, Row(from, row));
         fftwf_execute_dft(plans.rows[way], source, reinterpret_cast<fftwf_complex*>(to.Data()));
     }
@@ -274,7 +275,7 @@ struct SpectralFrame::Implementation
                 for (column = 1; column < FirstOfRowZero; ++column)
                     GainPair(gains, column, here + 2 * column, mirror + 2 * (Side - column));
             }
-            column = HWY_DYNAMIC_DISPATCH(SpectralFrameKernels::GainRow)(
+            column = KERNEL(SpectralFrameKernels::GainRow)(
                 roots.Data() + RowFloats * row, gains + RowFloats * row, gains + RowFloats * (Side - 1 - row),
                 here, mirror, column);
             for (column = std::max<std::size_t>(column, 1); column < Side; ++column)

@@ -10,6 +10,8 @@
 
 #include <hwy/highway.h>
 
+#include "foundation/vector/InstructionSets.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace MVector
 {
@@ -82,7 +84,7 @@ namespace MVector
 {
 namespace
 {
-HWY_EXPORT(ApplyTarget);
+KERNEL_TABLE(ApplyTarget);
 
 constexpr std::size_t TileRows = 8;
 constexpr std::size_t TileWidth = 2 * TileRows;
@@ -136,7 +138,7 @@ void StateTransition::SetSection(std::int32_t section, const CascadeMemory* memo
 void StateTransition::Apply(const CascadeMemory* memory, CascadeMemory* inOut) const
 {
     if (count > 0)
-        HWY_DYNAMIC_DISPATCH(ApplyTarget)
+        KERNEL(ApplyTarget)
     (matrix.data(), static_cast<std::size_t>(2 * count), reinterpret_cast<const double*>(memory),
      reinterpret_cast<double*>(inOut));
 }

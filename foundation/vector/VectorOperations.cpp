@@ -14,6 +14,8 @@
 #include <hwy/contrib/math/math-inl.h>
 #include <hwy/highway.h>
 
+#include "foundation/vector/InstructionSets.h"
+
 // Compiled once for each instruction set. The remainder of an array that fills no vector goes one lane at
 // a time through the same operations, fused ones included, so that an element's result doesn't depend on
 // where it stands.
@@ -414,28 +416,28 @@ namespace MVector
 {
 namespace
 {
-HWY_EXPORT(AddRun);
-HWY_EXPORT(SubRun);
-HWY_EXPORT(MultiplyRun);
-HWY_EXPORT(MaxEveryRun);
-HWY_EXPORT(AddConstantRun);
-HWY_EXPORT(MultiplyConstantRun);
-HWY_EXPORT(ThresholdLowRun);
-HWY_EXPORT(ThresholdHighRun);
-HWY_EXPORT(CopyFiniteRun);
-HWY_EXPORT(AddScaledRun);
-HWY_EXPORT(AddProductRun);
-HWY_EXPORT(SumRun);
-HWY_EXPORT(AbsSumRun);
-HWY_EXPORT(DotProductRun);
-HWY_EXPORT(MaxRun);
-HWY_EXPORT(MinRun);
-HWY_EXPORT(AbsMaxRun);
-HWY_EXPORT(LnRun);
-HWY_EXPORT(ExpRun);
-HWY_EXPORT(Log10Run);
-HWY_EXPORT(MagnitudeRun);
-HWY_EXPORT(ComplexMultiplyRun);
+KERNEL_TABLE(AddRun);
+KERNEL_TABLE(SubRun);
+KERNEL_TABLE(MultiplyRun);
+KERNEL_TABLE(MaxEveryRun);
+KERNEL_TABLE(AddConstantRun);
+KERNEL_TABLE(MultiplyConstantRun);
+KERNEL_TABLE(ThresholdLowRun);
+KERNEL_TABLE(ThresholdHighRun);
+KERNEL_TABLE(CopyFiniteRun);
+KERNEL_TABLE(AddScaledRun);
+KERNEL_TABLE(AddProductRun);
+KERNEL_TABLE(SumRun);
+KERNEL_TABLE(AbsSumRun);
+KERNEL_TABLE(DotProductRun);
+KERNEL_TABLE(MaxRun);
+KERNEL_TABLE(MinRun);
+KERNEL_TABLE(AbsMaxRun);
+KERNEL_TABLE(LnRun);
+KERNEL_TABLE(ExpRun);
+KERNEL_TABLE(Log10Run);
+KERNEL_TABLE(MagnitudeRun);
+KERNEL_TABLE(ComplexMultiplyRun);
 
 /// A count below 0 is nothing to do, like 0.
 std::size_t Size(std::int32_t n)
@@ -473,107 +475,107 @@ void Move(const float* src, float* dst, std::int32_t n)
 
 void CopyFinite(const float* src, float* dst, std::int32_t n)
 {
-    HWY_DYNAMIC_DISPATCH(CopyFiniteRun)(src, dst, Size(n));
+    KERNEL(CopyFiniteRun)(src, dst, Size(n));
 }
 
 void Add(const float* a, const float* b, float* dst, std::int32_t n)
 {
-    HWY_DYNAMIC_DISPATCH(AddRun)(a, b, dst, Size(n));
+    KERNEL(AddRun)(a, b, dst, Size(n));
 }
 
 void AddInPlace(const float* src, float* srcDst, std::int32_t n)
 {
-    HWY_DYNAMIC_DISPATCH(AddRun)(srcDst, src, srcDst, Size(n));
+    KERNEL(AddRun)(srcDst, src, srcDst, Size(n));
 }
 
 void SubInPlace(const float* src, float* srcDst, std::int32_t n)
 {
-    HWY_DYNAMIC_DISPATCH(SubRun)(src, srcDst, srcDst, Size(n));
+    KERNEL(SubRun)(src, srcDst, srcDst, Size(n));
 }
 
 void Sub(const float* a, const float* b, float* dst, std::int32_t n)
 {
-    HWY_DYNAMIC_DISPATCH(SubRun)(a, b, dst, Size(n));
+    KERNEL(SubRun)(a, b, dst, Size(n));
 }
 
 void AddConstant(const float* src, float value, float* dst, std::int32_t n)
 {
-    HWY_DYNAMIC_DISPATCH(AddConstantRun)(src, value, dst, Size(n));
+    KERNEL(AddConstantRun)(src, value, dst, Size(n));
 }
 
 void AddConstantInPlace(float value, float* srcDst, std::int32_t n)
 {
-    HWY_DYNAMIC_DISPATCH(AddConstantRun)(srcDst, value, srcDst, Size(n));
+    KERNEL(AddConstantRun)(srcDst, value, srcDst, Size(n));
 }
 
 void Multiply(const float* a, const float* b, float* dst, std::int32_t n)
 {
-    HWY_DYNAMIC_DISPATCH(MultiplyRun)(a, b, dst, Size(n));
+    KERNEL(MultiplyRun)(a, b, dst, Size(n));
 }
 
 void MultiplyConstant(const float* src, float value, float* dst, std::int32_t n)
 {
-    HWY_DYNAMIC_DISPATCH(MultiplyConstantRun)(src, value, dst, Size(n));
+    KERNEL(MultiplyConstantRun)(src, value, dst, Size(n));
 }
 
 void MultiplyConstantInPlace(float* srcDst, std::int32_t n, float value)
 {
-    HWY_DYNAMIC_DISPATCH(MultiplyConstantRun)(srcDst, value, srcDst, Size(n));
+    KERNEL(MultiplyConstantRun)(srcDst, value, srcDst, Size(n));
 }
 
 void AddScaled(float* dst, const float* src, std::int32_t n, float value)
 {
-    HWY_DYNAMIC_DISPATCH(AddScaledRun)(dst, src, value, Size(n));
+    KERNEL(AddScaledRun)(dst, src, value, Size(n));
 }
 
 void AddProduct(const float* a, const float* b, float* srcDst, std::int32_t n)
 {
-    HWY_DYNAMIC_DISPATCH(AddProductRun)(a, b, srcDst, Size(n));
+    KERNEL(AddProductRun)(a, b, srcDst, Size(n));
 }
 
 void Square(const float* src, float* dst, std::int32_t n)
 {
-    HWY_DYNAMIC_DISPATCH(MultiplyRun)(src, src, dst, Size(n));
+    KERNEL(MultiplyRun)(src, src, dst, Size(n));
 }
 
 void SquareInPlace(float* srcDst, std::int32_t n)
 {
-    HWY_DYNAMIC_DISPATCH(MultiplyRun)(srcDst, srcDst, srcDst, Size(n));
+    KERNEL(MultiplyRun)(srcDst, srcDst, srcDst, Size(n));
 }
 
 void MaxEveryInPlace(const float* src, float* srcDst, std::int32_t n)
 {
-    HWY_DYNAMIC_DISPATCH(MaxEveryRun)(srcDst, src, srcDst, Size(n));
+    KERNEL(MaxEveryRun)(srcDst, src, srcDst, Size(n));
 }
 
 void ThresholdLowInPlace(float* srcDst, std::int32_t n, float level)
 {
-    HWY_DYNAMIC_DISPATCH(ThresholdLowRun)(srcDst, level, srcDst, Size(n));
+    KERNEL(ThresholdLowRun)(srcDst, level, srcDst, Size(n));
 }
 
 void ClipInPlace(float* srcDst, std::int32_t n, float low, float high)
 {
-    HWY_DYNAMIC_DISPATCH(ThresholdLowRun)(srcDst, low, srcDst, Size(n));
-    HWY_DYNAMIC_DISPATCH(ThresholdHighRun)(srcDst, high, srcDst, Size(n));
+    KERNEL(ThresholdLowRun)(srcDst, low, srcDst, Size(n));
+    KERNEL(ThresholdHighRun)(srcDst, high, srcDst, Size(n));
 }
 
 void Max(const float* src, std::int32_t n, float* out)
 {
     if (n > 0)
-        *out = HWY_DYNAMIC_DISPATCH(MaxRun)(src, Size(n));
+        *out = KERNEL(MaxRun)(src, Size(n));
 }
 
 void Min(const float* src, std::int32_t n, float* out)
 {
     if (n > 0)
-        *out = HWY_DYNAMIC_DISPATCH(MinRun)(src, Size(n));
+        *out = KERNEL(MinRun)(src, Size(n));
 }
 
 void MaxIndex(const float* src, std::int32_t n, float* outValue, std::int32_t* outIndex)
 {
     if (n <= 0)
         return;
-    *outValue = HWY_DYNAMIC_DISPATCH(MaxRun)(src, Size(n));
+    *outValue = KERNEL(MaxRun)(src, Size(n));
     *outIndex = IndexOf(src, n, *outValue);
 }
 
@@ -581,7 +583,7 @@ void MinIndex(const float* src, std::int32_t n, float* outValue, std::int32_t* o
 {
     if (n <= 0)
         return;
-    *outValue = HWY_DYNAMIC_DISPATCH(MinRun)(src, Size(n));
+    *outValue = KERNEL(MinRun)(src, Size(n));
     *outIndex = IndexOf(src, n, *outValue);
 }
 
@@ -594,50 +596,50 @@ void MinMax(const float* src, std::int32_t n, float* outMin, float* outMax)
 void AbsMax(const float* src, std::int32_t n, float* out)
 {
     if (n > 0)
-        *out = HWY_DYNAMIC_DISPATCH(AbsMaxRun)(src, Size(n));
+        *out = KERNEL(AbsMaxRun)(src, Size(n));
 }
 
 void Sum(const float* src, std::int32_t n, float* out)
 {
     if (n > 0)
-        *out = HWY_DYNAMIC_DISPATCH(SumRun)(src, Size(n));
+        *out = KERNEL(SumRun)(src, Size(n));
 }
 
 void AbsSum(const float* src, std::int32_t n, float* out)
 {
     if (n > 0)
-        *out = HWY_DYNAMIC_DISPATCH(AbsSumRun)(src, Size(n));
+        *out = KERNEL(AbsSumRun)(src, Size(n));
 }
 
 void DotProduct(const float* a, const float* b, std::int32_t n, float* out)
 {
     if (n > 0)
-        *out = HWY_DYNAMIC_DISPATCH(DotProductRun)(a, b, Size(n));
+        *out = KERNEL(DotProductRun)(a, b, Size(n));
 }
 
 void Ln(const float* src, float* dst, std::int32_t n)
 {
-    HWY_DYNAMIC_DISPATCH(LnRun)(src, dst, Size(n));
+    KERNEL(LnRun)(src, dst, Size(n));
 }
 
 void Exp(const float* src, float* dst, std::int32_t n)
 {
-    HWY_DYNAMIC_DISPATCH(ExpRun)(src, dst, Size(n));
+    KERNEL(ExpRun)(src, dst, Size(n));
 }
 
 void Log10(const float* src, float* dst, std::int32_t n)
 {
-    HWY_DYNAMIC_DISPATCH(Log10Run)(src, dst, Size(n));
+    KERNEL(Log10Run)(src, dst, Size(n));
 }
 
 void Magnitude(const float* srcComplex, float* dst, std::int32_t n)
 {
-    HWY_DYNAMIC_DISPATCH(MagnitudeRun)(srcComplex, dst, Size(n));
+    KERNEL(MagnitudeRun)(srcComplex, dst, Size(n));
 }
 
 void ComplexMultiply(const float* a, const float* b, float* dst, std::int32_t n)
 {
-    HWY_DYNAMIC_DISPATCH(ComplexMultiplyRun)(a, b, dst, Size(n));
+    KERNEL(ComplexMultiplyRun)(a, b, dst, Size(n));
 }
 }   // namespace MVector
 #endif

@@ -7,6 +7,24 @@
 #include "hosts/vst3/PluginFactory.h"
 #include "resources/EmbeddedResources.h"
 
+#ifdef TONALIGN_OWN_CXX_LIBRARY
+namespace __gnu_cxx
+{
+// Frees what the C++ library keeps for throwing when memory has run out. Its own headers don't declare it.
+void __freeres();   // NOLINT(bugprone-reserved-identifier)
+}   // namespace __gnu_cxx
+
+namespace
+{
+// Behind the last destructor of a static object: a host may load and unload the module many times in a
+// session.
+__attribute__((destructor(101))) void ReturnThrowReserve()
+{
+    __gnu_cxx::__freeres();
+}
+}   // namespace
+#endif
+
 #define MODULE_EXPORT extern "C" __attribute__((visibility("default")))
 
 // Prototypes: nobody includes them, hosts know them by name.

@@ -7,9 +7,9 @@
 
 #include <benchmark/benchmark.h>
 #include <hwy/highway.h>
-#include <hwy/targets.h>
 
 #include "foundation/vector/BiquadCascade.h"
+#include "foundation/vector/InstructionSets.h"
 
 // Time of a cascade per section, sample and channel over a pair of channels, against the plain form.
 namespace
@@ -76,16 +76,15 @@ void Plain(benchmark::State& state)
 
 void Vector(benchmark::State& state, std::int64_t target)
 {
-    if ((hwy::SupportedTargets() & target) == 0)
+    namespace Sets = MVector::InstructionSets;
+    if ((Sets::Supported() & target) == 0)
     {
         state.SkipWithError("not on this processor");
         return;
     }
-    hwy::SetSupportedTargetsForTest(target);
-    hwy::GetChosenTarget().Update(target);
+    Sets::Use(target);
     Measure(state, MVector::CascadeRun);
-    hwy::SetSupportedTargetsForTest(0);
-    hwy::GetChosenTarget().DeInit();
+    Sets::Use(0);
 }
 
 BENCHMARK(Plain)->Apply(Sizes);

@@ -5,24 +5,25 @@
 #include <string>
 
 #include <hwy/highway.h>
-#include <hwy/targets.h>
 
 #include <gtest/gtest.h>
+
+#include "foundation/vector/InstructionSets.h"
 
 /// Runs `body` once with each instruction set that the build contains and this processor has, the plain
 /// fallback included.
 template <typename Body>
 void ForEveryTarget(Body body)
 {
-    for (const std::int64_t target : hwy::SupportedAndGeneratedTargets())
+    namespace Sets = MVector::InstructionSets;
+    for (std::int64_t left = Sets::Supported() & HWY_TARGETS; left != 0; left &= left - 1)
     {
+        const std::int64_t target = left & -left;
         SCOPED_TRACE(std::string("instruction set ") + hwy::TargetName(target));
-        hwy::SetSupportedTargetsForTest(target);
-        hwy::GetChosenTarget().Update(target);
+        Sets::Use(target);
         body();
         if (::testing::Test::HasFatalFailure())
             break;
     }
-    hwy::SetSupportedTargetsForTest(0);
-    hwy::GetChosenTarget().DeInit();
+    Sets::Use(0);
 }

@@ -46,12 +46,48 @@ TEST(Module, ExportsItsNineEntriesAndNothingElse)
     }
 }
 
-TEST(Module, MayBeUnloaded)
+std::string SourceFolder()
 {
-    // The flag NODELETE would keep the code, and every static object, until the process ends.
-    for (const std::string& line :
-         LinesOf("readelf -d '" + LoadedModule::PathOf(LoadedModule::Format::Vst2) + "'"))
-        EXPECT_EQ(line.find("NODELETE"), std::string::npos) << line;
+    const char* folder = std::getenv("TONALIGN_SOURCE_DIR");
+    return folder != nullptr ? folder : ".";
+}
+
+/// The number behind the last "GLIBC_2." or "glibc 2." of each line; 0 without one.
+int NewestMinorVersion(const std::vector<std::string>& lines, const std::string& mark)
+{
+    int newest = 0;
+    for (const std::string& line : lines)
+        if (const std::size_t place = line.rfind(mark); place != std::string::npos)
+            newest = std::max(newest, std::atoi(line.c_str() + place + mark.size()));
+    return newest;
+}
+
+TEST(Module, NeedsTheCLibraryAloneOfTheAgeThatTheReadmeStates)
+{
+    if (!HeapCount::IsCounting())
+        GTEST_SKIP() << "a sanitizer brings its own libraries";
+    for (const auto format : { LoadedModule::Format::Vst2, LoadedModule::Format::Vst3 })
+    {
+        const std::string path = "'" + LoadedModule::PathOf(format) + "'";
+        std::set<std::string> needed;
+        for (const std::string& line : LinesOf("readelf -d " + path))
+        {
+            // The flag would keep the code, and every static object, until the process ends.
+            EXPECT_EQ(line.find("NODELETE"), std::string::npos) << line;
+            if (line.find("(NEEDED)") != std::string::npos)
+                needed.insert(line.substr(line.find('[')));
+        }
+        needed.erase("[ld-linux-x86-64.so.2]");
+        needed.erase("[ld-linux-aarch64.so.1]");
+        EXPECT_EQ(needed, (std::set<std::string>{ "[libc.so.6]", "[libm.so.6]" }));
+
+        std::ifstream readme(SourceFolder() + "/README.md");
+        std::vector<std::string> claims;
+        for (std::string line; std::getline(readme, line);)
+            claims.push_back(line);
+        EXPECT_EQ(NewestMinorVersion(LinesOf("objdump -T " + path), "GLIBC_2."),
+                  NewestMinorVersion(claims, "glibc 2."));
+    }
 }
 
 TEST(Module, DescribesInItsBundleWhatTheFactoryAnswers)
