@@ -88,6 +88,22 @@ public:
             item.SetAttribute(key, Print(value));
     }
 
+    template <typename Value>
+    void Always(const char* key, MRelaxed<Value>& value)
+    {
+        Value plain = value;
+        Always(key, plain);
+        value = plain;
+    }
+
+    template <typename Value>
+    void Optional(const char* key, MRelaxed<Value>& value, Value defaultValue)
+    {
+        Value plain = value;
+        Optional(key, plain, defaultValue);
+        value = plain;
+    }
+
     /// By its name, always written.
     void Name(const char* key, std::int32_t& value, std::span<const char* const> names, std::int32_t absent,
               std::int32_t unknown)

@@ -7,6 +7,7 @@
 #include "audio/analyzer/AnalyzerClient.h"
 #include "control/envelope/MEnvelope.h"
 #include "foundation/text/MString.h"
+#include "foundation/threads/MRelaxed.h"
 #include "state/tree/MStoreParams.h"
 
 class MAttribute;
@@ -48,6 +49,9 @@ struct AnalyzerProcessorSettings : AnalyzerCurveSettings
 
 /// Everything that a user can set on the analyzer. Values are stored as they stand, also out of range;
 /// whoever uses one limits it.
+///
+/// The MRelaxed ones act at once: the audio thread reads them while a screen writes. All others belong to the
+/// GUI thread, and MSpectralAnalyzerAdvanced::Initialise latches what the audio thread needs of them.
 struct AnalyzerSettings
 {
     AnalyzerSettings();
@@ -64,17 +68,17 @@ struct AnalyzerSettings
     double decay = 0;   ///< 0 to 1
     std::int32_t channelMode = ChannelModeMix;
     bool normalize = true;
-    bool freeze = false;
+    MRelaxed<bool> freeze = false;
     bool superResolution = false;
     std::int32_t viewType = 0;
     double alpha = 1;   ///< opacity of all curves
     double averageLength = 0.1;   ///< seconds
     double smoothness = 0.01;   ///< 0 to 0.2 of the axis
     double timeResolution = 0;   ///< 0 to 1
-    double peakDetection = 0;   ///< 0 to 1
-    double peakDetectionThreshold = -40;   ///< dB
+    MRelaxed<double> peakDetection = 0.0;   ///< 0 to 1
+    MRelaxed<double> peakDetectionThreshold = -40.0;   ///< dB
     bool maximizedSmoothing = false;
-    bool enableWhenHidden = true;
+    MRelaxed<bool> enableWhenHidden = true;
     std::int32_t resolutionDb = -60;   ///< lower end of the display
     std::int32_t fftSizePow = 12;   ///< log2 of the FFT length
     std::int32_t overlapPow = 2;   ///< log2 of the overlap factor
@@ -85,7 +89,7 @@ struct AnalyzerSettings
 
     std::array<AnalyzerProcessorSettings, AnalyzerProcessorCount> processors;
 
-    bool comparisonEnable = false;
+    MRelaxed<bool> comparisonEnable = false;
     AnalyzerCurveSettings comparisonCurve;
     std::array<float, 1024> comparison{};   ///< linear amplitudes
 

@@ -8,6 +8,7 @@
 #include "audio/equalizer/BandPoint.h"
 #include "audio/equalizer/FilterList.h"
 #include "foundation/containers/MEvent.h"
+#include "foundation/threads/MRelaxed.h"
 #include "foundation/threads/MSynchronizer.h"
 
 class MAttribute;
@@ -62,11 +63,12 @@ public:
     /// A copy of what runs now, taken under the lock; with the dry signal's share or without.
     ResponseCurve CurrentResponse(bool withDrySignal = true) const;
 
-    bool autoListen = false;
-    std::int32_t selectedBand = -1;
-    bool listening = false;
-    double listenFrequency = 1000;   ///< Hz
-    double listenWidth = 0.5;   ///< 0 to 1
+    // Written by an editor while whoever runs Update reads: after a change, an Update has to follow.
+    MRelaxed<bool> autoListen = false;   ///< solo of the band that is dragged
+    MRelaxed<std::int32_t> selectedBand = -1;   ///< the band that is dragged; -1 for none
+    MRelaxed<bool> listening = false;   ///< a band-pass stands in for all bands
+    MRelaxed<double> listenFrequency = 1000.0;   ///< Hz
+    MRelaxed<double> listenWidth = 0.5;   ///< 0 to 1
     FilterList filters;   ///< the list of "Normal" and of the graphs
     float wet = 1;
     std::int32_t mode = -1;

@@ -109,7 +109,7 @@ void MEqualizerProcessor::AddCountedBands(FilterList& list, ListKind kind) const
     std::int32_t first = 0;
     std::int32_t last = BandCount - 1;
     if (SoloActive())
-        first = last = std::clamp(selectedBand, 0, BandCount - 1);
+        first = last = std::clamp<std::int32_t>(selectedBand, 0, BandCount - 1);
     for (std::int32_t index = first; index <= last; ++index)
         if (Band(index).enabled)
             AddBandSections(Band(index), list, kind);
