@@ -13,7 +13,7 @@ namespace
 {
 constexpr std::int32_t defaultBars = 4;
 
-void StoreFlag(const MStoreParams& params, const MString& key, bool& value)
+void StoreFlag(const MStoreParams& params, const MString& key, MRelaxed<bool>& value)
 {
     if (params.saving)
         params.item->SetAttribute(key, value ? "1" : "0");

@@ -9,16 +9,17 @@
 
 struct MStoreParams;
 
-/// What the user sets for Equalize and Separate.
+/// What the user sets for Equalize and Separate. The numbers are for any thread, the curve is guarded by the
+/// effect's lock.
 struct AutoEqSettings
 {
-    std::int32_t maxAdaptionBars = 4;   ///< bands to fit, 1 to 10
+    MRelaxed<std::int32_t> maxAdaptionBars = 4;   ///< bands to fit, 1 to 10
     MRelaxed<double> adaptionFrequencyMin = 20;   ///< Hz
     MRelaxed<double> adaptionFrequencyMax = 20000;   ///< Hz
     MRelaxed<double> spaceInMixLimit = -40;   ///< dB, -100 to 0: where Separate takes a mix as empty
-    MFAAlgorithm adaptionAlgorithm = MFADefault;
-    bool neverAmplify = false;
-    bool disablePassNotch = false;
+    MRelaxed<MFAAlgorithm> adaptionAlgorithm = MFADefault;
+    MRelaxed<bool> neverAmplify = false;
+    MRelaxed<bool> disablePassNotch = false;
     MEnvelope autoEqEnvelope;   ///< maps the size of a wish, on the unit square
 
     AutoEqSettings();

@@ -120,6 +120,14 @@ public:
 
 private:
     void DescribeParameters();
+    /// What a match is made of, as it stood when it began.
+    struct MatchInput
+    {
+        AnalysisArray target;
+        AnalysisArray source;
+        bool sourceDefined = false;
+        AutoEqSettings settings;
+    };
     /// What a cancelled file analysis returns to.
     struct Measurement
     {
@@ -133,6 +141,8 @@ private:
         ClientsWork = 2
     };
 
+    MatchInput TakeMatchInput() const;
+    ComparedCurves Compare(const MatchInput& input, bool separate);
     Measurement RunningMeasurement() const;
     void ReturnTo(const Measurement& before);
     void ToggleAnalysis(bool source);

@@ -25,24 +25,33 @@ const std::array<float, 1024>& TonalignAudioEffectPlugin::FitterGrid()
     return fitter.Grid();
 }
 
+TonalignAudioEffectPlugin::MatchInput TonalignAudioEffectPlugin::TakeMatchInput() const
+{
+    const MSynchronizerGuard guard(lock);
+    return { .target = TargetAnalysis,
+             .source = SourceAnalysis,
+             .sourceDefined = SourceAnalysisDefined,
+             .settings = settings };
+}
+
 TonalignAudioEffectPlugin::ComparedCurves TonalignAudioEffectPlugin::Compare(bool separate)
 {
+    return Compare(TakeMatchInput(), separate);
+}
+
+TonalignAudioEffectPlugin::ComparedCurves TonalignAudioEffectPlugin::Compare(const MatchInput& input,
+                                                                             bool separate)
+{
     ComparedCurves curves;
-    GridCurve source;
-    bool sourceDefined = false;
-    {
-        const MSynchronizerGuard guard(lock);
-        curves.target = TargetAnalysis;
-        source = SourceAnalysis;
-        sourceDefined = SourceAnalysisDefined;
-    }
+    curves.target = input.target;
+    GridCurve source = input.source;
     // Not the analyzer's kernel, which a change of the parameter may be making anew.
     smoothing.SetWidth(MSpectralAnalyzerAdvanced::SmoothingWidth(parameters[Smoothness].RunningValue()));
     PrepareAnalysis(curves.target, smoothing);
     PrepareAnalysis(source, smoothing);
     if (separate)
-        curves.reference = WantedResponse::RoomBeside(curves.target, source, settings.spaceInMixLimit);
-    else if (sourceDefined)
+        curves.reference = WantedResponse::RoomBeside(curves.target, source, input.settings.spaceInMixLimit);
+    else if (input.sourceDefined)
         curves.reference = source;
     else
         curves.reference.fill(0);
@@ -62,19 +71,21 @@ MString TonalignAudioEffectPlugin::NothingToDoText(bool separate)
 
 TonalignAudioEffectPlugin::EqualizeResult TonalignAudioEffectPlugin::Equalize(bool separate)
 {
-    if (!IsFinite(TargetAnalysis) || (SourceAnalysisDefined && !IsFinite(SourceAnalysis)))
+    // A copy: a host may load a state while this works.
+    MatchInput input = TakeMatchInput();
+    if (!IsFinite(input.target) || (input.sourceDefined && !IsFinite(input.source)))
         throw MException("Invalid source data. Please perform analyzation.");
-    const ComparedCurves curves = Compare(separate);
+    const ComparedCurves curves = Compare(input, separate);
     WantedResponse wanted(curves.target, curves.reference);
     if (wanted.IsFlat())
         return EqualizeResult::NothingToDo;
-    wanted.Limit(FitterGrid(), { .frequencyMinHz = settings.adaptionFrequencyMin,
-                                 .frequencyMaxHz = settings.adaptionFrequencyMax,
-                                 .neverAmplify = settings.neverAmplify });
-    wanted.Transform(settings.autoEqEnvelope);
+    wanted.Limit(FitterGrid(), { .frequencyMinHz = input.settings.adaptionFrequencyMin,
+                                 .frequencyMaxHz = input.settings.adaptionFrequencyMax,
+                                 .neverAmplify = input.settings.neverAmplify });
+    wanted.Transform(input.settings.autoEqEnvelope);
     std::vector<FittedFilter> fitted;
-    fitter.Fit(wanted.Values().data(), sampleRate, fitted, settings.maxAdaptionBars,
-               !settings.disablePassNotch, settings.adaptionAlgorithm, maximalQ);
+    fitter.Fit(wanted.Values().data(), sampleRate, fitted, input.settings.maxAdaptionBars,
+               !input.settings.disablePassNotch, input.settings.adaptionAlgorithm, maximalQ);
     {
         // A short gap in the audio, so that the bands can change without the lock.
         const SuspendGuard suspended(*this);

@@ -8,7 +8,9 @@
 #include <gtest/gtest.h>
 
 #include "foundation/text/MException.h"
+#include "control/values/MValueNumber.h"
 #include "hosts/offline/OfflineHost.h"
+#include "plugin/contract/ChangeListener.h"
 #include "plugin/driver/PluginState.h"
 #include "tests/AllocationCounter.h"
 
@@ -159,8 +161,11 @@ TEST(OfflineHost, SteadyBlocksTakeNothingFromTheHeap)
             run(2 * block);   // buffers take their size
             const std::int64_t before = AllocationsOfThisThread();
             run(40000);
-            host.Plugin().SetParameter(1, 0.6);
-            host.Plugin().SetParameter(10 + 2, 0.8);
+            for (std::int32_t index = 0; index < host.Plugin().GetParameterCount(); ++index)
+            {
+                host.Plugin().SetParameter(index, 0.1 + 0.01 * index);
+                run(block);
+            }
             run(40000);
             EXPECT_EQ(AllocationsOfThisThread(), before);
         }
@@ -245,6 +250,46 @@ TEST(OfflineHost, ThreadsMayDoEverythingAtOnce)
                 std::this_thread::yield();
             }
         });
+    std::thread editor(
+        [&]
+        {
+            TonalignAudioEffectPlugin& effect = host.Effect();
+            ChangeListener screen(plugin.Changes());
+            MValueDouble knob(&effect.description.parameters[MEqualizerProcessorPlugin::Gain].number.value,
+                              -24, 24, 0);
+            std::array<float, 1024> spectrum;
+            bool shown = false;
+            for (std::int32_t turn = 0; !stop; ++turn)
+            {
+                knob.Set(turn % 12);
+                plugin.Edit(turn % 80, 0.01 * (turn % 100));
+                effect.equalizer.autoListen = turn % 7 == 0;
+                effect.equalizer.selectedBand = turn % 10;
+                effect.analyzer.settings.freeze = turn % 5 == 0;
+                plugin.SetEditorPresence(turn % 3 == 0 ? EditorPresence::Hidden : EditorPresence::Visible);
+                if (turn % 4 == 0)
+                    turn % 8 == 0 ? effect.ToggleSourceAnalysis() : effect.ToggleTargetAnalysis();
+                if (screen.Drain())
+                {
+                    shown = effect.CurrentEditorState().equalizeEnabled;
+                    if (screen.Has(Change::AnalyzerSettings))
+                        effect.BringAnalyzerUpToDate();
+                    effect.equalizer.CurrentResponse();
+                    plugin.ReportChanges();
+                }
+                effect.analyzer.GetSpectrum(effect.analyzer.OwnClient(0), spectrum.data(), 0, 0);
+                try
+                {
+                    if (shown && turn % 16 == 0)
+                        effect.Equalize(turn % 32 == 0);
+                }
+                catch (const MException&)
+                {
+                    // An analysis that a state brought, or one that saw no audio.
+                }
+            }
+            plugin.SetEditorPresence(EditorPresence::Closed);
+        });
     // About three seconds of the main thread's share: preparing anew, reading values, switching modes.
     for (int turn = 0; turn < 60; ++turn)
     {
@@ -258,6 +303,7 @@ TEST(OfflineHost, ThreadsMayDoEverythingAtOnce)
     stop = true;
     audio.join();
     automation.join();
+    editor.join();
     states.join();
     EXPECT_GT(processed, 0);
 }

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "foundation/text/MException.h"
 #include "plugin/contract/MAudioEffectPlugin.h"
 #include "plugin/contract/MPluginArgument.h"
 #include "state/tree/MAttribute.h"
@@ -52,6 +53,8 @@ public:
 
     std::int64_t InitProcessing(std::int32_t channelCount, double newSampleRate) override
     {
+        if (failsToPrepare)
+            throw MException("Not prepared.");
         channelGroups = channelCount;
         sampleRate = newSampleRate;
         ++initCount;
@@ -87,5 +90,6 @@ public:
     float gain = 1;
     std::int32_t upsamplingRatio = 0;
     bool needsDownFilter = true;
+    bool failsToPrepare = false;
     double tempo = 0;
 };
