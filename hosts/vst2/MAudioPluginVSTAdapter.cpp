@@ -426,25 +426,14 @@ void MAudioPluginVSTAdapter::ReadTimeInfo()
     const auto* info = reinterpret_cast<const TimeInfo*>(CallHost(HostOpcode::GetTime, 0, wanted));
     if (info == nullptr)
         return;
-    plugin->position = info->ppqPos;
-    plugin->tempo = info->tempo;
-    plugin->timeSignatureNumerator = info->timeSigNumerator;
-    plugin->timeSignatureDenominator = info->timeSigDenominator;
-    const double steps = std::max(info->timeSigDenominator / 4, 1);
-    plugin->barStart = std::floor(steps * info->barStartPos + 0.5) / steps;
-    const bool hasCycle = info->cycleEndPos - 1e-20 > info->cycleStartPos;
-    plugin->cycleStart = hasCycle ? info->cycleStartPos : -1;
-    plugin->cycleEnd = hasCycle ? info->cycleEndPos : -1;
-    if ((info->flags & TransportPlaying) != 0)
-    {
-        if (std::fabs(lastPosition - info->ppqPos) <= 2.0)
-            plugin->playing = true;
-        lastPosition = info->ppqPos;
-    }
-    else
-    {
-        plugin->playing = false;
-    }
+    plugin->transport.Take(
+        { .tempo = info->tempo,
+          .position = info->ppqPos,
+          .barStart = info->barStartPos,
+          .signature = Transport::Report::Signature{ info->timeSigNumerator, info->timeSigDenominator },
+          .cycleStart = info->cycleStartPos,
+          .cycleEnd = info->cycleEndPos,
+          .playing = (info->flags & TransportPlaying) != 0 });
 }
 
 void MAudioPluginVSTAdapter::SendAutomation(std::int32_t index, double value01)

@@ -80,7 +80,6 @@ private:
     std::vector<MidiEvent> outgoingEvents;
     std::vector<MidiEvent> sendingEvents;
     std::vector<std::intptr_t> sendingRecord;
-    double lastPosition = 0;
     bool constructed = false;
 };
 

@@ -591,29 +591,26 @@ void MAudioPluginVST3Adapter::ReadTimeInfo(const ProcessContext& context)
 {
     if (!plugin->wantsTimeInfo)
         return;
-    if ((context.state & ProcessContext::kProjectTimeMusicValid) != 0)
-        plugin->position = context.projectTimeMusic;
-    if ((context.state & ProcessContext::kTempoValid) != 0)
-        plugin->tempo = context.tempo;
-    if ((context.state & ProcessContext::kTimeSigValid) != 0)
+    const auto has = [&context](uint32 flag)
     {
-        plugin->timeSignatureNumerator = context.timeSigNumerator;
-        plugin->timeSignatureDenominator = context.timeSigDenominator;
-    }
-    if ((context.state & ProcessContext::kBarPositionValid) != 0)
+        return (context.state & flag) != 0;
+    };
+    Transport::Report report;
+    if (has(ProcessContext::kProjectTimeMusicValid))
+        report.position = context.projectTimeMusic;
+    if (has(ProcessContext::kTempoValid))
+        report.tempo = context.tempo;
+    if (has(ProcessContext::kTimeSigValid))
+        report.signature = { context.timeSigNumerator, context.timeSigDenominator };
+    if (has(ProcessContext::kBarPositionValid))
+        report.barStart = context.barPositionMusic;
+    if (has(ProcessContext::kCycleActive))
     {
-        const double steps = std::max(plugin->timeSignatureDenominator / 4, 1);
-        plugin->barStart = std::floor(steps * context.barPositionMusic + 0.5) / steps;
+        report.cycleStart = context.cycleStartMusic;
+        report.cycleEnd = context.cycleEndMusic;
     }
-    const bool hasCycle = (context.state & ProcessContext::kCycleActive) != 0 &&
-                          context.cycleEndMusic - 1e-20 > context.cycleStartMusic;
-    plugin->cycleStart = hasCycle ? context.cycleStartMusic : -1.0;
-    plugin->cycleEnd = hasCycle ? context.cycleEndMusic : -1.0;
-    if ((context.state & ProcessContext::kPlaying) == 0)
-        plugin->playing = false;
-    else if (std::fabs(lastPosition - plugin->position) <= 2.0)
-        plugin->playing = true;
-    lastPosition = plugin->position;
+    report.playing = has(ProcessContext::kPlaying);
+    plugin->transport.Take(report);
 }
 
 void MAudioPluginVST3Adapter::ProcessAudio(ProcessData& data)

@@ -148,7 +148,6 @@ private:
     Steinberg::Vst::IConnectionPoint* peer = nullptr;
     MLock outgoingLock;
     std::vector<Steinberg::Vst::Event> outgoingEvents;   // room is made once
-    double lastPosition = 0;
 };
 
 /// "VST3 Plugin main": a new component with one reference as the interface asked for, null if it can't be

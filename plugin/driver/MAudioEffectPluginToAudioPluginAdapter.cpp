@@ -186,17 +186,7 @@ void MAudioEffectPluginToAudioPluginAdapter::FillContext()
 {
     if (!updateTimeInfo)
         return;
-    context = {};
-    context.tempo = tempo;
-    if (playing)
-    {
-        context.position = position;
-        context.barStart = barStart;
-        context.timeSignatureNumerator = timeSignatureNumerator;
-        context.timeSignatureDenominator = timeSignatureDenominator;
-    }
-    context.updateTimeInfo = true;
-    context.maxBlockSize = maxProcessBlock;
+    context = transport.Context(maxProcessBlock);
 }
 
 void MAudioEffectPluginToAudioPluginAdapter::Process(float** inputs, float** outputs,

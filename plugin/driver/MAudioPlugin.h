@@ -21,6 +21,7 @@
 #include "plugin/driver/MAudioPluginAdapter.h"
 #include "plugin/driver/ParameterInterpolator.h"
 #include "plugin/driver/ProcessingChange.h"
+#include "plugin/driver/Transport.h"
 
 struct MStoreParams;
 
@@ -136,14 +137,8 @@ public:
     /// A slow tick of the user interface.
     virtual void ProcessUpdate() {}
 
-    double tempo = -1;
-    double position = 0;
-    double barStart = 0;
-    std::int32_t timeSignatureNumerator = -1;
-    std::int32_t timeSignatureDenominator = -1;
+    Transport transport;   ///< of the host; for the audio thread
     double processingSampleRate = 44100;   ///< the rate that the effect sees
-    double cycleStart = -1;
-    double cycleEnd = -1;
     MStringList inputNames;   ///< their counts are the channel counts
     MStringList outputNames;
     std::int32_t connectedInputs = 0;   ///< 0: all
@@ -159,7 +154,6 @@ public:
     MRelaxed<bool> highQualityUpsampling = true;   ///< in force from the next InitProcessing on
     MRelaxed<bool> agcActive = false;   ///< the gain control is in force
     MAudioPluginAdapter* adapter = nullptr;
-    bool playing = false;
     MRelaxed<bool> bypass = false;
     MLock processLock;
     MLock initLock;

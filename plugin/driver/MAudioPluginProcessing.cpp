@@ -147,9 +147,8 @@ void MAudioPlugin::RunEffect(float** inputs, float** outputs, std::int32_t sampl
         ChannelSet out;
         const std::size_t channels =
             static_cast<std::size_t>(std::max(inputsPerGroup, std::max(outputsPerGroup, effectChannels)));
-        const double quartersPerSample = wantsTimeInfo ? tempo / (processingSampleRate * 60) : 0;
         if (!wantsTimeInfo)
-            position = 0;
+            transport.Rewind();
         for (std::int32_t done = 0; done < sampleCount;)
         {
             const std::int32_t run = std::min(block, sampleCount - done);
@@ -162,7 +161,8 @@ void MAudioPlugin::RunEffect(float** inputs, float** outputs, std::int32_t sampl
             done += run;
             if (done < sampleCount)
             {
-                position += run * quartersPerSample;
+                if (wantsTimeInfo)
+                    transport.Advance(run, processingSampleRate);
                 if (interpolating)
                 {
                     interpolator.Advance(run);
