@@ -63,7 +63,6 @@ void MEqualizerProcessorPlugin::Update()
 
 void MEqualizerProcessorPlugin::ApplyParameters()
 {
-    lock = effect.lock;
     automation.RefreshCache();
     const MPluginParameterInfo* records = effect.description.parameters;
     SetModeAndRatio(records[Mode].enumeration.index, records[DryWet].RunningValue(), effect.sampleRate);

@@ -103,12 +103,11 @@ void TonalignAudioEffectPlugin::DescribeParameters()
 
 std::int64_t TonalignAudioEffectPlugin::InitProcessing(std::int32_t channelCount, double newSampleRate)
 {
+    TakeLock();
     const MSynchronizerGuard guard(lock);
     channelGroups = std::clamp(channelCount, 1, MaxChannels);
     sampleRate = newSampleRate;
-    analyzer.SetLock(lock);
     UpdateAnalysisState(true);
-    equalizer.lock = lock;
     equalizer.InitProcessing(channelGroups);
     alignedInputs.resize(static_cast<std::size_t>(channelGroups));
     for (std::vector<float>& buffer : alignedInputs)
@@ -116,6 +115,15 @@ std::int64_t TonalignAudioEffectPlugin::InitProcessing(std::int32_t channelCount
     for (MArrayQueue<float>& queue : delayQueues)
         queue.FillZero();
     return 0;
+}
+
+// The driver lends its lock before the first preparation. Later on the pointers are only read, by any thread.
+void TonalignAudioEffectPlugin::TakeLock()
+{
+    if (equalizer.lock == lock)
+        return;
+    equalizer.lock = lock;
+    analyzer.SetLock(lock);
 }
 
 void TonalignAudioEffectPlugin::OnParameterChange(std::int32_t index)

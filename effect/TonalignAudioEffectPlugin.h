@@ -141,6 +141,7 @@ private:
         ClientsWork = 2
     };
 
+    void TakeLock();
     MatchInput TakeMatchInput() const;
     ComparedCurves Compare(const MatchInput& input, bool separate);
     Measurement RunningMeasurement() const;
