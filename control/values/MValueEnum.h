@@ -4,11 +4,7 @@
 #include <span>
 
 #include "control/values/MValueIndex.h"
-
-/// The labels of an enumeration in the order of its values:
-/// template <> struct MEnumLabels<Mode> { static constexpr const char* Labels[] = { "One", "Two" }; };
-template <typename E>
-struct MEnumLabels;
+#include "foundation/text/MEnumLabels.h"
 
 /// Parsing takes a label that is not in the table for the first one.
 class MValueEnumBase : public MValueIndex

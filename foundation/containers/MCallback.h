@@ -4,12 +4,22 @@
 #include "foundation/containers/MEventHandler.h"
 
 /// Handlers that are called at once, on the caller's thread, without any lock. The thread that owns the
-/// object does everything with it. A target must be removed before it dies.
+/// object does everything with it. A target must be removed before it dies. Handlers may add and remove
+/// handlers, call again and destroy the callback.
 template <typename Params, typename Handler = MHandlerNoAdditionals>
 class MCallback : public MObject
 {
 public:
     using Record = MHandlerRecord<Params, Handler>;
+
+    MCallback() = default;
+    MCallback(const MCallback&) = delete;
+    MCallback& operator=(const MCallback&) = delete;
+    ~MCallback() override
+    {
+        for (Running* call = running; call != nullptr; call = call->outer)
+            call->isOver = true;
+    }
 
     void AddHandler(const Record& record) { handlers.Add(record); }
 
@@ -24,15 +34,16 @@ public:
     {
         for (int index = handlers.Count() - 1; index >= 0; --index)
             if (handlers[index].target == target)
-                handlers.Delete(index);
+                Remove(index);
     }
 
-    /// In the order of adding. A handler may add further ones, which this call reaches too.
+    /// In the order of adding, each that is still there when its turn comes, those that handlers add too.
     void Call(const Params& params)
     {
-        for (int index = 0; index < handlers.Count(); ++index)
+        Running call(*this);
+        while (!call.isOver && call.next < handlers.Count())
         {
-            const Record record = handlers[index];   // the table may move meanwhile
+            const Record record = handlers[call.next++];   // the table may move meanwhile
             if (record.Accepts(params))
                 record.call(record.target, record.context, &params);
         }
@@ -41,5 +52,35 @@ public:
     int HandlerCount() const { return handlers.Count(); }
 
 private:
+    // A call on the stack.
+    struct Running
+    {
+        explicit Running(MCallback& called) : callback(called), outer(called.running)
+        {
+            called.running = this;
+        }
+        Running(const Running&) = delete;
+        Running& operator=(const Running&) = delete;
+        ~Running()
+        {
+            if (!isOver)
+                callback.running = outer;
+        }
+
+        MCallback& callback;
+        Running* outer;
+        int next = 0;   // the handler whose turn comes
+        bool isOver = false;   // the callback is gone
+    };
+
+    void Remove(int index)
+    {
+        handlers.Delete(index);
+        for (Running* call = running; call != nullptr; call = call->outer)
+            if (index < call->next)
+                --call->next;
+    }
+
     MArray<Record> handlers;
+    Running* running = nullptr;
 };

@@ -6,7 +6,7 @@
 
 /// An event that is handled later: posting it, on any thread, queues its params; the handlers run on the
 /// thread that drains the processor. While they run no lock is held: they may post, add and remove
-/// handlers and destroy other targets and even this event. Event or target, either may die first.
+/// handlers and destroy other targets and even this event. Event, target or processor, any may die first.
 template <typename Params, typename Handler = MHandlerNoAdditionals>
 class MEvent : public MEventBase
 {
@@ -17,11 +17,11 @@ public:
     ~MEvent() override
     {
         const MSynchronizerGuard guard(EventLock());
-        ClearPending();
+        MEvent::ClearPending();
         for (const Record& record : handlers)
             Unsubscribe(*record.target);
-        for (Running* dispatch = running; dispatch != nullptr; dispatch = dispatch->outer)
-            dispatch->event = nullptr;
+        for (Call* call = running; call != nullptr; call = call->next)
+            call->event = nullptr;
     }
 
     void AddHandler(const Record& record)
@@ -55,71 +55,73 @@ public:
         Unsubscribe(*target);
     }
 
-    /// Any thread. False, with nothing queued, when nobody listens.
-    bool Post(MEventProcessor& eventProcessor, Params params)
+    /// False, with nothing queued, when nobody listens or the processor dies. Allocates nothing once the
+    /// queues have grown to the usual fill. Thread: any. Throws std::bad_alloc, with nothing queued.
+    bool Post(MEventProcessor& processor, Params params)
     {
         const MSynchronizerGuard guard(EventLock());
-        if (handlers.IsEmpty())
+        if (handlers.IsEmpty() || processor.IsClosed())
             return false;
-        params.sender = &eventProcessor;
+        pending.Reserve();
+        processor.Reserve();
+        params.sender = &processor;
         pending.Add(std::move(params));
-        try
-        {
-            eventProcessor.Enqueue(*this);
-        }
-        catch (...)
-        {
-            pending.Delete(pending.Count() - 1);
-            throw;
-        }
-        processor = &eventProcessor;
+        processor.Enqueue(*this);
         return true;
     }
 
-    void Dispatch() override
+    std::unique_ptr<MEventCall> Dispatch(MEventProcessor& processor) override
     {
-        Running dispatch(*this);
-        Params params;
-        MArray<Record> called;
+        auto call = std::make_unique<Call>(*this);   // before anything is taken: it may fail
+        // The oldest of all, unless the event is posted to several processors.
+        const auto isForProcessor = [&processor](const Params& params)
         {
-            const MSynchronizerGuard guard(EventLock());
-            params = pending[0];
-            called = handlers;
-            pending.Delete(0);
-        }
-        for (const Record& record : called)
-            if (dispatch.StillHas(record) && record.Accepts(params))
-                record.call(record.target, record.context, &params);
+            return params.sender == &processor;
+        };
+        CheckListIndex(0, pending.TakeFirstIf(isForProcessor, call->params) ? 1 : 0);
+        return call;
     }
 
     void ClearPending() override
     {
         const MSynchronizerGuard guard(EventLock());
-        if (pending.IsEmpty())
-            return;   // no entry anywhere; the processor may be gone by now
-        pending.Clear();
-        processor->Dequeue(*this);
+        while (!pending.IsEmpty())
+            MEvent::ForgetPosts(*pending.First().sender);
+    }
+
+    void ForgetPosts(MEventProcessor& processor) noexcept override
+    {
+        processor.Dequeue(*this);
+        pending.RemoveIf([&processor](const Params& params) { return params.sender == &processor; });
     }
 
     int HandlerCount() const { return handlers.Count(); }
 
 private:
-    // A dispatch on the stack of the handling thread. The event tells it when it dies.
-    struct Running
+    // The event knows who runs and tells them when it dies.
+    struct Call : MEventCall
     {
-        explicit Running(MEvent& dispatched) : event(&dispatched)
+        explicit Call(MEvent& dispatched)
+            : event(&dispatched), called(dispatched.handlers), next(dispatched.running)
         {
-            const MSynchronizerGuard guard(EventLock());
-            outer = event->running;
-            event->running = this;
+            dispatched.running = this;
         }
-        Running(const Running&) = delete;
-        Running& operator=(const Running&) = delete;
-        ~Running()
+        ~Call() override
         {
             const MSynchronizerGuard guard(EventLock());
-            if (event != nullptr)
-                event->running = outer;
+            if (event == nullptr)
+                return;
+            Call** link = &event->running;
+            while (*link != this)
+                link = &(*link)->next;
+            *link = next;
+        }
+
+        void Run() override
+        {
+            for (const Record& record : called)
+                if (StillHas(record) && record.Accepts(params))
+                    record.call(record.target, record.context, &params);
         }
 
         // An earlier handler may have removed a later one.
@@ -135,11 +137,12 @@ private:
         }
 
         MEvent* event;
-        Running* outer = nullptr;
+        MArray<Record> called;
+        Params params;
+        Call* next;
     };
 
-    MEventProcessor* processor = nullptr;   // the one last posted to
     MArray<Record> handlers;
-    MArray<Params> pending;
-    Running* running = nullptr;
+    MEventQueue<Params> pending;
+    Call* running = nullptr;
 };

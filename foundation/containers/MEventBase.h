@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <memory>
+
 #include "foundation/text/MArray.h"
 #include "foundation/text/MObject.h"
 #include "foundation/threads/MLock.h"
 
 class MEventBase;
+class MEventProcessor;
 
 /// Guards everything that events and their targets know of each other. Recursive.
 MLock& EventLock();
@@ -28,19 +31,33 @@ public:
 
 protected:
     friend class MEventBase;
-    // Of a receiver the events it is subscribed to; of the processor the events waiting, repeatedly.
-    MArray<MEventBase*> events;
+    MArray<MEventBase*> events;   // that it is subscribed to, each once
+};
+
+/// One post on its way to the handlers.
+class MEventCall
+{
+public:
+    MEventCall() = default;
+    MEventCall(const MEventCall&) = delete;
+    MEventCall& operator=(const MEventCall&) = delete;
+    virtual ~MEventCall() = default;
+    /// Without any lock.
+    virtual void Run() = 0;
 };
 
 /// An event without its types, as lists hold it.
 class MEventBase : public MEventTarget
 {
 public:
-    /// Hands the oldest posted params to the handlers. Throws MException "Index out of range." when
-    /// nothing is posted.
-    virtual void Dispatch() = 0;
+    /// Takes the oldest params posted to the processor out of the queue; who runs the answer hands them to
+    /// the handlers. Under the event lock. Throws MException "Index out of range." when nothing is posted,
+    /// and std::bad_alloc; the queue is as it was then.
+    virtual std::unique_ptr<MEventCall> Dispatch(MEventProcessor& processor) = 0;
     /// Forgets what was posted.
     virtual void ClearPending() = 0;
+    /// Forgets what was posted to one processor.
+    virtual void ForgetPosts(MEventProcessor& processor) noexcept = 0;
     /// Forgets the handlers of a target.
     virtual void RemoveTarget(MEventTarget* target) = 0;
 

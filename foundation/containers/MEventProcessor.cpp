@@ -6,37 +6,36 @@
 MEventProcessor::~MEventProcessor()
 {
     const MSynchronizerGuard guard(EventLock());
-    while (!events.IsEmpty())
-        events[0]->ClearPending();
+    isClosed = true;
+    while (!waiting.IsEmpty())
+        waiting.First()->ForgetPosts(*this);
 }
 
 void MEventProcessor::Process()
 {
-    while (MEventBase* event = TakeFirst())
-        event->Dispatch();
+    for (;;)
+    {
+        std::unique_ptr<MEventCall> call;
+        {
+            const MSynchronizerGuard guard(EventLock());
+            if (waiting.IsEmpty())
+                return;
+            call = waiting.First()->Dispatch(*this);
+            waiting.TakeFirst();
+        }
+        call->Run();
+    }
 }
 
 int MEventProcessor::PendingCount()
 {
     const MSynchronizerGuard guard(EventLock());
-    return events.Count();
+    return waiting.Count();
 }
 
 void MEventProcessor::Dequeue(MEventBase& event) noexcept
 {
-    for (int index = events.Count() - 1; index >= 0; --index)
-        if (events[index] == &event)
-            events.Delete(index);
-}
-
-MEventBase* MEventProcessor::TakeFirst()
-{
-    const MSynchronizerGuard guard(EventLock());
-    if (events.IsEmpty())
-        return nullptr;
-    MEventBase* first = events[0];
-    events.Delete(0);
-    return first;
+    waiting.RemoveIf([&event](const MEventBase* entry) { return entry == &event; });
 }
 
 MEventProcessor& GlobalEventProcessor()

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "foundation/containers/MEvent.h"
+#include "foundation/text/MEnumLabels.h"
 #include "foundation/threads/MMutex.h"
 #include "foundation/threads/MSemaphore.h"
 
@@ -13,6 +14,9 @@
 /// The usual body: while not IsCancelled(), do one round, then wakeSemaphore.Acquire(periodMs). Stop()
 /// ends that wait early. A derived class whose data the body uses calls Stop() and Wait() in its own
 /// destructor. After Wait() the object can be started anew.
+///
+/// No thread outlives the code that it runs: before a library is unloaded, and at a program's end, all that
+/// still run are stopped and joined.
 class MThread : public MObject
 {
 public:
@@ -26,8 +30,6 @@ public:
         Highest,
         Critical
     };
-    static constexpr int PriorityCount = 7;
-    static const char* PriorityLabel(Priority priority);
 
     MThread();
     MThread(const MThread&) = delete;
@@ -43,16 +45,18 @@ public:
     /// Creates it if necessary. Priorities above Normal need a privilege. Throws MException "Could not set
     /// thread priority.".
     void SetPriority(Priority priority);
-    /// Asks the body to return. Any thread.
+    /// Asks the body to return; a suspended thread ends without running it. Does nothing when there is no
+    /// thread. Thread: any.
     void Stop();
-    /// Joins; true when the thread has ended in the time. When it has not, it is forgotten and left to
-    /// itself.
+    /// Joins; true when the thread has ended in the time, or there is none. A thread that has not goes on,
+    /// and can be waited for again. On the thread itself it answers false at once: the destructor of an
+    /// object that deletes itself may call it.
     bool Wait(std::uint32_t timeoutMs);
     /// The body asks this often.
     bool IsCancelled();
     /// -2 until the body has returned.
     std::int32_t ExitCode();
-    /// Lets the object delete itself when the thread ends.
+    /// Lets the object delete itself when the thread ends, however it does.
     void SetAutoDelete(bool deletesItself);
     /// Who is told when the thread ends, through `Finished`.
     void SetNotifyTarget(MEventTarget* target);
@@ -69,12 +73,15 @@ protected:
 
 private:
     struct System;   // what the system thread may touch when the object is gone
+    class Registry;   // of all system threads that nobody has joined
 
     static void* MThreadProc(void* argument);
-    static void Run(MThread* thread);
+    void Run();
     void RunBody();
     void Notify();
-    void Forget(const std::shared_ptr<System>& forgotten, bool hasEnded);
+    void Cancel();
+    void DeleteIfAsked();
+    void Forget();
 
     std::shared_ptr<System> handle;   // null until created and after the join
     std::int32_t exitCode = -2;
@@ -83,4 +90,12 @@ private:
     MEventTarget* notifyTarget = nullptr;
     MLock stateLock;   // guards the four above
     MMutex creationLock;   // guards `handle`
+};
+
+template <>
+struct MEnumLabels<MThread::Priority>
+{
+    static constexpr const char* Labels[] = {
+        "Idle", "Lowest", "Low", "Normal", "High", "Highest", "Critical"
+    };
 };

@@ -2,9 +2,7 @@
 #pragma once
 
 #include "foundation/module/LocaleCodes.h"
-
-template <typename E>
-struct MEnumLabels;   // of the enumeration values, which stand above this room
+#include "foundation/text/MEnumLabels.h"
 
 /// Languages and countries as a user chooses them. The values are indexes into the tables of codes and of
 /// English names; 0 is the blank choice, the rest is ordered by name.

@@ -6,6 +6,9 @@ MLock::MLock()
     pthread_mutexattr_t attributes;
     pthread_mutexattr_init(&attributes);
     pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_RECURSIVE);
+    // Who holds it runs with the priority of who waits: an audio thread must not wait for a drawing one that
+    // the system has put aside.
+    pthread_mutexattr_setprotocol(&attributes, PTHREAD_PRIO_INHERIT);
     pthread_mutex_init(&mutex, &attributes);
     pthread_mutexattr_destroy(&attributes);
 }

@@ -5,7 +5,8 @@
 
 #include "foundation/threads/MSynchronizer.h"
 
-/// A recursive critical section. Time-out 0 only tries; any other time-out waits for ever.
+/// A recursive critical section that inherits priority. Time-out 0 only tries; any other time-out waits for
+/// ever.
 class MLock : public MSynchronizer
 {
 public:

@@ -6,11 +6,11 @@
 
 namespace
 {
-timespec MonotonicTimeIn(std::uint32_t milliseconds)
+timespec TimeIn(clockid_t clock, std::uint32_t milliseconds)
 {
     constexpr long NanosecondsPerSecond = 1'000'000'000;
     timespec time = {};
-    clock_gettime(CLOCK_MONOTONIC, &time);
+    clock_gettime(clock, &time);
     time.tv_sec += milliseconds / 1000;
     time.tv_nsec += static_cast<long>(milliseconds % 1000) * 1'000'000;
     if (time.tv_nsec >= NanosecondsPerSecond)
@@ -27,8 +27,13 @@ int Lock(pthread_mutex_t* mutex, std::uint32_t timeoutMs)
         return pthread_mutex_trylock(mutex);
     if (timeoutMs == InfiniteTimeout)
         return pthread_mutex_lock(mutex);
-    const timespec deadline = MonotonicTimeIn(timeoutMs);
-    return pthread_mutex_clocklock(mutex, CLOCK_MONOTONIC, &deadline);
+    timespec deadline = TimeIn(CLOCK_MONOTONIC, timeoutMs);
+    const int result = pthread_mutex_clocklock(mutex, CLOCK_MONOTONIC, &deadline);
+    if (result != EINVAL)
+        return result;
+    // Before Linux 5.14 a mutex that inherits priority knows only the clock that users set.
+    deadline = TimeIn(CLOCK_REALTIME, timeoutMs);
+    return pthread_mutex_timedlock(mutex, &deadline);
 }
 }   // namespace
 
@@ -41,6 +46,7 @@ MMutex::MMutex(Form form)
     pthread_mutexattr_init(&attributes);
     pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_RECURSIVE);
     pthread_mutexattr_setrobust(&attributes, PTHREAD_MUTEX_ROBUST);
+    pthread_mutexattr_setprotocol(&attributes, PTHREAD_PRIO_INHERIT);
     pthread_mutex_init(handle.get(), &attributes);
     pthread_mutexattr_destroy(&attributes);
 }

@@ -7,8 +7,9 @@
 
 #include "foundation/threads/MSynchronizer.h"
 
-/// A mutex that honours time-outs and survives the death of its owner: the next one gets it with success.
-/// The thread that holds it may take it again. A mutex without a handle grants everything at once.
+/// A mutex that honours time-outs, inherits priority and survives the death of its owner: the next one gets
+/// it with success. The thread that holds it may take it again. A mutex without a handle grants everything at
+/// once.
 class MMutex : public MSynchronizer
 {
 public:

@@ -1,8 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "foundation/containers/MEvent.h"
 
+#include <algorithm>
+#include <array>
+#include <list>
 #include <memory>
+#include <new>
 #include <optional>
+#include <random>
 #include <string>
 #include <thread>
 #include <vector>
@@ -11,10 +16,26 @@
 
 #include "foundation/containers/MCallback.h"
 #include "foundation/text/MException.h"
+#include "tests/foundation/containers/FailingAllocation.h"
 
 namespace
 {
 using Event = MEvent<MOnStringParams>;
+
+template <typename Exception>
+bool Throws(auto&& operation)
+{
+    try
+    {
+        operation();
+    }
+    catch (const Exception&)
+    {
+        return true;
+    }
+    return false;
+}
+
 std::vector<std::string> heard;   // by every listener of a test
 
 class MEventTest : public testing::Test
@@ -44,13 +65,6 @@ public:
 private:
     std::string name;
 };
-
-TEST_F(MEventTest, QueuesNothingWithoutHandlers)
-{
-    Event event;
-    EXPECT_FALSE(event.Post(processor, Text("lost")));
-    EXPECT_EQ(processor.PendingCount(), 0);
-}
 
 TEST_F(MEventTest, DeliversInPostingOrderAcrossEvents)
 {
@@ -106,13 +120,159 @@ TEST_F(MEventTest, SurvivesTheDeathOfEitherSide)
     processor.Process();
     EXPECT_EQ(heard.size(), 1u);
 
-    Event left;
-    left.AddHandler<&Listener::Hear>(survivor);
+    EXPECT_THROW(Event().Dispatch(processor), MException);
+}
+
+// Notes what it hears without taking memory.
+class Counter : public MEventTarget
+{
+public:
+    explicit Counter(int counterName) : name(counterName) {}
+    void Hear(const MOnItemParams<int>& params) { notes.emplace_back(name, params.item); }
+    static std::vector<std::pair<int, int>> notes;
+
+private:
+    int name;
+};
+std::vector<std::pair<int, int>> Counter::notes;
+
+// Random posts, deaths and failing allocations, against a plain list of what has to be heard.
+TEST(MEvent, DeliversEveryPostOnceInOrderWhateverDiesOrFails)
+{
+    using CountEvent = MEvent<MOnItemParams<int>>;
+    constexpr unsigned Seed = 2718;
+    constexpr int Rounds = 30000;
+    SCOPED_TRACE(Seed);
+    std::mt19937 random(Seed);
+    struct Post
     {
-        MEventProcessor shortLived;
-        left.Post(shortLived, Text("4"));
+        std::size_t processor;
+        std::size_t event;
+        int item;
+    };
+    std::list<Post> waiting;
+    std::array<std::optional<MEventProcessor>, 3> processors;
+    std::array<std::optional<CountEvent>, 3> events;
+    std::array<std::vector<int>, 3> heardBy;   // by event, the counters in the order of their subscription
+    std::array<std::optional<Counter>, 2> counters;
+    for (std::size_t index = 0; index < processors.size(); ++index)
+    {
+        processors[index].emplace();
+        events[index].emplace();
     }
-    EXPECT_THROW(left.Dispatch(), MException);
+    for (std::size_t index = 0; index < counters.size(); ++index)
+        counters[index].emplace(static_cast<int>(index));
+    Counter::notes.reserve(Rounds);
+    int failures = 0;
+    // Answers whether the operation got all the memory it asked for.
+    const auto works = [&](auto&& operation)
+    {
+        allocationsLeft = random() % 3 == 0 ? static_cast<int>(random() % 4) : -1;
+        const bool isDone = !Throws<std::bad_alloc>(operation);
+        allocationsLeft = -1;
+        failures += isDone ? 0 : 1;
+        return isDone;
+    };
+    for (int round = 0; round < Rounds; ++round)
+    {
+        SCOPED_TRACE(round);
+        const std::size_t p = random() % processors.size();
+        const std::size_t e = random() % events.size();
+        const std::size_t c = random() % counters.size();
+        const auto name = static_cast<int>(c);
+        switch (random() % 20)
+        {
+        case 0:
+            processors[p].emplace();
+            std::erase_if(waiting, [p](const Post& post) { return post.processor == p; });
+            break;
+        case 1:
+            events[e].emplace();
+            heardBy[e].clear();
+            std::erase_if(waiting, [e](const Post& post) { return post.event == e; });
+            break;
+        case 2:
+            counters[c].emplace(name);
+            for (std::vector<int>& names : heardBy)
+                std::erase(names, name);
+            break;
+        case 3:
+            events[e]->RemoveTarget(&*counters[c]);
+            std::erase(heardBy[e], name);
+            break;
+        case 4:
+            events[e]->ClearPending();
+            std::erase_if(waiting, [e](const Post& post) { return post.event == e; });
+            break;
+        case 5:
+        case 6:
+            if (heardBy[e].size() < 3 && works([&] { events[e]->AddHandler<&Counter::Hear>(*counters[c]); }))
+                heardBy[e].push_back(name);
+            break;
+        case 7:
+        case 8:
+        {
+            Counter::notes.clear();
+            std::vector<std::pair<int, int>> expected;
+            works([&] { processors[p]->Process(); });
+            // What failed stays for the next time.
+            const auto isForProcessor = [p](const Post& post)
+            {
+                return post.processor == p;
+            };
+            auto taken =
+                std::count_if(waiting.begin(), waiting.end(), isForProcessor) - processors[p]->PendingCount();
+            for (auto post = waiting.begin(); taken > 0 && post != waiting.end();)
+            {
+                if (!isForProcessor(*post))
+                {
+                    ++post;
+                    continue;
+                }
+                for (const int counter : heardBy[post->event])
+                    expected.emplace_back(counter, post->item);
+                post = waiting.erase(post);
+                --taken;
+            }
+            ASSERT_EQ(Counter::notes, expected);
+            break;
+        }
+        default:
+        {
+            MOnItemParams<int> params;
+            params.item = round;
+            bool isPosted = false;
+            const bool isDone = works([&] { isPosted = events[e]->Post(*processors[p], params); });
+            ASSERT_EQ(isPosted, isDone && !heardBy[e].empty());
+            if (isPosted)
+                waiting.push_back({ p, e, round });
+            break;
+        }
+        }
+        ASSERT_EQ(events[e]->HandlerCount(), static_cast<int>(heardBy[e].size()));
+    }
+    EXPECT_GT(failures, 100);
+}
+
+TEST(MEvent, PostingTakesNoMemoryOnceTheQueuesHaveGrown)
+{
+    MEventProcessor processor;
+    MEvent<MOnItemParams<int>> event;
+    Counter counter(0);
+    event.AddHandler<&Counter::Hear>(counter);
+    for (int round = 0; round < 20; ++round)
+    {
+        Counter::notes.clear();
+        Counter::notes.reserve(100);
+        allocationsLeft = round == 0 ? -1 : 0;
+        EXPECT_NO_THROW(for (int item = 0; item < 100; ++item) event.Post(processor, {}));
+        allocationsLeft = -1;
+        // Never empty in between: what was taken must make room for what comes.
+        if (round % 3 != 1)
+            processor.Process();
+        else
+            event.ClearPending();
+    }
 }
 
 // Does to the event, while handling it, what handlers are allowed to do.
@@ -257,5 +417,58 @@ TEST(MKeyboardShortcut, ComparesKeyAndModifiers)
         callback.Call(params);
         EXPECT_EQ(listener.pressed, isCalled ? 1 : 0);
     }
+}
+
+// Does to the callback, while it is called, what handlers are allowed to do.
+class Leaver : public MEventTarget
+{
+public:
+    using Callback = MCallback<MOnItemParams<int>>;
+    Leaver(Callback*& called, std::string& calls, char letter, int leavingRound)
+        : callback(called), heardLetters(calls), name(letter), leaves(leavingRound)
+    {
+        callback->AddHandler<&Leaver::Hear>(*this);
+    }
+
+private:
+    void Hear(const MOnItemParams<int>& params)
+    {
+        heardLetters += name;
+        if (params.item != leaves)
+            return;
+        MOnItemParams<int> inner;
+        inner.item = -1;
+        if (name == 'c')
+            callback->Call(inner);   // with itself still there
+        callback->RemoveTarget(this);
+        if (name == 'd')
+            delete std::exchange(callback, nullptr);
+    }
+
+    Callback*& callback;
+    std::string& heardLetters;
+    char name;
+    int leaves;
+};
+
+TEST(MCallback, CallsEachHandlerOnceWhoeverLeavesMeanwhile)
+{
+    auto* callback = new Leaver::Callback;
+    std::string letters;
+    const Leaver a(callback, letters, 'a', 1);
+    const Leaver b(callback, letters, 'b', 1);
+    const Leaver c(callback, letters, 'c', 2);
+    const Leaver d(callback, letters, 'd', 4);
+    const Leaver e(callback, letters, 'e', 9);
+    const char* expected[] = { "abcde", "abcde", "ccdede", "de", "d" };
+    for (int round = 0; round < 5; ++round)
+    {
+        letters.clear();
+        MOnItemParams<int> params;
+        params.item = round;
+        callback->Call(params);
+        EXPECT_EQ(letters, expected[round]) << round;
+    }
+    EXPECT_EQ(callback, nullptr);
 }
 }   // namespace

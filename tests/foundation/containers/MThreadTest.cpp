@@ -1,11 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "foundation/containers/MThread.h"
 
+#include <algorithm>
 #include <atomic>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
 #include <string>
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <unistd.h>
 
 #include "foundation/text/Boundary.h"
 
@@ -61,24 +66,31 @@ TEST(MThread, RunsUntilItIsStoppedAndStartsAnew)
     EXPECT_GE(worker.rounds, 3);
 }
 
-TEST(MThread, WaitsSuspendedUntilItIsStarted)
+TEST(MThread, RunsOnlyWhenStartedAndNotStoppedMeanwhile)
 {
     Worker worker;
+    worker.Stop();   // there is nothing to stop
     worker.Create();
     worker.Create();
-    EXPECT_NE(worker.hasRun.Acquire(20), 0);
+    EXPECT_FALSE(worker.Wait(20));
+    EXPECT_EQ(worker.rounds, 0);
     worker.Start();
     EXPECT_EQ(worker.hasRun.Acquire(InfiniteTimeout), 0);
-}
+    EXPECT_FALSE(worker.Wait(1));   // and it goes on
+    worker.Stop();
+    EXPECT_TRUE(worker.Wait(InfiniteTimeout));
+    EXPECT_EQ(worker.codeAtFinish, 42);
+    const int rounds = worker.rounds;
 
-TEST(MThread, DoesNotRunWhenItWasCancelledBefore)
-{
-    Worker worker;
+    worker.codeAtFinish = 0;
     worker.Create();
     worker.Stop();
     worker.Start();
     EXPECT_TRUE(worker.Wait(InfiniteTimeout));
-    EXPECT_EQ(worker.rounds, 0);
+    worker.Create();
+    worker.Stop();   // a suspended thread ends, too
+    EXPECT_TRUE(worker.Wait(InfiniteTimeout));
+    EXPECT_EQ(worker.rounds, rounds);
     EXPECT_EQ(worker.codeAtFinish, 0);
 }
 
@@ -99,8 +111,8 @@ TEST(MThread, LowersItsPriority)
     worker.SetPriority(MThread::Priority::Low);
     worker.Start();
     worker.hasRun.Acquire(InfiniteTimeout);
-    EXPECT_EQ(worker.niceValue, std::max(5, getpriority(PRIO_PROCESS, 0)));
-    EXPECT_STREQ(MThread::PriorityLabel(MThread::Priority::Critical), "Critical");
+    EXPECT_EQ(worker.niceValue, std::min(19, getpriority(PRIO_PROCESS, 0) + 5));
+    EXPECT_THROW(worker.SetPriority(static_cast<MThread::Priority>(7)), MException);
 }
 
 std::atomic<int> loggedThreadErrors = 0;
@@ -146,21 +158,89 @@ TEST(MThread, TellsItsTargetOnTheProcessorsThread)
     }
 }
 
+// Its destructor does what that of every derived class does.
 class SelfDeleting : public MThread
 {
 public:
-    explicit SelfDeleting(MSemaphore& signal) : deleted(signal) { SetAutoDelete(true); }
-    ~SelfDeleting() override { deleted.Release(); }
+    SelfDeleting(MSemaphore& signal, bool isFailing) : deleted(signal), fails(isFailing)
+    {
+        SetAutoDelete(true);
+    }
+    ~SelfDeleting() override
+    {
+        Stop();
+        Wait(InfiniteTimeout);
+        deleted.Release();
+    }
 
 private:
+    std::int32_t Thread() override
+    {
+        if (fails)
+            throw MException("body");
+        return 0;
+    }
+
     MSemaphore& deleted;
+    bool fails;
 };
 
-TEST(MThread, DeletesItselfWhenAsked)
+TEST(MThread, DeletesItselfHoweverItEnds)
 {
-    MSemaphore deleted;
-    auto* thread = new SelfDeleting(deleted);
-    thread->Start();
-    EXPECT_EQ(deleted.Acquire(InfiniteTimeout), 0);
+    for (int round = 0; round < 30; ++round)
+    {
+        MSemaphore deleted;
+        auto* thread = new SelfDeleting(deleted, round % 3 == 0);
+        thread->Create();
+        if (round % 3 == 1)
+            thread->Stop();
+        else
+            thread->Start();
+        EXPECT_EQ(deleted.Acquire(InfiniteTimeout), 0);
+    }
+}
+
+// A fault in a thread has to reach the handler that a host's crash reporter has installed.
+TEST(MThreadDeathTest, LeavesFaultsToWhoHandlesThem)
+{
+    class Faulty : public MThread
+    {
+        std::int32_t Thread() override { return raise(SIGSEGV); }
+    };
+    const auto fault = []
+    {
+        std::signal(SIGSEGV, [](int) { _exit(33); });
+        Faulty faulty;
+        faulty.Start();
+        faulty.Wait(InfiniteTimeout);
+    };
+    EXPECT_EXIT(fault(), testing::ExitedWithCode(33), "");
+}
+
+// What runs at a program's or a library's end is stopped and joined before the code goes.
+TEST(MThreadDeathTest, EndsBeforeTheProgramDoes)
+{
+    struct Endless : MThread
+    {
+        std::int32_t Thread() override
+        {
+            hasBegun.Release();
+            while (!IsCancelled())
+                wakeSemaphore.Acquire(InfiniteTimeout);
+            std::fputs("ended", stderr);
+            return 0;
+        }
+        MSemaphore hasBegun;
+    };
+    const auto leave = [](bool deletesItself)
+    {
+        auto* endless = new Endless;
+        endless->SetAutoDelete(deletesItself);
+        endless->Start();
+        endless->hasBegun.Acquire(InfiniteTimeout);
+        std::exit(0);
+    };
+    for (const bool deletesItself : { false, true })
+        EXPECT_EXIT(leave(deletesItself), testing::ExitedWithCode(0), "ended");
 }
 }   // namespace

@@ -1,13 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <barrier>
 #include <chrono>
+#include <fstream>
 #include <future>
 #include <memory>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <pthread.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 #include "foundation/text/MException.h"
 #include "foundation/threads/MERWLock.h"
@@ -124,18 +129,6 @@ TEST(MSemaphore, CountsItsReleases)
     EXPECT_EQ(waiter.get(), 0);
 }
 
-int TryMode(MERWLock& lock, MERWLock::Mode mode)
-{
-    return Elsewhere(
-        [&lock, mode]
-        {
-            const int result = lock.AcquireMode(mode, 0);
-            if (result == 0)
-                lock.ReleaseMode(mode);
-            return result;
-        });
-}
-
 // Tries until the state that another thread is about to bring about is there.
 template <typename Condition>
 bool Eventually(Condition&& condition)
@@ -148,6 +141,59 @@ bool Eventually(Condition&& condition)
         std::this_thread::yield();
     }
     return true;
+}
+
+// What the scheduler goes by: below 0 for a real-time priority, inherited ones included.
+int EffectivePriority(pid_t thread)
+{
+    std::ifstream file("/proc/self/task/" + std::to_string(thread) + "/stat");
+    std::string line;
+    std::getline(file, line);
+    std::istringstream fields(line.substr(line.rfind(')') + 1));
+    std::string field;
+    for (int index = 3; index <= 18; ++index)
+        fields >> field;
+    return std::stoi(field);
+}
+
+TEST(MLock, GivesItsHolderThePriorityOfWhoWaits)
+{
+    MLock lock;
+    MMutex mutex;
+    for (MSynchronizer* synchronizer :
+         { static_cast<MSynchronizer*>(&lock), static_cast<MSynchronizer*>(&mutex) })
+    {
+        synchronizer->Acquire(InfiniteTimeout);
+        std::promise<bool> isRealTime;
+        std::thread waiter(
+            [&]
+            {
+                const sched_param parameters = { 10 };
+                isRealTime.set_value(pthread_setschedparam(pthread_self(), SCHED_FIFO, &parameters) == 0);
+                synchronizer->Acquire(InfiniteTimeout);
+                synchronizer->Release();
+            });
+        const bool canTell = isRealTime.get_future().get();
+        const auto self = static_cast<pid_t>(syscall(SYS_gettid));
+        EXPECT_TRUE(!canTell || Eventually([self] { return EffectivePriority(self) < 0; }));
+        synchronizer->Release();
+        waiter.join();
+        if (!canTell)
+            GTEST_SKIP() << "no right to real-time priorities";
+        EXPECT_GE(EffectivePriority(self), 0);
+    }
+}
+
+int TryMode(MERWLock& lock, MERWLock::Mode mode)
+{
+    return Elsewhere(
+        [&lock, mode]
+        {
+            const int result = lock.AcquireMode(mode, 0);
+            if (result == 0)
+                lock.ReleaseMode(mode);
+            return result;
+        });
 }
 
 TEST(MERWLock, LetsReadersInTogetherAndWritersAlone)
