@@ -24,13 +24,22 @@ constexpr float SpectrumGuard = 1e-15f;
 // the Nyquist frequency bends.
 constexpr double FreeShiftRate = 50000.0;
 
-std::int32_t MaxShift(double q, double sampleRate)
+// Below the first rate the upper part of the grid lies above half the rate, where a shape that is shifted
+// down would take garbage from. Such rates take their shapes from the second one.
+constexpr double LowestShapeRate = 40000.0;
+constexpr double RateOfOtherShapes = 48000.0;
+
+std::int32_t MaxShift(double q, double sampleRate, std::int32_t judgedCount)
 {
     if (sampleRate >= FreeShiftRate)
         return FitGrid::CentreIndex;
-    const double topHz = (q - FirstQ) * 8000.0 + 1000.0;
+    const std::int32_t highest = judgedCount == FitGrid::Count
+                                     ? FitGrid::CentreIndex
+                                     : std::max(judgedCount - 1 - FitGrid::CentreIndex, 0);
+    const double bend = sampleRate < LowestShapeRate ? sampleRate / RateOfOtherShapes : 1.0;
+    const double topHz = ((q - FirstQ) * 8000.0 + 1000.0) * bend;
     const auto shift = static_cast<std::int32_t>((std::log10(topHz) - FitGrid::CentreLog10) / 1.5 * 512.0);
-    return std::clamp(shift, 0, FitGrid::CentreIndex);
+    return std::clamp(shift, 0, highest);
 }
 }   // namespace
 
@@ -40,6 +49,15 @@ void FitGrid::Build(double minHz, double maxHz, std::int32_t count, float* outHz
     const double step = (std::log10(maxHz) - first) / count;
     for (std::int32_t i = 0; i < count; ++i)
         outHz[i] = static_cast<float>(std::pow(10.0, first + (i + 0.5) * step));
+}
+
+std::int32_t FitGrid::UsableCount(double sampleRate)
+{
+    std::array<float, Count> grid;
+    Build(MinHz, MaxHz, Count, grid.data());
+    const double highestHz = HighestShare * sampleRate;
+    return static_cast<std::int32_t>(
+        std::count_if(grid.begin(), grid.end(), [highestHz](float hertz) { return hertz <= highestHz; }));
 }
 
 FitResponse::FitResponse(double usedSampleRate) : sampleRate(usedSampleRate)
@@ -80,36 +98,45 @@ void FitResponse::Evaluate(std::int32_t type, double gainDb, double frequencyHz,
 }
 
 FilterDictionary::FilterDictionary(double usedSampleRate)
-    : sampleRate(usedSampleRate), response(usedSampleRate)
+    : sampleRate(usedSampleRate), judgedCount(FitGrid::UsableCount(usedSampleRate)), response(usedSampleRate)
+{
+    if (sampleRate >= LowestShapeRate)
+        AddCandidates(response);
+    else
+        AddCandidates(FitResponse(RateOfOtherShapes));
+}
+
+void FilterDictionary::AddCandidates(const FitResponse& shapes)
 {
     for (std::int32_t type = MAudioFilters::Peak; type <= MAudioFilters::Notch; ++type)
     {
         const auto& properties = MAudioFilters::PropertiesOf(type);
         if (!properties.hasQ)
         {
-            AddCandidate(type, FixedQ);
+            AddCandidate(shapes, type, FixedQ);
             continue;
         }
         double q = FirstQ;
         while (q < properties.topQ)
         {
-            AddCandidate(type, q);
+            AddCandidate(shapes, type, q);
             q *= QRatio;
         }
     }
 }
 
-void FilterDictionary::AddCandidate(std::int32_t type, double q)
+void FilterDictionary::AddCandidate(const FitResponse& shapes, std::int32_t type, double q)
 {
     FilterCandidate& candidate = candidates.emplace_back();
     candidate.type = type;
     candidate.q = q;
     candidate.hasGain = MAudioFilters::PropertiesOf(type).hasGain;
-    candidate.maxShift = MaxShift(q, sampleRate);
+    candidate.judgedCount = judgedCount;
+    candidate.maxShift = MaxShift(q, sampleRate, candidate.judgedCount);
 
     auto& shape = candidate.shape;
     std::array<double, FitGrid::Count> power;
-    response.Evaluate(type, TemplateGainDb, std::pow(10.0, FitGrid::CentreLog10), q, power.data());
+    shapes.Evaluate(type, TemplateGainDb, std::pow(10.0, FitGrid::CentreLog10), q, power.data());
     for (std::size_t i = 0; i < shape.size(); ++i)
         shape[i] = static_cast<float>(0.5 * std::log(power[i])) * DecibelsPerNeper;
     // The types without gain run as two sections in a row.
@@ -137,7 +164,7 @@ void FilterDictionary::AddCandidate(std::int32_t type, double q)
         return value * value;
     };
     double energy = candidate.maxShift * square(0);
-    for (std::int32_t i = 0; i < FitGrid::Count - candidate.maxShift; ++i)
+    for (std::int32_t i = 0; i < candidate.judgedCount - candidate.maxShift; ++i)
         energy += square(i);
     const std::int32_t shiftCount = candidate.maxShift + FilterCandidate::ShiftEnd;
     candidate.energy.reserve(static_cast<std::size_t>(shiftCount));
@@ -145,7 +172,7 @@ void FilterDictionary::AddCandidate(std::int32_t type, double q)
     {
         candidate.energy.push_back(energy);
         candidate.energyLimit = std::max(candidate.energyLimit, std::abs(energy));
-        energy += square(std::min(shift + FitGrid::Count, FitGrid::Count - 1));
+        energy += square(std::min(shift + judgedCount, FitGrid::Count - 1));
         energy -= square(std::max(shift, 0));
     }
 }

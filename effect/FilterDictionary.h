@@ -19,6 +19,12 @@ inline constexpr double CentreLog10 = 2.801029996;
 
 /// Fills `count` frequencies in Hz of the bin-centred logarithmic grid between the limits.
 void Build(double minHz, double maxHz, std::int32_t count, float* outHz);
+
+/// The highest frequency, as a share of the sample rate, at which a fit places a filter or judges one:
+/// further up a filter bends so much that it can't be told what a band is good for.
+inline constexpr double HighestShare = 0.45;
+/// How many of the Count points lie at or below that.
+std::int32_t UsableCount(double sampleRate);
 }   // namespace FitGrid
 
 /// The response of one real section at the grid points. Design and evaluation run in double, so that a
@@ -51,6 +57,7 @@ struct FilterCandidate
     double q = 0;
     bool hasGain = false;
     std::int32_t maxShift = 0;   ///< how far the shape may move towards high frequencies, in points
+    std::int32_t judgedCount = FitGrid::Count;   ///< the points, from the first one on, that errors see
     double absoluteSum = 0;   ///< sum of |shape|
     double norm = 0;   ///< root of the sum of squares of shape
     double energyLimit = 0;   ///< no |energy| is above it
@@ -58,9 +65,10 @@ struct FilterCandidate
     std::array<float, FitGrid::Count> shape;
     /// FFT of shape / absoluteSum, padded with zeros behind, packed, 1e-15 added to each float.
     std::array<float, SpectrumSize> spectrum;
-    /// Energy of the shifted shape for s = -maxShift, -maxShift + 1, ... ShiftEnd - 1, by the running
-    /// update E(s + 1) = E(s) + shape[min(s + 1024, 1023)]^2 - shape[max(s, 0)]^2 in double. Its rounding is
-    /// part of what the search means by "energy", so it is kept rather than computed afresh.
+    /// Energy of the shifted shape on the judged points, n of them, for s = -maxShift, -maxShift + 1, ...
+    /// ShiftEnd - 1, by the running update E(s + 1) = E(s) + shape[min(s + n, 1023)]^2 - shape[max(s, 0)]^2
+    /// in double. Its rounding is part of what the search means by "energy", so it is kept rather than
+    /// computed afresh.
     std::vector<double> energy;
 
     double EnergyAt(std::int32_t shift) const
@@ -82,13 +90,17 @@ public:
     static std::shared_ptr<const FilterDictionary> Shared(double sampleRate);
 
     double SampleRate() const { return sampleRate; }
+    /// Points that the searches judge.
+    std::int32_t JudgedCount() const { return judgedCount; }
     const FitResponse& Response() const { return response; }
     const std::vector<FilterCandidate>& Candidates() const { return candidates; }
 
 private:
-    void AddCandidate(std::int32_t type, double q);
+    void AddCandidates(const FitResponse& shapes);
+    void AddCandidate(const FitResponse& shapes, std::int32_t type, double q);
 
     double sampleRate;
+    std::int32_t judgedCount;
     FitResponse response;
     std::vector<FilterCandidate> candidates;
 };

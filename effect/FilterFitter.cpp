@@ -13,6 +13,8 @@ namespace
 constexpr double LowestMaxQ = 0.1;
 // Shapes of the types with gain stand at -24 dB, so a multiplier of 1 is that gain.
 constexpr double GainOfShapeDb = -24.0;
+// -200 dB, where analyses end, too: a notch that stands on a grid point has no finite level there.
+constexpr double LowestPower = 1e-20;
 }   // namespace
 
 void FilterFitter::BuildGrid(double minHz, double maxHz, std::int32_t count)
@@ -62,9 +64,9 @@ void FilterFitter::Fit(float* wanted, double newSampleRate, std::vector<FittedFi
         // The real response at the real frequency goes off the curve, so that later bands correct what a
         // shifted shape misjudged.
         dictionary->Response().Evaluate(filter.type, filter.gain, filter.frequency, filter.q, power.data());
-        for (std::size_t i = 0; i < power.size(); ++i)
+        for (std::size_t i = 0; i < static_cast<std::size_t>(dictionary->JudgedCount()); ++i)
         {
-            const auto responseDb = static_cast<float>(10.0 * std::log10(power[i]));
+            const auto responseDb = static_cast<float>(10.0 * std::log10(std::max(power[i], LowestPower)));
             wanted[i] -= responseDb;
             if (!choice.candidate->hasGain)
                 wanted[i] -= responseDb;   // runs as two sections in a row

@@ -42,7 +42,8 @@ public:
     /// Builds, or finds in the process, what depends on the sample rate. Called by Fit.
     void Prepare(double newSampleRate);
 
-    /// Appends `maxBands` bands to `results`.
+    /// Appends `maxBands` bands to `results`. What lies above FitGrid::HighestShare of the rate has no say,
+    /// and no band is placed there.
     /// @param wanted          FitGrid::Count gains in dB; consumed: ends as the residual without the last
     /// band
     /// @param allowPassNotch  also types without gain, which are used at their full shape

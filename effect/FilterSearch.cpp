@@ -63,7 +63,7 @@ double FitDot(const float* a, const float* b, std::int32_t n)
 }
 
 FilterSearch::FilterSearch(const FilterDictionary& usedDictionary)
-    : dictionary(usedDictionary), fft(FilterCandidate::SpectrumOrder, FFTDivideInverse),
+    : dictionary(usedDictionary), fft(FilterCandidate::SpectrumOrder, FFTDivideInverse), judged(Index(N)),
       headSums(Index(N + 1)), tailSums(Index(N + 1)), curveSpectrum(Index(TransformSize)),
       correlation(Index(TransformSize)), dots(Index(N)), errors(Index(N))
 {
@@ -72,14 +72,16 @@ FilterSearch::FilterSearch(const FilterDictionary& usedDictionary)
 // False for a curve with a value that isn't finite: no error can be below the limit then.
 bool FilterSearch::TakeCurve(const float* curve)
 {
-    wanted = curve;
-    wantedEnergy = FitDot(curve, curve, N);
+    std::fill(judged.begin(), judged.end(), 0.0f);
+    std::copy_n(curve, dictionary.JudgedCount(), judged.begin());
+    wanted = judged.data();
+    wantedEnergy = FitDot(wanted, wanted, N);
     headSums[0] = 0;
     tailSums[0] = 0;
     for (std::int32_t i = 0; i < N; ++i)
     {
-        headSums[Index(i + 1)] = headSums[Index(i)] + curve[i];
-        tailSums[Index(i + 1)] = tailSums[Index(i)] + curve[N - 1 - i];
+        headSums[Index(i + 1)] = headSums[Index(i)] + wanted[i];
+        tailSums[Index(i + 1)] = tailSums[Index(i)] + wanted[N - 1 - i];
     }
     return std::isfinite(wantedEnergy);
 }
@@ -91,6 +93,17 @@ double FilterSearch::Dot(const FilterCandidate& candidate, std::int32_t shift) c
     if (shift < 0)
         return shape[0] * headSums[Index(-shift)] + FitDot(wanted - shift, shape, N + shift);
     return shape[N - 1] * tailSums[Index(shift)] + FitDot(wanted, shape + shift, N - shift);
+}
+
+// E by its definition: the flat continuation of the shape at one end, and the overlap.
+double FilterSearch::Energy(const FilterCandidate& candidate, std::int32_t shift)
+{
+    const float* shape = candidate.shape.data();
+    const float* overlap = shape + std::max(shift, 0);
+    const double end = shift > 0 ? shape[N - 1] : shape[0];
+    const std::int32_t count = candidate.judgedCount;
+    const std::int32_t beyond = std::clamp(shift > 0 ? shift + count - N : -shift, 0, count);
+    return FitDot(overlap, overlap, count - beyond) + beyond * (end * end);
 }
 
 // Evaluates one shift by the definition and keeps it if it is better than all before it.
@@ -238,11 +251,7 @@ FitChoice FilterSearch::Convolving(const float* curve, const FitSelection& selec
         if (!selection.Admits(candidate))
             continue;
         const std::int32_t shift = ConvolutionShift(candidate);
-        const float* shape = candidate.shape.data();
-        const float* overlap = shape + std::max(shift, 0);
-        const double end = shift > 0 ? shape[N - 1] : shape[0];
-        const std::int32_t beyond = std::abs(shift);
-        Offer(candidate, shift, FitDot(overlap, overlap, N - beyond) + beyond * (end * end), best);
+        Offer(candidate, shift, Energy(candidate, shift), best);
     }
     return best;
 }

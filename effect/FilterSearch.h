@@ -35,10 +35,11 @@ struct FitSelection
 
 /// One round of the pursuit: the best shape, shift and gain for a wanted curve.
 ///
-/// At a shift s, point i of the curve sees shape[clamp(i + s, 0, 1023)]. With D the sum of wanted x shifted
-/// shape, E the shifted shape's energy and W the curve's, the best multiplier g is D / E limited to -1..1 (a
-/// type with gain) or just 1, and the squared error g^2 E - 2 g D + W. The least error wins; of equal ones
-/// the earlier shape in the dictionary and then the lower shift.
+/// What lies above FitGrid::UsableCount doesn't count: neither the curve nor the shapes. At a shift s, point
+/// i of the curve sees shape[clamp(i + s, 0, 1023)]. With D the sum of wanted x shifted shape, E the shifted
+/// shape's energy and W the curve's, the best multiplier g is D / E limited to -1..1 (a type with gain) or
+/// just 1, and the squared error g^2 E - 2 g D + W. The least error wins; of equal ones the earlier shape in
+/// the dictionary and then the lower shift.
 ///
 /// Keeps its scratch from round to round. Thread: one at a time.
 class FilterSearch
@@ -77,6 +78,7 @@ private:
     void TransformForConvolution();
     std::int32_t ConvolutionShift(const FilterCandidate& candidate);
     double Dot(const FilterCandidate& candidate, std::int32_t shift) const;
+    static double Energy(const FilterCandidate& candidate, std::int32_t shift);
     void Offer(const FilterCandidate& candidate, std::int32_t shift, double energy, FitChoice& best) const;
     void EstimateDots(const FilterCandidate& candidate);
     double EstimateErrors(const FilterCandidate& candidate);
@@ -86,7 +88,8 @@ private:
     const FilterDictionary& dictionary;
     MFFT fft;
 
-    const float* wanted = nullptr;
+    std::vector<float> judged;   // the curve, zero where no error is judged
+    const float* wanted = nullptr;   // the same
     double wantedEnergy = 0;
     std::vector<double> headSums;   // [k]: sum of the first k values of the curve
     std::vector<double> tailSums;   // [k]: sum of the last k values

@@ -23,6 +23,12 @@ void ChunkTransition::Begin(const SectionList& newList)
         transition.Begin(0);
 }
 
+std::int64_t ChunkTransition::CostLeft() const
+{
+    const std::int64_t left = HasWork() ? list->Count() - next : 0;
+    return left * (left + 1) / 2 * LinearPhaseGeometry::ChunkSize;
+}
+
 std::int64_t ChunkTransition::BuildNext()
 {
     assert(HasWork());

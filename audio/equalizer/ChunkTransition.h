@@ -25,6 +25,9 @@ public:
     /// work.
     std::int64_t BuildNext();
 
+    /// What all that is left to do costs.
+    std::int64_t CostLeft() const;
+
     /// inOut += map of `states`; see StateTransition::Apply.
     void Apply(const MVector::CascadeMemory* states, MVector::CascadeMemory* inOut) const
     {

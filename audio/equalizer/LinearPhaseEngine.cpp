@@ -11,8 +11,11 @@ constexpr std::int32_t ChunkSize = LinearPhaseGeometry::ChunkSize;
 constexpr std::int32_t ChunkCount = LinearPhaseGeometry::ChunkCount;
 constexpr std::int32_t FadeChunk = LinearPhaseGeometry::FadeChunk;
 
-/// Work beside the output, in sections by samples of a channel pair, for each BudgetFrames of a block: some
-/// 15 microseconds. Enough to make all states of a hop again within a quarter of it, with 10 sections.
+constexpr std::int32_t TakeOverPosition = LinearPhaseGeometry::HopSize - LinearPhaseEngine::TakeOverLead;
+static_assert(TakeOverPosition % ChunkSize == 0);
+
+/// Work beside the output at rest, in sections by samples of a channel pair, for each BudgetFrames of a
+/// block: some 15 microseconds, or a whole chunk where that is more.
 constexpr std::int64_t Budget = 30000;
 constexpr std::int32_t BudgetFrames = 64;
 /// Blocks up to this leave such work to a block that puts out no chunk.
@@ -56,13 +59,19 @@ void LinearPhaseEngine::Reset()
 void LinearPhaseEngine::SetFilters(const MAudioFilters::Filter<double>* sections, std::int32_t count)
 {
     given.Set(sections, count);
-    TakeList();
+    SettleBeforeStart();
 }
 
 void LinearPhaseEngine::SetEnabled(bool filtered)
 {
     enabled = filtered;
-    TakeList();
+    SettleBeforeStart();
+}
+
+void LinearPhaseEngine::SettleBeforeStart()
+{
+    if (!started)
+        TakeList();
 }
 
 void LinearPhaseEngine::TakeList()
@@ -76,7 +85,7 @@ void LinearPhaseEngine::TakeList()
     ++current;
     if (current < FirstList)
         current = FirstList;
-    changed = true;
+    catchingUp = true;
     transition.Begin(active);
 }
 
@@ -84,6 +93,7 @@ void LinearPhaseEngine::Process(const float* const* inputs, float* const* output
 {
     if (!started)
     {
+        TakeList();   // a Reset leaves the one before
         // The hop of silence that primes the latency is complete before the first sample.
         started = true;
         previous = active;
@@ -99,7 +109,8 @@ void LinearPhaseEngine::Process(const float* const* inputs, float* const* output
         done += n;
         // Piece by piece and before the hop ends, so that a block of any length takes the same way.
         Work(n, offset == 0);
-        changed = false;
+        if (position == TakeOverPosition)
+            TakeList();
         if (position == LinearPhaseGeometry::HopSize)
             CompleteHop();
     }
@@ -196,20 +207,51 @@ void LinearPhaseEngine::RunPendingForHop(std::int32_t slot)
     }
 }
 
-/// Work that no sample of this block waits for. A block that puts out a chunk has had its share, and a list
-/// that has just changed may change again.
+/// Work that no sample of this block waits for. A block that puts out a chunk has had its share.
 void LinearPhaseEngine::Work(std::int32_t frames, bool produced)
 {
-    if (changed || (produced && frames <= ShortBlock))
+    if (produced && frames <= ShortBlock)
         return;
     std::int64_t budget = Budget * frames / BudgetFrames + 1;
+    if (catchingUp)
+    {
+        // The last chunk's time belongs to what the hop's end itself costs.
+        const std::int32_t left =
+            std::max(LinearPhaseGeometry::HopSize - ChunkSize - (position - frames), frames);
+        budget = CatchUpCost() * frames / left + 1;
+    }
     while (budget > 0)
     {
         const std::int64_t cost = WorkOnce();
         if (cost == 0)
+        {
+            catchingUp = false;
             return;
+        }
         budget -= cost;
     }
+}
+
+std::int64_t LinearPhaseEngine::ChunkCost() const
+{
+    return std::int64_t{ active.Count() + 1 } * ChunkSize * static_cast<std::int64_t>(channelPairs.size());
+}
+
+/// What is left to do with a list that was taken over, up to the end of the hop.
+std::int64_t LinearPhaseEngine::CatchUpCost() const
+{
+    std::int64_t chunks = 0;
+    for (std::size_t slot = 0; slot < LinearPhasePair::SlotCount; ++slot)
+    {
+        const bool arriving = slot == static_cast<std::size_t>(arrivingSlot);
+        const std::size_t first = arriving ? 0 : FadeChunk;
+        for (std::size_t chunk = first; chunk < ChunkCount; ++chunk)
+        {
+            chunks += IsCurrent(segments[slot].whole[chunk]) ? 0 : 1;
+            chunks += chunk >= FadeChunk && !IsCurrent(segments[slot].faded[chunk]) ? 1 : 0;
+        }
+    }
+    return transition.CostLeft() + chunks * ChunkCost();
 }
 
 /// One piece of what is left to do; answers its cost, 0 if there was nothing.
@@ -226,8 +268,7 @@ std::int64_t LinearPhaseEngine::WorkOnce()
 std::int64_t LinearPhaseEngine::RunPendingChunk(std::int32_t slot, bool wholeFirstHalf)
 {
     Segment& segment = segments[static_cast<std::size_t>(slot)];
-    const std::int64_t cost =
-        std::int64_t{ active.Count() + 1 } * ChunkSize * static_cast<std::int64_t>(channelPairs.size());
+    const std::int64_t cost = ChunkCost();
     for (std::int32_t chunk = wholeFirstHalf ? 0 : FadeChunk; chunk < segment.arrived; ++chunk)
     {
         const auto index = static_cast<std::size_t>(chunk);

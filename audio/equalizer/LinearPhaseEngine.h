@@ -19,15 +19,19 @@
 /// memory over one chunk, which gives the true state at every boundary. A chunk of output is then run
 /// backward from its state, and forward, in the block that needs it.
 ///
-/// A new list is taken over when a hop is complete, for the frame that ends there and the hop that then comes
-/// out. What was computed with the old list is made again in the blocks that follow, as far as the hop leaves
-/// time, or by running through the hop when it ends.
+/// A new list is taken over TakeOverLead samples before a hop is complete, for the frame that ends there and
+/// the hop that then comes out. In these samples all that was computed with the old list is made again, a
+/// like share in each block. Lists that come in between wait for the next hop: however often a list changes,
+/// no block has to catch up at once.
 ///
 /// Samples that are not finite are taken as 0. Thread: Process is audio, the rest is main, never at once with
 /// it.
 class LinearPhaseEngine
 {
 public:
+    /// 85 ms at 48 kHz: twice the time that lists of ten bands need beside a host's shortest blocks.
+    static constexpr std::int32_t TakeOverLead = 4096;
+
     LinearPhaseEngine() = default;
     LinearPhaseEngine(const LinearPhaseEngine&) = delete;
     LinearPhaseEngine& operator=(const LinearPhaseEngine&) = delete;
@@ -36,7 +40,8 @@ public:
     void Prepare(std::int32_t channels);
     /// Silence, with the latency of 32768 samples ahead. The filters stay.
     void Reset();
-    /// 0 to SectionList::Capacity sections. Between two blocks, under the owner's lock. Never allocates.
+    /// 0 to SectionList::Capacity sections; in force at once while no sample was processed since a Reset.
+    /// Between two blocks, under the owner's lock. Never allocates.
     void SetFilters(const MAudioFilters::Filter<double>* sections, std::int32_t count);
     /// Off, the frames still fade, but nothing is filtered.
     void SetEnabled(bool filtered);
@@ -56,6 +61,7 @@ private:
 
     bool IsCurrent(Stamp stamp) const { return stamp == current || stamp == Silent; }
     void TakeList();
+    void SettleBeforeStart();
     void Step(const float* const* inputs, float* const* outputs, std::int32_t offset, std::int32_t frames);
     void CompleteHop();
     void BeginHop(std::int32_t slot);
@@ -63,6 +69,8 @@ private:
 
     void Work(std::int32_t frames, bool produced);
     std::int64_t WorkOnce();
+    std::int64_t CatchUpCost() const;
+    std::int64_t ChunkCost() const;
     std::int64_t RunPendingChunk(std::int32_t slot, bool wholeFirstHalf);
     void RunPendingForHop(std::int32_t slot);
 
@@ -79,7 +87,7 @@ private:
     SectionList latched;   // of the hop that comes out, and of the frame that its last hop completed
     SectionList previous;   // of the frame before
     bool enabled = true;
-    bool changed = false;   // since the last block
+    bool catchingUp = false;   // with a list that was just taken over
     bool started = false;
     Stamp current = FirstList;   // of `active`
     ChunkTransition transition;

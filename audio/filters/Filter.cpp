@@ -5,6 +5,7 @@
 #include <type_traits>
 
 #include "audio/filters/FilterMagnitudes.h"
+#include "audio/filters/HighBandDesign.h"
 
 namespace MAudioFilters
 {
@@ -36,7 +37,7 @@ Quotient HighShelfQuotient(double A, double c, double s)
 }
 
 /// c = cos w, s = sin w / (2 Q), A the square root of the linear gain.
-Quotient Design(std::int32_t type, double A, double c, double s)
+Quotient QuotientOf(std::int32_t type, double A, double c, double s)
 {
     switch (type)
     {
@@ -107,6 +108,28 @@ bool SetFirstOrder(Filter<double>& section, double w)
     ++section.generation;
     return true;
 }
+
+void SetHighBand(Filter<double>& section)
+{
+    const SectionCoefficients taps =
+        DesignHighBand(section.type, section.gain, section.frequency, section.sampleRate, section.q);
+    ++section.generation;
+    section.b0 = taps.b0 + CoefficientGuard;
+    section.b1 = taps.b1 + CoefficientGuard;
+    section.b2 = taps.b2 + CoefficientGuard;
+    section.a1 = taps.a1 + CoefficientGuard;
+    section.a2 = taps.a2 + CoefficientGuard;
+}
+
+/// Whether both poles lie inside the unit circle, and all is finite.
+template <typename T>
+bool IsStable(const Filter<T>& section)
+{
+    const auto a1 = static_cast<double>(section.a1);
+    const auto a2 = static_cast<double>(section.a2);
+    return std::isfinite(section.b0) && std::isfinite(section.b1) && std::isfinite(section.b2) &&
+           std::fabs(a2) < 1.0 && std::fabs(a1) < 1.0 - a2;
+}
 }   // namespace
 
 template <typename T>
@@ -116,11 +139,30 @@ void Filter<T>::Set(std::int32_t newType, T newGain, T newFrequency, T newSample
     frequency = newFrequency;
     sampleRate = newSampleRate;
     q = newQ;
+    Design(newGain);
+    if (IsStable(*this))
+        return;
+    // Only numbers that are no frequency or no Q get here. What recursions make of them would be silence or
+    // worse; without the band the signal still passes.
+    b0 = 1;
+    b1 = b2 = a1 = a2 = 0;
+}
+
+template <typename T>
+void Filter<T>::Design(T newGain)
+{
     const double w = TwoPi * static_cast<double>(frequency) / static_cast<double>(sampleRate);
     if constexpr (std::is_same_v<T, double>)
     {
-        if (SetFirstOrder(*this, w))
+        const bool high = frequency > HighestBilinearShare * sampleRate;
+        if (!high && SetFirstOrder(*this, w))
             return;
+        if (high)
+        {
+            gain = newGain;
+            SetHighBand(*this);
+            return;
+        }
     }
     cosW = std::cos(w);
     alpha = std::sin(w) / (2.0 * static_cast<double>(q));
@@ -132,7 +174,7 @@ template <typename T>
 void Filter<T>::Update(double amplitude)
 {
     ++generation;
-    const Quotient quotient = Design(type, amplitude, cosW, alpha);
+    const Quotient quotient = QuotientOf(type, amplitude, cosW, alpha);
     const double n = 1.0 / quotient.A0;
     b0 = Guarded<T>(n * quotient.B0);
     b1 = Guarded<T>(n * quotient.B1);

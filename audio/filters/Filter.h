@@ -46,13 +46,20 @@ struct Filter
     T a1 = 0;
 
     /// Designs the section. gain in dB, frequencies in Hz. Filter<float> knows types 0 to 4 and 7 to 9.
-    /// Throws MException "Invalid filter type.". Source: R. Bristow-Johnson, Audio EQ Cookbook, with the
-    /// Q form of alpha for shelves too.
+    ///
+    /// Up to HighestBilinearShare of the sample rate by R. Bristow-Johnson, Audio EQ Cookbook, with the Q
+    /// form of alpha for shelves too; above, and beyond half the rate, see DesignHighBand (Filter<double>
+    /// only). Both poles lie inside the unit circle, whatever the arguments: a section that couldn't be
+    /// stable, for a frequency or a Q that isn't above 0, passes its input. Throws MException "Invalid filter
+    /// type.".
     void Set(std::int32_t type, T gain, T frequency, T sampleRate, T q);
     /// The second-order coefficients for amplitude factor A = 10^(gain / 40), from cosW, alpha and type.
     void Update(double amplitude);
     /// Linear magnitude at a frequency in Hz.
     double Magnitude(double frequency) const;
+
+private:
+    void Design(T newGain);
 };
 
 extern template struct Filter<double>;

@@ -43,10 +43,21 @@ inline double DotAt(const float* wanted, const FilterCandidate& candidate, int s
     return shape[1023] * tail + overlap;
 }
 
-inline FitChoice Exhaustive(const FilterDictionary& dictionary, const float* wanted,
+// The curve with what is not judged as zeros.
+inline std::vector<float> Judged(const FilterDictionary& dictionary, const float* curve)
+{
+    std::vector<float> judged(1024);
+    std::copy_n(curve, dictionary.JudgedCount(), judged.begin());
+    return judged;
+}
+
+inline FitChoice Exhaustive(const FilterDictionary& dictionary, const float* curve,
                             const FitSelection& selection)
 {
     FitChoice best;
+    const std::vector<float> judged = Judged(dictionary, curve);
+    const float* wanted = judged.data();
+    const int count = dictionary.JudgedCount();
     const double wantedEnergy = Dot(wanted, wanted, 1024);
     for (const FilterCandidate& candidate : dictionary.Candidates())
     {
@@ -58,7 +69,7 @@ inline FitChoice Exhaustive(const FilterDictionary& dictionary, const float* wan
             return value * value;
         };
         double energy = candidate.maxShift * square(0);
-        for (int i = 0; i <= 1023 - candidate.maxShift; ++i)
+        for (int i = 0; i < count - candidate.maxShift; ++i)
             energy += square(i);
         for (int shift = -candidate.maxShift; shift < 512; ++shift)
         {
@@ -67,7 +78,7 @@ inline FitChoice Exhaustive(const FilterDictionary& dictionary, const float* wan
             const double error = gain * gain * energy - 2.0 * gain * dot + wantedEnergy;
             if (error < best.error)
                 best = { &candidate, error, gain, 512 - shift };
-            energy += square(std::min(shift + 1024, 1023));
+            energy += square(std::min(shift + count, 1023));
             energy -= square(std::max(shift, 0));
         }
     }
@@ -75,10 +86,12 @@ inline FitChoice Exhaustive(const FilterDictionary& dictionary, const float* wan
 }
 
 // The convolution in double by its sum instead of by transforms.
-inline FitChoice Convolving(const FilterDictionary& dictionary, const float* wanted,
+inline FitChoice Convolving(const FilterDictionary& dictionary, const float* curve,
                             const FitSelection& selection)
 {
     FitChoice best;
+    const std::vector<float> judged = Judged(dictionary, curve);
+    const float* wanted = judged.data();
     const double wantedEnergy = Dot(wanted, wanted, 1024);
     std::vector<double> convolution(2048);
     for (const FilterCandidate& candidate : dictionary.Candidates())
@@ -96,7 +109,7 @@ inline FitChoice Convolving(const FilterDictionary& dictionary, const float* wan
         const int shift = 512 - position;
 
         double energy = 0;
-        for (int i = 0; i < 1024; ++i)
+        for (int i = 0; i < dictionary.JudgedCount(); ++i)
         {
             const double value = candidate.shape[static_cast<std::size_t>(std::clamp(i + shift, 0, 1023))];
             energy += value * value;

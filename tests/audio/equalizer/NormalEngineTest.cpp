@@ -102,8 +102,7 @@ TEST(NormalEngine, WhatIsNotFiniteIsTakenAsSilenceAndUnstableFiltersAreForgotten
     Channels channels(1, std::vector<float>(120000, 0.25f));
     channels[0][100] = std::numeric_limits<float>::quiet_NaN();
     channels[0][200] = std::numeric_limits<float>::infinity();
-    Filters unstable(1);
-    unstable[0].Set(MAudioFilters::Peak, 12.0, 30000.0, 48000.0, 1.0);
+    const Filters unstable = Unstable();
     Filters stable(1);
     stable[0].Set(MAudioFilters::HighShelf, 6.0, 5000.0, 48000.0, 0.7);
     NormalEngine engine;

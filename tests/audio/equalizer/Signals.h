@@ -47,6 +47,15 @@ inline Filters Sections(std::int32_t count, std::uint32_t seed)
     return sections;
 }
 
+/// What no design gives, but a fault might: poles outside the unit circle.
+inline Filters Unstable()
+{
+    Filters sections(1);
+    sections[0].Set(MAudioFilters::Peak, 12.0, 3000.0, 48000.0, 1.0);
+    sections[0].a2 = -1.3;
+    return sections;
+}
+
 inline float Peak(const std::vector<float>& samples)
 {
     float peak = 0.0f;

@@ -3,7 +3,9 @@
 
 #include <cmath>
 #include <complex>
+#include <limits>
 #include <numbers>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -100,6 +102,110 @@ TEST(Filter, EachTypeHasTheResponseOfItsName)
         EXPECT_NEAR(20.0 * std::log10(section.Magnitude(point.at)), measured, 1e-6);
     }
     EXPECT_LT(Designed(Notch, 0, 3000, 5).Magnitude(3000), 1e-12);
+}
+
+// Any band of a random state, harmonics included, at any rate there is.
+struct AnyBand
+{
+    std::int32_t type;
+    double gainDb, frequency, sampleRate, q;
+};
+
+AnyBand RandomBand(std::mt19937& random)
+{
+    constexpr double rates[] = { 8000,  11025, 16000, 22050, 24000,  32000,
+                                 44100, 48000, 88200, 96000, 192000, 384000 };
+    std::uniform_real_distribution<double> share(0.0, 1.0);
+    AnyBand band;
+    band.type = std::uniform_int_distribution<std::int32_t>(0, MAudioFilters::FilterTypeCount - 1)(random);
+    const bool isShelf = band.type == MAudioFilters::LowShelf || band.type == MAudioFilters::HighShelf;
+    band.gainDb = (isShelf ? 12.0 : 24.0) * (2.0 * share(random) - 1.0);   // shelves run twice
+    band.frequency = 20.0 * std::pow(1000.0, share(random)) * (share(random) < 0.2 ? 16.0 : 1.0);
+    band.sampleRate = rates[random() % std::size(rates)];
+    band.q = 0.05 * std::pow(400.0, share(random));   // 0.05 to 20, as harmonics have it
+    return band;
+}
+
+TEST(Filter, EveryBandIsStableAtEveryRateAndSoundsBelowItsTopAsAt96kHz)
+{
+    constexpr unsigned seed = 71;
+    std::mt19937 random(seed);
+    for (int turn = 0; turn < 30000; ++turn)
+    {
+        const AnyBand band = RandomBand(random);
+        SCOPED_TRACE(::testing::Message()
+                     << "seed " << seed << ", type " << band.type << ", " << band.gainDb << " dB, "
+                     << band.frequency << " Hz of " << band.sampleRate << ", Q " << band.q);
+        Filter<double> section;
+        section.Set(band.type, band.gainDb, band.frequency, band.sampleRate, band.q);
+        ASSERT_LT(std::abs(section.a2), 1.0);
+        ASSERT_LT(std::abs(section.a1), 1.0 - section.a2);
+        ASSERT_EQ(section.generation, 1);
+        // A resonant shelf rises above its gain by some Q; more in all would be a fault.
+        const double highest = std::max(1.0, band.q) * 4.0 * std::pow(10.0, std::abs(band.gainDb) / 20.0);
+        const bool isShelf = band.type == MAudioFilters::LowShelf || band.type == MAudioFilters::HighShelf;
+        const bool isAllPass = band.type >= MAudioFilters::AllPass;
+        Filter<double> usual;
+        usual.Set(band.type, band.gainDb, band.frequency, 96000.0, band.q);
+        const double usable = std::min(0.43 * band.sampleRate, 20000.0);
+        for (double hertz = 20.0; hertz < 0.5 * band.sampleRate; hertz *= 1.13)
+        {
+            const double magnitude = section.Magnitude(hertz);
+            ASSERT_LT(magnitude, highest) << hertz << " Hz";
+            // Below, the formulas of the literature bend as they do; a resonance is a matter of a few Hz.
+            if (band.frequency < 0.47 * band.sampleRate || band.frequency > 20000.0 ||
+                (isShelf && band.q > 1.3) || isAllPass || hertz >= usable)
+                continue;
+            const auto level = [](double linear)
+            {
+                return std::max(20.0 * std::log10(linear), -40.0);   // nobody hears what is below
+            };
+            ASSERT_NEAR(level(magnitude), level(usual.Magnitude(hertz)), 6.0) << hertz << " Hz";
+        }
+    }
+}
+
+TEST(Filter, ABandMovesAcrossTheTopOfItsRangeInSmallSteps)
+{
+    for (std::int32_t type = 0; type < MAudioFilters::Notch; ++type)
+        for (const double q : { 0.3, 0.7, 2.0 })
+        {
+            Filter<double> previous;
+            previous.Set(type, 6.0, 12000.0, 32000.0, q);
+            for (double frequency = 12000.0; frequency < 20000.0; frequency *= 1.0005)
+            {
+                Filter<double> section;
+                section.Set(type, 6.0, frequency, 32000.0, q);
+                for (const double hertz : { 100.0, 1000.0, 4000.0, 8000.0, 12000.0 })
+                    ASSERT_NEAR(std::max(section.Magnitude(hertz), 0.1),
+                                std::max(previous.Magnitude(hertz), 0.1), 0.2)
+                        << "type " << type << ", Q " << q << ", " << frequency << " Hz, at " << hertz;
+                previous = section;
+            }
+        }
+}
+
+TEST(Filter, WhatIsNoFrequencyAndNoQPassesTheInput)
+{
+    constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+    constexpr double infinite = std::numeric_limits<double>::infinity();
+    for (std::int32_t type = 0; type < MAudioFilters::FilterTypeCount; ++type)
+        for (const AnyBand& bad : { AnyBand{ type, notANumber, 1000, 48000, 1 },
+                                    { type, 3, notANumber, 48000, 1 },
+                                    { type, 3, 0, 48000, 1 },
+                                    { type, 3, -100, 48000, 1 },
+                                    { type, 3, infinite, 48000, 1 },
+                                    { type, 3, 1000, 0, 1 },
+                                    { type, 3, 1000, 48000, 0 },
+                                    { type, 3, 1000, 48000, -1 },
+                                    { type, 3, 1000, 48000, notANumber } })
+        {
+            Filter<double> section;
+            section.Set(type, bad.gainDb, bad.frequency, bad.sampleRate, bad.q);
+            EXPECT_LT(std::abs(section.a2), 1.0) << type;
+            EXPECT_LT(std::abs(section.a1), 1.0 - section.a2) << type;
+            EXPECT_TRUE(std::isfinite(section.b0 + section.b1 + section.b2)) << type;
+        }
 }
 
 TEST(Filter, FloatSectionsAreTheDoubleOnesRounded)
