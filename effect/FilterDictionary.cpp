@@ -123,6 +123,7 @@ void FilterDictionary::AddCandidate(std::int32_t type, double q)
         squares += static_cast<double>(value) * value;
     }
     candidate.norm = std::sqrt(squares);
+    candidate.highest = *std::max_element(shape.begin(), shape.end());
 
     candidate.spectrum.fill(0.0f);
     for (std::size_t i = 0; i < shape.size(); ++i)

@@ -27,11 +27,6 @@ inline double SquaredError(double gain, double energy, double dot, double wanted
     return gain * gain * energy - 2.0 * gain * dot + wantedEnergy;
 }
 
-inline double LowestMultiplier(const FilterCandidate& candidate)
-{
-    return candidate.hasGain ? -1.0 : 1.0;
-}
-
 // Product of two packed spectra: two real bins, then complex ones.
 void MultiplyPacked(const float* a, const float* b, float* dst)
 {
@@ -95,10 +90,10 @@ double FilterSearch::Dot(const FilterCandidate& candidate, std::int32_t shift) c
 
 // Evaluates one shift by the definition and keeps it if it is better than all before it.
 void FilterSearch::Offer(const FilterCandidate& candidate, std::int32_t shift, double energy,
-                         FitChoice& best) const
+                         double lowestMultiplier, FitChoice& best) const
 {
     const double dot = Dot(candidate, shift);
-    const double gain = Multiplier(dot, energy, LowestMultiplier(candidate));
+    const double gain = Multiplier(dot, energy, lowestMultiplier);
     const double error = SquaredError(gain, energy, dot, wantedEnergy);
     if (error < best.error)
         best = { &candidate, error, gain, FitGrid::CentreIndex - shift };
@@ -113,7 +108,8 @@ FitChoice FilterSearch::Exhaustive(const float* curve, const FitSelection& selec
     const double bound = CollectSurvivors(selection);
     for (const Survivor& survivor : survivors)
         if (survivor.lowestError <= bound && survivor.lowestError < best.error)
-            Offer(*survivor.candidate, survivor.shift, survivor.candidate->EnergyAt(survivor.shift), best);
+            Offer(*survivor.candidate, survivor.shift, survivor.candidate->EnergyAt(survivor.shift),
+                  selection.LowestMultiplier(*survivor.candidate), best);
     return best;
 }
 
@@ -129,7 +125,7 @@ double FilterSearch::CollectSurvivors(const FitSelection& selection)
         if (!selection.Admits(candidate))
             continue;
         EstimateDots(candidate);
-        const double least = EstimateErrors(candidate);
+        const double least = EstimateErrors(candidate, selection.LowestMultiplier(candidate));
         const double margin = ErrorMargin(candidate);
         if (least - margin > bound)
             continue;
@@ -196,10 +192,9 @@ void FilterSearch::EstimateDots(const FilterCandidate& candidate)
 }
 
 // Fills `errors` from `dots` and answers the least.
-double FilterSearch::EstimateErrors(const FilterCandidate& candidate)
+double FilterSearch::EstimateErrors(const FilterCandidate& candidate, double lowest)
 {
     const std::int32_t count = candidate.maxShift + FilterCandidate::ShiftEnd;
-    const double lowest = LowestMultiplier(candidate);
     const double* energy = candidate.energy.data();
     const double* dot = dots.data();
     double* out = errors.data();
@@ -242,7 +237,8 @@ FitChoice FilterSearch::Convolving(const float* curve, const FitSelection& selec
         const float* overlap = shape + std::max(shift, 0);
         const double end = shift > 0 ? shape[N - 1] : shape[0];
         const std::int32_t beyond = std::abs(shift);
-        Offer(candidate, shift, FitDot(overlap, overlap, N - beyond) + beyond * (end * end), best);
+        Offer(candidate, shift, FitDot(overlap, overlap, N - beyond) + beyond * (end * end),
+              selection.LowestMultiplier(candidate), best);
     }
     return best;
 }

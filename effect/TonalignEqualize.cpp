@@ -11,6 +11,9 @@
 namespace
 {
 constexpr double maximalQ = 20;
+// What "never amplify" lets pass: that a band is kept with 32-bit numbers changes it by less than the rest to
+// 0.05 dB.
+constexpr double highestOfCutsDb = 0.03;
 
 // What a damaged state may hold instead of levels.
 bool IsFinite(const AnalysisArray& analysis)
@@ -74,7 +77,8 @@ TonalignAudioEffectPlugin::EqualizeResult TonalignAudioEffectPlugin::Equalize(bo
     wanted.Transform(settings.autoEqEnvelope);
     std::vector<FittedFilter> fitted;
     fitter.Fit(wanted.Values().data(), sampleRate, fitted, settings.maxAdaptionBars,
-               !settings.disablePassNotch, settings.adaptionAlgorithm, maximalQ);
+               !settings.disablePassNotch, settings.adaptionAlgorithm, maximalQ,
+               settings.neverAmplify ? highestOfCutsDb : ResponseCeiling::None);
     {
         // A short gap in the audio, so that the bands can change without the lock.
         const SuspendGuard suspended(*this);
