@@ -150,6 +150,7 @@ void FilterDictionary::AddCandidate(const FitResponse& shapes, std::int32_t type
         squares += static_cast<double>(value) * value;
     }
     candidate.norm = std::sqrt(squares);
+    candidate.highest = *std::max_element(shape.begin(), shape.end());
 
     candidate.spectrum.fill(0.0f);
     for (std::size_t i = 0; i < shape.size(); ++i)

@@ -60,6 +60,7 @@ struct FilterCandidate
     std::int32_t judgedCount = FitGrid::Count;   ///< the points, from the first one on, that errors see
     double absoluteSum = 0;   ///< sum of |shape|
     double norm = 0;   ///< root of the sum of squares of shape
+    float highest = 0;   ///< largest value of shape
     double energyLimit = 0;   ///< no |energy| is above it
     /// dB at the grid points: gain -24 dB for a type with gain, otherwise the response of two sections.
     std::array<float, FitGrid::Count> shape;

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "audio/filters/FilterTypes.h"
 #include "effect/FilterSearch.h"
 #include "foundation/text/MException.h"
 #include "foundation/text/Translate.h"
@@ -36,40 +37,91 @@ void FilterFitter::Prepare(double newSampleRate)
     dictionary = FilterDictionary::Shared(newSampleRate);
 }
 
+FittedFilter FilterFitter::FilterOf(const FitChoice& choice) const
+{
+    // The first shift of the exhaustive search stands one point above the grid.
+    const auto point = static_cast<std::size_t>(std::clamp(choice.position, 0, FitGrid::Count - 1));
+    return { .frequency = grid[point],
+             .gain = choice.candidate->hasGain ? GainOfShapeDb * choice.gain : 0.0,
+             .q = choice.candidate->q,
+             .type = choice.candidate->type };
+}
+
+void FilterFitter::Subtract(const FittedFilter& filter, float* wanted) const
+{
+    // The real response at the real frequency goes off the curve, so that later bands correct what a
+    // shifted shape misjudged.
+    std::array<double, FitGrid::Count> power;
+    dictionary->Response().Evaluate(filter.type, filter.gain, filter.frequency, filter.q, power.data());
+    const bool isTwoSections = !MAudioFilters::PropertiesOf(filter.type).hasGain;   // in a row
+    for (std::size_t i = 0; i < static_cast<std::size_t>(dictionary->JudgedCount()); ++i)
+    {
+        const auto responseDb = static_cast<float>(10.0 * std::log10(std::max(power[i], LowestPower)));
+        wanted[i] -= responseDb;
+        if (isTwoSections)
+            wanted[i] -= responseDb;
+    }
+}
+
+std::optional<FittedFilter> FilterFitter::BestUnder(const ResponseCeiling& ceiling, const float* wanted,
+                                                    const std::array<FittedFilter, 2>& proposals) const
+{
+    // Below this share of what is wanted a band isn't worth its place.
+    constexpr double leastGain = 1e-4;
+    const std::int32_t judged = dictionary->JudgedCount();
+    double least = (1 - leastGain) * FitDot(wanted, wanted, judged);
+    std::optional<FittedFilter> best;
+    for (const FittedFilter& proposal : proposals)
+    {
+        const FittedFilter fitting = ceiling.Fitting(proposal);
+        if (!ceiling.Admits(fitting))
+            continue;
+        std::array<float, FitGrid::Count> rest;
+        std::copy_n(wanted, rest.size(), rest.begin());
+        Subtract(fitting, rest.data());
+        const double error = FitDot(rest.data(), rest.data(), judged);
+        if (error < least)
+        {
+            least = error;
+            best = fitting;
+        }
+    }
+    return best;
+}
+
 void FilterFitter::Fit(float* wanted, double newSampleRate, std::vector<FittedFilter>& results,
-                       std::int32_t maxBands, bool allowPassNotch, MFAAlgorithm algorithm, double maxQ)
+                       std::int32_t maxBands, bool allowPassNotch, MFAAlgorithm algorithm, double maxQ,
+                       double ceilingDb)
 {
     Prepare(newSampleRate);
-    const FitSelection selection{ allowPassNotch, std::max(maxQ, LowestMaxQ) };
     FilterSearch search(*dictionary);
-    std::array<double, FitGrid::Count> power;
-    for (std::int32_t band = 0; band < maxBands; ++band)
+    ResponseCeiling ceiling(newSampleRate, ceilingDb);
+    const auto find = [&](bool cutsOnly)
     {
+        const FitSelection selection{ allowPassNotch, std::max(maxQ, LowestMaxQ), cutsOnly };
         const FitChoice choice = algorithm == MFAOptimized ? search.Convolving(wanted, selection)
                                                            : search.Exhaustive(wanted, selection);
         if (choice.candidate == nullptr)
             throw MException(Translate("Invalid source data. Please perform analyzation."));
-
-        // The first shift of the exhaustive search stands one point above the grid.
-        const auto point = static_cast<std::size_t>(std::clamp(choice.position, 0, FitGrid::Count - 1));
-        FittedFilter filter;
-        filter.frequency = grid[point];
-        filter.type = choice.candidate->type;
-        filter.q = choice.candidate->q;
-        filter.gain = choice.candidate->hasGain ? GainOfShapeDb * choice.gain : 0.0;
-        results.push_back(filter);
-        if (band + 1 == maxBands)
-            return;
-
-        // The real response at the real frequency goes off the curve, so that later bands correct what a
-        // shifted shape misjudged.
-        dictionary->Response().Evaluate(filter.type, filter.gain, filter.frequency, filter.q, power.data());
-        for (std::size_t i = 0; i < static_cast<std::size_t>(dictionary->JudgedCount()); ++i)
+        return FilterOf(choice);
+    };
+    for (std::int32_t band = 0; band < maxBands; ++band)
+    {
+        FittedFilter filter = find(false);
+        if (ceilingDb < ResponseCeiling::None)
         {
-            const auto responseDb = static_cast<float>(10.0 * std::log10(std::max(power[i], LowestPower)));
-            wanted[i] -= responseDb;
-            if (!choice.candidate->hasGain)
-                wanted[i] -= responseDb;   // runs as two sections in a row
+            // As much of it as fits, or the best cut, whichever leaves less to be wanted.
+            if (!ceiling.Admits(filter))
+            {
+                const std::optional<FittedFilter> other = BestUnder(ceiling, wanted, { filter, find(true) });
+                if (!other)
+                    return;
+                filter = *other;
+            }
+            ceiling.Add(filter);
         }
+        results.push_back(filter);
+        if (band + 1 < maxBands)
+            Subtract(filter, wanted);
     }
 }

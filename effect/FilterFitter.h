@@ -4,9 +4,13 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "effect/FilterDictionary.h"
+#include "effect/ResponseCeiling.h"
+
+struct FitChoice;
 
 /// How the fitter searches.
 enum MFAAlgorithm : std::int32_t
@@ -48,12 +52,22 @@ public:
     /// band
     /// @param allowPassNotch  also types without gain, which are used at their full shape
     /// @param maxQ            shapes of a higher Q stay out; raised to 0.1
+    /// @param ceilingDb       the sum of the bands stays below it at every frequency; then there may be fewer
+    ///                        bands, because none is left that helps
     /// Throws MException "Invalid source data. Please perform analyzation." when no shape has a finite
     /// error; bands of earlier rounds then stay in `results`.
     void Fit(float* wanted, double newSampleRate, std::vector<FittedFilter>& results, std::int32_t maxBands,
-             bool allowPassNotch, MFAAlgorithm algorithm, double maxQ);
+             bool allowPassNotch, MFAAlgorithm algorithm, double maxQ,
+             double ceilingDb = ResponseCeiling::None);
 
 private:
+    FittedFilter FilterOf(const FitChoice& choice) const;
+    void Subtract(const FittedFilter& filter, float* wanted) const;
+    /// Of the proposals, as much as the ceiling leaves of each, the one that leaves least to be wanted.
+    /// Nothing where none helps.
+    std::optional<FittedFilter> BestUnder(const ResponseCeiling& ceiling, const float* wanted,
+                                          const std::array<FittedFilter, 2>& proposals) const;
+
     std::array<float, FitGrid::Count> grid{};
     std::int32_t gridCount = 0;
     double gridMinHz = 0;

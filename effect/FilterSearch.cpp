@@ -27,11 +27,6 @@ inline double SquaredError(double gain, double energy, double dot, double wanted
     return gain * gain * energy - 2.0 * gain * dot + wantedEnergy;
 }
 
-inline double LowestMultiplier(const FilterCandidate& candidate)
-{
-    return candidate.hasGain ? -1.0 : 1.0;
-}
-
 // Product of two packed spectra: two real bins, then complex ones.
 void MultiplyPacked(const float* a, const float* b, float* dst)
 {
@@ -108,10 +103,10 @@ double FilterSearch::Energy(const FilterCandidate& candidate, std::int32_t shift
 
 // Evaluates one shift by the definition and keeps it if it is better than all before it.
 void FilterSearch::Offer(const FilterCandidate& candidate, std::int32_t shift, double energy,
-                         FitChoice& best) const
+                         double lowestMultiplier, FitChoice& best) const
 {
     const double dot = Dot(candidate, shift);
-    const double gain = Multiplier(dot, energy, LowestMultiplier(candidate));
+    const double gain = Multiplier(dot, energy, lowestMultiplier);
     const double error = SquaredError(gain, energy, dot, wantedEnergy);
     if (error < best.error)
         best = { &candidate, error, gain, FitGrid::CentreIndex - shift };
@@ -126,7 +121,8 @@ FitChoice FilterSearch::Exhaustive(const float* curve, const FitSelection& selec
     const double bound = CollectSurvivors(selection);
     for (const Survivor& survivor : survivors)
         if (survivor.lowestError <= bound && survivor.lowestError < best.error)
-            Offer(*survivor.candidate, survivor.shift, survivor.candidate->EnergyAt(survivor.shift), best);
+            Offer(*survivor.candidate, survivor.shift, survivor.candidate->EnergyAt(survivor.shift),
+                  selection.LowestMultiplier(*survivor.candidate), best);
     return best;
 }
 
@@ -142,7 +138,7 @@ double FilterSearch::CollectSurvivors(const FitSelection& selection)
         if (!selection.Admits(candidate))
             continue;
         EstimateDots(candidate);
-        const double least = EstimateErrors(candidate);
+        const double least = EstimateErrors(candidate, selection.LowestMultiplier(candidate));
         const double margin = ErrorMargin(candidate);
         if (least - margin > bound)
             continue;
@@ -209,10 +205,9 @@ void FilterSearch::EstimateDots(const FilterCandidate& candidate)
 }
 
 // Fills `errors` from `dots` and answers the least.
-double FilterSearch::EstimateErrors(const FilterCandidate& candidate)
+double FilterSearch::EstimateErrors(const FilterCandidate& candidate, double lowest)
 {
     const std::int32_t count = candidate.maxShift + FilterCandidate::ShiftEnd;
-    const double lowest = LowestMultiplier(candidate);
     const double* energy = candidate.energy.data();
     const double* dot = dots.data();
     double* out = errors.data();
@@ -251,7 +246,7 @@ FitChoice FilterSearch::Convolving(const float* curve, const FitSelection& selec
         if (!selection.Admits(candidate))
             continue;
         const std::int32_t shift = ConvolutionShift(candidate);
-        Offer(candidate, shift, Energy(candidate, shift), best);
+        Offer(candidate, shift, Energy(candidate, shift), selection.LowestMultiplier(candidate), best);
     }
     return best;
 }

@@ -26,20 +26,33 @@ struct FitSelection
 {
     bool allowPassNotch = true;
     double maxQ = 20.0;
+    bool cutsOnly = false;   ///< a type with gain only lowers; of the others those that rise nowhere
 
     bool Admits(const FilterCandidate& candidate) const
     {
-        return candidate.q <= maxQ + 1e-50 && (allowPassNotch || candidate.hasGain);
+        return candidate.q <= maxQ + 1e-50 && (allowPassNotch || candidate.hasGain) &&
+               (!cutsOnly || candidate.highest < HighestOfCut);
     }
+    /// The least multiplier of a shape: the shapes with gain are cuts, so that a negative one raises.
+    double LowestMultiplier(const FilterCandidate& candidate) const
+    {
+        if (!candidate.hasGain)
+            return 1.0;
+        return cutsOnly ? 0.0 : -1.0;
+    }
+
+    /// dB. Steep shelves and resonant low-passes rise beside their slope. Chosen: cuts that pass add up to
+    /// 0.01 dB at most.
+    static constexpr float HighestOfCut = 0.001f;
 };
 
 /// One round of the pursuit: the best shape, shift and gain for a wanted curve.
 ///
 /// What lies above FitGrid::UsableCount doesn't count: neither the curve nor the shapes. At a shift s, point
 /// i of the curve sees shape[clamp(i + s, 0, 1023)]. With D the sum of wanted x shifted shape, E the shifted
-/// shape's energy and W the curve's, the best multiplier g is D / E limited to -1..1 (a type with gain) or
-/// just 1, and the squared error g^2 E - 2 g D + W. The least error wins; of equal ones the earlier shape in
-/// the dictionary and then the lower shift.
+/// shape's energy and W the curve's, the best multiplier g is D / E limited to -1..1 (a type with gain; 0..1
+/// where only cuts are asked for) or just 1, and the squared error g^2 E - 2 g D + W. The least error wins;
+/// of equal ones the earlier shape in the dictionary and then the lower shift.
 ///
 /// Keeps its scratch from round to round. Thread: one at a time.
 class FilterSearch
@@ -79,9 +92,10 @@ private:
     std::int32_t ConvolutionShift(const FilterCandidate& candidate);
     double Dot(const FilterCandidate& candidate, std::int32_t shift) const;
     static double Energy(const FilterCandidate& candidate, std::int32_t shift);
-    void Offer(const FilterCandidate& candidate, std::int32_t shift, double energy, FitChoice& best) const;
+    void Offer(const FilterCandidate& candidate, std::int32_t shift, double energy, double lowestMultiplier,
+               FitChoice& best) const;
     void EstimateDots(const FilterCandidate& candidate);
-    double EstimateErrors(const FilterCandidate& candidate);
+    double EstimateErrors(const FilterCandidate& candidate, double lowestMultiplier);
     double ErrorMargin(const FilterCandidate& candidate) const;
     double CollectSurvivors(const FitSelection& selection);
 

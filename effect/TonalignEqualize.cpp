@@ -11,6 +11,9 @@
 namespace
 {
 constexpr double maximalQ = 20;
+// What "never amplify" lets pass: that a band is kept with 32-bit numbers changes it by less than the rest to
+// 0.05 dB.
+constexpr double highestOfCutsDb = 0.03;
 
 // What a damaged state may hold instead of levels.
 bool IsFinite(const AnalysisArray& analysis)
@@ -85,7 +88,8 @@ TonalignAudioEffectPlugin::EqualizeResult TonalignAudioEffectPlugin::Equalize(bo
     wanted.Transform(input.settings.autoEqEnvelope);
     std::vector<FittedFilter> fitted;
     fitter.Fit(wanted.Values().data(), sampleRate, fitted, input.settings.maxAdaptionBars,
-               !input.settings.disablePassNotch, input.settings.adaptionAlgorithm, maximalQ);
+               !input.settings.disablePassNotch, input.settings.adaptionAlgorithm, maximalQ,
+               input.settings.neverAmplify ? highestOfCutsDb : ResponseCeiling::None);
     {
         // A short gap in the audio, so that the bands can change without the lock.
         const SuspendGuard suspended(*this);
