@@ -3,6 +3,7 @@
 
 #include <bit>
 
+#include "foundation/module/MModule.h"
 #include "state/tree/MAttribute.h"
 #include "state/tree/XML.h"
 
@@ -26,6 +27,12 @@ AnalysisArray ReadAnalysis(const MAttribute& node)
     if (node.Text().Length() == 2 * imageSize)
         node.GetBinary(analysis.data(), imageSize, false);
     return analysis;
+}
+
+MString AnalysisFolder()
+{
+    const MString productName = MModule::Main() != nullptr ? MModule::Main()->productName : MString();
+    return MModule::GetDataPath(productName + "/Comparisons");
 }
 
 void SaveAnalysisFile(const MString& path, const AnalysisArray& analysis)

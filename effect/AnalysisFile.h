@@ -18,6 +18,10 @@ AnalysisArray ReadAnalysis(const MAttribute& node);
 /// A saved analysis, ".TonalignComparison": XML with the one element "TonalignSourceAnalysis", in a zlib
 /// stream. A reader takes the XML without the stream as well.
 inline constexpr const char* AnalysisFileExtension = "TonalignComparison";
+/// What a file dialog calls them.
+inline constexpr const char* AnalysisFileTypeName = "Source analysis files";
+/// Where dialogs start: a folder in the module's data folder, created when missing. Throws MException.
+MString AnalysisFolder();
 /// Throws MException; an old file stays as it was then.
 void SaveAnalysisFile(const MString& path, const AnalysisArray& analysis);
 /// Throws MException for what is neither a zlib stream nor XML.

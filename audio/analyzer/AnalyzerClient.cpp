@@ -1,35 +1,29 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "audio/analyzer/AnalyzerClient.h"
 
-#include <algorithm>
-
-#include "foundation/text/MException.h"
-
-AnalyzerClient::Listener::~Listener()
+AnalyzerClient::Registration::Registration(AnalyzerClient& heard, Listener& called)
+    : client(&heard), listener(called)
 {
-    while (!clients.empty())
-        clients.back()->RemoveListener(*this);
+    const MSynchronizerGuard guard(heard);
+    heard.registrations.push_back(this);
+}
+
+AnalyzerClient::Registration::~Registration()
+{
+    if (client == nullptr)
+        return;
+    const MSynchronizerGuard guard(*client);
+    std::erase(client->registrations, this);
 }
 
 AnalyzerClient::~AnalyzerClient()
 {
-    for (Listener* listener : listeners)
-        std::erase(listener->clients, this);
+    for (Registration* registration : registrations)
+        registration->client = nullptr;
 }
 
-void AnalyzerClient::AddListener(Listener& listener)
+void AnalyzerClient::TellListeners()
 {
-    const MSynchronizerGuard guard(*this);
-    listeners.push_back(&listener);
-    listener.clients.push_back(this);
-}
-
-void AnalyzerClient::RemoveListener(Listener& listener)
-{
-    const MSynchronizerGuard guard(*this);
-    const auto found = std::find(listeners.begin(), listeners.end(), &listener);
-    if (found == listeners.end())
-        throw MException("Index out of range.");
-    listeners.erase(found);
-    listener.clients.erase(std::find(listener.clients.begin(), listener.clients.end(), this));
+    for (Registration* registration : registrations)
+        registration->listener.OnFrame(*this);
 }

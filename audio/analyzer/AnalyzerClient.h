@@ -49,28 +49,37 @@ struct AnalyzerClientParameters
 class AnalyzerClient : public MLock
 {
 public:
-    /// Hears of each finished frame of level 0, on the thread that feeds, with the client's lock held. Leaves
-    /// all its clients on destruction.
+    /// Hears of each finished frame of level 0, on the thread that feeds, with the client's lock held.
     class Listener
     {
     public:
-        Listener() = default;
-        Listener(const Listener&) = delete;
-        Listener& operator=(const Listener&) = delete;
-        virtual ~Listener();
         virtual void OnFrame(AnalyzerClient& client) = 0;
+
+    protected:
+        ~Listener() = default;
+    };
+
+    /// Has a listener called for as long as it lives; it may outlive the client. A listener keeps it as its
+    /// last member: then a frame that ends meanwhile finds all of the listener still there.
+    class Registration
+    {
+    public:
+        Registration(AnalyzerClient& heard, Listener& called);
+        ~Registration();
+        Registration(const Registration&) = delete;
+        Registration& operator=(const Registration&) = delete;
 
     private:
         friend class AnalyzerClient;
-        std::vector<AnalyzerClient*> clients;
+        AnalyzerClient* client;
+        Listener& listener;
     };
 
     AnalyzerClient() = default;
     ~AnalyzerClient() override;
 
-    void AddListener(Listener& listener);
-    /// Throws MException "Index out of range." for one that isn't there.
-    void RemoveListener(Listener& listener);
+    /// Calls all listeners. Under the lock.
+    void TellListeners();
 
     double averageLength = 0;
     std::int32_t keep = 0;   // samples that stay in a frame for the next one
@@ -78,8 +87,10 @@ public:
     bool logarithmic = true;
     std::int32_t frameSize = 0;   // that the levels are made for; 0 before the first configuration
     std::array<AnalyzerLevel, AnalyzerLevelCount> levels;
-    std::vector<Listener*> listeners;
     DecimatorRunner inputDecimator;
     std::vector<float> readSpectrum;   // scratch of whoever reads, frameSize / 2 each
     std::vector<float> readScratch;
+
+private:
+    std::vector<Registration*> registrations;
 };

@@ -244,8 +244,7 @@ void MSpectralAnalyzerT<float, 1024>::ProcessFrame(AnalyzerClient& client, std::
     MVector::Move(level.frame.data() + fftSize - client.keep, level.frame.data(), client.keep);
     level.position = client.keep;
     if (levelIndex == 0)
-        for (AnalyzerClient::Listener* listener : client.listeners)
-            listener->OnFrame(client);
+        client.TellListeners();
 }
 
 // The new samples of a full frame go down one level at half the rate.

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "hosts/module/CreateInstance.h"
 
+#include "effect/AnalysisFile.h"
 #include "effect/TonalignInterface.h"
 #include "foundation/module/Configuration.h"
+#include "foundation/text/Boundary.h"
 #include "resources/RegisterResources.h"
 
 std::unique_ptr<MQuorvaneAudioEffectPlugin> CreateInstance(StartingSettings starting)
@@ -14,6 +16,8 @@ std::unique_ptr<MQuorvaneAudioEffectPlugin> CreateInstance(StartingSettings star
     {
         plugin->SetSurround(ReadPluginConfiguration().surround != 0);
         plugin->LoadDefaultSettings();
+        // A disk that takes nothing is no reason to go without the plug-in.
+        AtBoundary("MAudioPlugin::Initialize", [] { AnalysisFolder(); });
     }
     return plugin;
 }

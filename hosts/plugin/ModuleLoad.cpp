@@ -27,14 +27,17 @@ Holds& AllHolds()
 
 bool Hold() noexcept
 {
-    return AtBoundary("MLibraryDLLInitialize", false,
-                      []
-                      {
-                          Holds& holds = AllHolds();
-                          const std::lock_guard guard(holds.mutex);
-                          holds.uses.push_back(std::make_unique<ModuleUse>());
-                          return true;
-                      });
+    const bool held = AtBoundary("MLibraryDLLInitialize", false,
+                                 []
+                                 {
+                                     Holds& holds = AllHolds();
+                                     const std::lock_guard guard(holds.mutex);
+                                     holds.uses.push_back(std::make_unique<ModuleUse>());
+                                     return true;
+                                 });
+    if (!held)
+        LogLine("Fatal exception occured. Please contact the developer.");
+    return held;
 }
 
 bool Release() noexcept

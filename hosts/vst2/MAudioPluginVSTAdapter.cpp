@@ -492,13 +492,17 @@ void MAudioPluginVSTAdapter::ReportLatency()
 
 AEffect* CreateEffect(HostCallback host) noexcept
 {
-    return AtBoundary("VSTPluginMain", static_cast<AEffect*>(nullptr),
-                      [host]() -> AEffect*
-                      {
-                          if (host == nullptr || host(nullptr, HostOpcode::Version, 0, 0, nullptr, 0) == 0)
-                              return nullptr;
-                          auto adapter = std::make_unique<MAudioPluginVSTAdapter>(host, CreateInstance());
-                          return adapter.release()->Effect();
-                      });
+    if (host == nullptr || host(nullptr, HostOpcode::Version, 0, 0, nullptr, 0) == 0)
+        return nullptr;
+    AEffect* made = AtBoundary("VSTPluginMain", static_cast<AEffect*>(nullptr),
+                               [host]() -> AEffect*
+                               {
+                                   auto adapter =
+                                       std::make_unique<MAudioPluginVSTAdapter>(host, CreateInstance());
+                                   return adapter.release()->Effect();
+                               });
+    if (made == nullptr)
+        LogLine("Error creating Vst plugin object.");
+    return made;
 }
 }   // namespace Vst2

@@ -15,16 +15,19 @@ class MAudioEffectPlugin : public MPlugin
 public:
     std::int64_t Dispatch(std::int64_t command, MPluginArgument* arguments) override;
 
-    /// Prepares for a channel count and a sample rate in Hz. Main thread; may allocate.
+    /// Prepares for a channel count and a sample rate in Hz, and forgets all audio. May allocate. Thread:
+    /// main.
     virtual std::int64_t InitProcessing(std::int32_t channelCount, double newSampleRate) = 0;
+    /// Thread: GUI.
     virtual void InitProcessingGUI() {}
-    /// One block: an input and an output array for each of `channelGroups` channels. Audio thread.
+    /// One block: an input and an output array for each of `channelGroups` channels. Never allocates. Thread:
+    /// audio.
     virtual void Process(const MProcessContext& context, float** inputs, float** outputs,
                          std::int32_t sampleCount) = 0;
-    /// A slow tick of the user interface, only while an editor exists.
+    /// A slow tick of the user interface, only while an editor exists. Thread: GUI.
     virtual void ProcessUpdate() {}
     virtual std::int32_t GetChannelRatio() { return 1; }
-    /// Samples by which the output lags the input now.
+    /// Samples by which the output lags the input now. Thread: any, as of all that follow.
     virtual std::int32_t GetLatency() { return 0; }
     /// Samples that still come out after the input has ended.
     virtual std::int32_t GetTailSize() { return 0; }
