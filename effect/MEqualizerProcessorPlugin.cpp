@@ -71,7 +71,7 @@ void MEqualizerProcessorPlugin::ApplyParameters()
 void MEqualizerProcessorPlugin::Process(float** inputs, float** outputs, std::int32_t frames,
                                         std::int32_t channels)
 {
-    ProcessChannels(inputs, outputs, frames, channels);
+    ProcessChannels(inputs, outputs, frames);
     ApplyOutputGain(outputs, frames, channels);
     saturator.SetAmount(effect.description.parameters[SoftSaturation].RunningValue());
     if (saturator.IsActive())

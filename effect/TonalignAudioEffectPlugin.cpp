@@ -108,7 +108,7 @@ std::int64_t TonalignAudioEffectPlugin::InitProcessing(std::int32_t channelCount
     channelGroups = std::clamp(channelCount, 1, MaxChannels);
     sampleRate = newSampleRate;
     UpdateAnalysisState(true);
-    equalizer.InitProcessing(channelGroups);
+    equalizer.InitProcessing(channelGroups, sampleRate);
     alignedInputs.resize(static_cast<std::size_t>(channelGroups));
     for (std::vector<float>& buffer : alignedInputs)
         buffer.resize(std::max(buffer.size(), expectedBlock));

@@ -132,7 +132,7 @@ void LinearPhaseEngine::Step(const float* const* inputs, float* const* outputs, 
     }
     for (std::size_t i = 0; i < channelPairs.size(); ++i)
         channelPairs[i].Read(offset, ArrayOf(outputs, 2 * i, channelCount, start),
-                             ArrayOf(outputs, 2 * i + 1, channelCount, start), frames);
+                             ArrayOf(outputs, 2 * i + 1, channelCount, start), frames, wet);
     position += frames;
     if (position % ChunkSize == 0)
         segments[static_cast<std::size_t>(arrivingSlot)].arrived = position / ChunkSize;

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "audio/equalizer/ChunkTransition.h"
+#include "audio/equalizer/EqualizerEngine.h"
 #include "audio/equalizer/LinearPhasePair.h"
 #include "audio/equalizer/SectionList.h"
 #include "audio/fft/MSignalWindowType.h"
@@ -24,29 +25,22 @@
 /// like share in each block. Lists that come in between wait for the next hop: however often a list changes,
 /// no block has to catch up at once.
 ///
-/// Samples that are not finite are taken as 0. Thread: Process is audio, the rest is main, never at once with
-/// it.
-class LinearPhaseEngine
+class LinearPhaseEngine final : public EqualizerEngine
 {
 public:
     /// 85 ms at 48 kHz: twice the time that lists of ten bands need beside a host's shortest blocks.
     static constexpr std::int32_t TakeOverLead = 4096;
 
-    LinearPhaseEngine() = default;
-    LinearPhaseEngine(const LinearPhaseEngine&) = delete;
-    LinearPhaseEngine& operator=(const LinearPhaseEngine&) = delete;
-
-    /// 1 to 8 channels. Allocates everything; Reset is included.
-    void Prepare(std::int32_t channels);
-    /// Silence, with the latency of 32768 samples ahead. The filters stay.
-    void Reset();
+    void Prepare(std::int32_t channels) override;
+    void Reset() override;
     /// 0 to SectionList::Capacity sections; in force at once while no sample was processed since a Reset.
     /// Between two blocks, under the owner's lock. Never allocates.
     void SetFilters(const MAudioFilters::Filter<double>* sections, std::int32_t count);
-    /// Off, the frames still fade, but nothing is filtered.
-    void SetEnabled(bool filtered);
-    /// Any number of frames; an output may be an input's array. Thread: audio. Never allocates.
-    void Process(const float* const* inputs, float* const* outputs, std::int32_t frames);
+    /// The share of the filtered signal, 0 to 1, from the next block on; the rest is the input, as late.
+    void SetWet(float share) { wet = share; }
+    /// In force when the filters are. Off, the frames still fade.
+    void SetEnabled(bool filtered) override;
+    void Process(const float* const* inputs, float* const* outputs, std::int32_t frames) override;
 
 private:
     using Stamp = std::uint32_t;
@@ -87,6 +81,7 @@ private:
     SectionList latched;   // of the hop that comes out, and of the frame that its last hop completed
     SectionList previous;   // of the frame before
     bool enabled = true;
+    float wet = 1.0f;
     bool catchingUp = false;   // with a list that was just taken over
     bool started = false;
     Stamp current = FirstList;   // of `active`

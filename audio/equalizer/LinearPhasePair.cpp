@@ -74,8 +74,9 @@ void LinearPhasePair::Prepare(const float* fadeWindow, bool isStereo)
     scratch.resize(places(1));
     pairs.resize(2 * ChunkSize);
     otherPairs.resize(2 * ChunkSize);
-    for (std::vector<float>& chunk : produced)
-        chunk.resize(ChunkSize);
+    for (auto* chunks : { &produced, &dry })
+        for (std::vector<float>& chunk : *chunks)
+            chunk.resize(ChunkSize);
     Reset();
 }
 
@@ -97,9 +98,9 @@ void LinearPhasePair::Write(std::int32_t slot, std::int32_t position, const floa
                             std::int32_t n)
 {
     const auto first = static_cast<std::size_t>(2 * slot);
-    MVector::CopyFinite(a, samples[first].data() + position, n);
+    MVector::CopyWithin(a, EqualizerGeometry::LargestSample, samples[first].data() + position, n);
     if (stereo)
-        MVector::CopyFinite(b, samples[first + 1].data() + position, n);
+        MVector::CopyWithin(b, EqualizerGeometry::LargestSample, samples[first + 1].data() + position, n);
 }
 
 const float* LinearPhasePair::Samples(std::int32_t slot, std::int32_t channel, std::int32_t chunk) const
@@ -249,6 +250,9 @@ void LinearPhasePair::JoinFrames(std::int32_t slot, std::int32_t sectionCount)
 
 void LinearPhasePair::ProduceChunk(std::int32_t slot, std::int32_t chunk, const Lists& lists)
 {
+    for (std::int32_t channel = 0; channel < (stereo ? 2 : 1); ++channel)
+        MVector::Copy(Samples(slot, channel, chunk), dry[static_cast<std::size_t>(channel)].data(),
+                      ChunkSize);
     const bool fading = chunk >= FadeChunk;
     Memory* state = scratch.data();
     std::copy_n(At(outgoing[static_cast<std::size_t>(slot)], chunk + 1), lists.outgoing->Count(), state);
@@ -285,9 +289,18 @@ void LinearPhasePair::AddRinging(std::int32_t chunk, const SectionList& list)
     MVector::PairsAddTimes(otherPairs.data(), window + chunk * ChunkSize, pairs.data(), ChunkSize);
 }
 
-void LinearPhasePair::Read(std::int32_t offset, float* a, float* b, std::int32_t n) const
+void LinearPhasePair::Read(std::int32_t offset, float* a, float* b, std::int32_t n, float wet) const
 {
-    MVector::Copy(produced[0].data() + offset, a, n);
-    if (stereo)
-        MVector::Copy(produced[1].data() + offset, b, n);
+    for (std::size_t channel = 0; channel < (stereo ? 2 : 1); ++channel)
+    {
+        float* out = channel == 0 ? a : b;
+        const float* filtered = produced[channel].data() + offset;
+        if (wet >= 1.0f)
+        {
+            MVector::Copy(filtered, out, n);
+            continue;
+        }
+        MVector::MultiplyConstant(filtered, wet, out, n);
+        MVector::AddScaled(out, dry[channel].data() + offset, n, 1.0f - wet);
+    }
 }

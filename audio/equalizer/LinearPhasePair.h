@@ -58,8 +58,9 @@ public:
     };
     /// Puts out a chunk of the segment in `slot`. Chunks are produced in order.
     void ProduceChunk(std::int32_t slot, std::int32_t chunk, const Lists& lists);
-    /// n samples of the produced chunk from `offset` on; b is null for a single channel.
-    void Read(std::int32_t offset, float* a, float* b, std::int32_t n) const;
+    /// n samples of the produced chunk from `offset` on, `wet` of them and 1 - wet of the input of the same
+    /// time; b is null for a single channel.
+    void Read(std::int32_t offset, float* a, float* b, std::int32_t n, float wet) const;
 
 private:
     using Memory = MVector::CascadeMemory;
@@ -101,4 +102,5 @@ private:
     std::vector<double> pairs;
     std::vector<double> otherPairs;
     std::array<std::vector<float>, 2> produced;
+    std::array<std::vector<float>, 2> dry;   // the samples of the produced chunk, which new ones overwrite
 };

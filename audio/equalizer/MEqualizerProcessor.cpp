@@ -4,8 +4,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "foundation/vector/VectorOperations.h"
-
 namespace
 {
 constexpr double sameNumber = 1e-50;
@@ -21,27 +19,28 @@ double RatioFromDecibels(double db)
 }
 }   // namespace
 
-void MEqualizerProcessor::InitProcessing(std::int32_t channels)
+void MEqualizerProcessor::InitProcessing(std::int32_t channels, double newSampleRate)
 {
-    preparedChannels = std::clamp(channels, 1, MaxChannels);
-    if (gainCurve.empty())
+    const std::int32_t count = std::clamp(channels, 1, MaxChannels);
+    sampleRate = newSampleRate;
+    normalEngine.Prepare(count);
+    linearEngine.Prepare(count);
+    fftEngine.Prepare(count);
+    engines.Prepare(count, newSampleRate);
+    engines.Select(EngineOf(mode));
+    prepared = true;
+}
+
+EqualizerEngine& MEqualizerProcessor::EngineOf(std::int32_t ofMode)
+{
+    switch (static_cast<EqualizerMode>(ofMode))
     {
-        gainCurve.assign(FFTSize, 1.0f);
-        magnitudeGrid.Prepare(FFTSize / 2, FilterList::Capacity);
-    }
-    normalEngine.Prepare(preparedChannels);
-    linearEngine.Prepare(preparedChannels);
-    fftEngine.Prepare(preparedChannels);
-    fftEngine.SetGainCurve(gainCurve.data());
-    normalEngine.Reset();
-    linearEngine.Reset();
-    fftEngine.Reset();
-    dryQueues.resize(static_cast<std::size_t>(preparedChannels));
-    for (MArrayQueue<float>& queue : dryQueues)
-    {
-        queue.Clear();
-        queue.Reserve(2 * FFTSize);
-        queue.PushZeros(FFTSize);
+    case EqualizerMode::Normal:
+        return normalEngine;
+    case EqualizerMode::LinearPhaseFFT:
+        return fftEngine;
+    default:
+        return linearEngine;
     }
 }
 
@@ -52,28 +51,6 @@ void MEqualizerProcessor::SetModeAndRatio(std::int32_t newMode, double wetRatio,
     sampleRate = newSampleRate;
     parameterRatio = static_cast<float>(wetRatio);
     Update();
-    if (modeChanged)
-        PrimeAfterModeChange();
-}
-
-void MEqualizerProcessor::PrimeAfterModeChange()
-{
-    switch (static_cast<EqualizerMode>(mode))
-    {
-    case EqualizerMode::Normal:
-        normalEngine.Reset();
-        break;
-    case EqualizerMode::LinearPhase:
-        linearEngine.Reset();
-        for (MArrayQueue<float>& queue : dryQueues)
-        {
-            queue.Clear();
-            queue.PushZeros(FFTSize);
-        }
-        break;
-    default:
-        break;   // the frames of the FFT run on
-    }
 }
 
 void MEqualizerProcessor::Update()
@@ -81,7 +58,9 @@ void MEqualizerProcessor::Update()
     const MSynchronizerGuard guard(lock);
     wet = parameterRatio;
     filters.Clear();
-    AddCountedBands(filters, ListKind::Full);
+    if (sampleRate > 0)
+        AddCountedBands(filters, ListKind::Full);
+    sectionCount = filters.count;
     switch (static_cast<EqualizerMode>(mode))
     {
     case EqualizerMode::Normal:
@@ -92,11 +71,15 @@ void MEqualizerProcessor::Update()
     case EqualizerMode::LinearPhase:
         UpdateLinearFilters();
         linearEngine.SetFilters(linearFilters.filters.data(), linearFilters.count);
+        linearEngine.SetWet(wet);
         break;
     case EqualizerMode::LinearPhaseFFT:
-        UpdateGainCurve();
+        fftEngine.SetFilters(filters, wet);
+        if (!engines.HasStarted())
+            fftEngine.SettleFilters();
         break;
     }
+    engines.Select(EngineOf(mode));
 }
 
 void MEqualizerProcessor::AddCountedBands(FilterList& list, ListKind kind) const
@@ -118,6 +101,8 @@ void MEqualizerProcessor::AddCountedBands(FilterList& list, ListKind kind) const
 void MEqualizerProcessor::UpdateLinearFilters()
 {
     linearFilters.Clear();
+    if (!(sampleRate > 0))
+        return;
     AddCountedBands(linearFilters, ListKind::Linear);
     if (upsamplingRatio > 1)
     {
@@ -125,19 +110,6 @@ void MEqualizerProcessor::UpdateLinearFilters()
         constexpr double cutoffPerSample = 0.45351473922902497;
         linearFilters.Add(MAudioFilters::LowPass, 0, sampleRate / upsamplingRatio * cutoffPerSample,
                           sampleRate, 0.73);
-    }
-}
-
-void MEqualizerProcessor::UpdateGainCurve()
-{
-    if (gainCurve.empty())
-        return;   // not prepared yet: InitProcessing is followed by an update
-    const double* magnitudes = magnitudeGrid.Evaluate(filters.filters.data(), filters.count);
-    for (std::size_t bin = 0; bin < FFTSize / 2; ++bin)
-    {
-        const auto gain = static_cast<float>(wet * magnitudes[bin] + (1 - static_cast<double>(wet)));
-        gainCurve[2 * bin] = gain;
-        gainCurve[2 * bin + 1] = gain;
     }
 }
 
@@ -216,44 +188,9 @@ void MEqualizerProcessor::AddSoloSections(const BandPoint& band, double gainDb, 
 }
 
 void MEqualizerProcessor::ProcessChannels(const float* const* inputs, float* const* outputs,
-                                          std::int32_t frames, std::int32_t channels)
+                                          std::int32_t frames)
 {
     const MSynchronizerGuard guard(lock);
-    const std::int32_t count = std::min(channels, preparedChannels);
-    if (frames > static_cast<std::int32_t>(mixBuffer.size()))
-        mixBuffer.resize(static_cast<std::size_t>(frames));
-    switch (static_cast<EqualizerMode>(mode))
-    {
-    case EqualizerMode::Normal:
-        normalEngine.SetEnabled(bandsEnabled);
-        normalEngine.Process(inputs, outputs, frames);
-        break;
-    case EqualizerMode::LinearPhase:
-        linearEngine.SetEnabled(bandsEnabled);
-        linearEngine.Process(inputs, outputs, frames);
-        MixDry(inputs, outputs, frames, count);
-        break;
-    case EqualizerMode::LinearPhaseFFT:
-        fftEngine.SetEnabled(bandsEnabled);
-        fftEngine.Process(inputs, outputs, frames);
-        break;
-    }
-}
-
-void MEqualizerProcessor::MixDry(const float* const* inputs, float* const* outputs, std::int32_t frames,
-                                 std::int32_t channels)
-{
-    for (std::int32_t channel = 0; channel < channels; ++channel)
-    {
-        MArrayQueue<float>& queue = dryQueues[static_cast<std::size_t>(channel)];
-        queue.Push(inputs[channel], frames);
-        if (wet >= 1)
-        {
-            queue.DropFront(std::min(frames, queue.Count()));
-            continue;
-        }
-        queue.Pull(mixBuffer.data(), frames);
-        MVector::MultiplyConstantInPlace(outputs[channel], frames, wet);
-        MVector::AddScaled(outputs[channel], mixBuffer.data(), frames, 1 - wet);
-    }
+    if (prepared)
+        engines.Process(inputs, outputs, frames, bandsEnabled);
 }

@@ -2,15 +2,13 @@
 #pragma once
 
 #include <cstdint>
-#include <vector>
 
+#include "audio/equalizer/EngineSwitch.h"
 #include "audio/equalizer/FFTEngine.h"
 #include "audio/equalizer/LinearPhaseEngine.h"
 #include "audio/equalizer/MEqualizerBase.h"
 #include "audio/equalizer/NormalEngine.h"
 #include "audio/equalizer/SoftSaturator.h"
-#include "audio/filters/FilterMagnitudes.h"
-#include "foundation/containers/MArrayQueue.h"
 
 enum class EqualizerMode : std::int32_t
 {
@@ -22,8 +20,9 @@ enum class EqualizerMode : std::int32_t
 /// Runs the bands on audio. All three modes have the same latency of 32768 samples, at every sample rate,
 /// so that no change of mode or of filters changes what a host has to compensate.
 ///
-/// There is no crossfade between filter sets; only the output gain is ramped. The owner's lock covers
-/// everything here but the construction.
+/// There is no crossfade between filter sets. A change of mode costs no audio: the old mode plays on until
+/// the new one has caught up with the last second of input, then they are faded (EngineSwitch). The owner's
+/// lock covers everything here but the construction and GetTailSize.
 class MEqualizerProcessor : public MEqualizerBase
 {
 public:
@@ -31,29 +30,25 @@ public:
     static constexpr std::int32_t OverlapSize = 16384;
     static constexpr std::int32_t MaxChannels = 8;
 
-    /// Makes room for the channels and forgets all audio; the delay stays primed. Main thread.
-    void InitProcessing(std::int32_t channels);
+    /// Makes room for the channels and forgets all audio. Main thread.
+    void InitProcessing(std::int32_t channels, double newSampleRate);
+    /// Takes the mode, the share of the equalized signal (0 to 1) and the rate in, and updates.
+    void SetModeAndRatio(std::int32_t newMode, double wetRatio, double newSampleRate);
     /// Rebuilds the filter lists from the bands. Throws MException "Could not acquire mutex.", or "Invalid
     /// filter type." for a band that a fault has damaged.
     void Update() override;
-    virtual void ResetChannel(std::int32_t) {}
-    /// One block of all channels. Audio thread.
-    void ProcessChannels(const float* const* inputs, float* const* outputs, std::int32_t frames,
-                         std::int32_t channels);
+    /// One block of all channels; an output may be an input's array. Audio thread.
+    void ProcessChannels(const float* const* inputs, float* const* outputs, std::int32_t frames);
 
     std::int32_t GetLatency() const { return FFTSize; }
-    /// Samples that still come out after the input has ended, for the host.
-    std::int32_t GetTailSize() const { return (filters.count + 1) * 1024; }
+    /// Samples that still come out after the input has ended, for the host. Any thread, without the lock.
+    std::int32_t GetTailSize() const { return (sectionCount + 1) * 1024; }
     const FilterList& LinearFilters() const { return linearFilters; }
-    const float* GainCurve() const { return gainCurve.data(); }
 
     /// The factor by which the effect runs above the host's rate, 1 where the driver filters by itself.
     std::int32_t upsamplingRatio = 1;
 
 protected:
-    /// Takes a mode and a ratio in and primes what a change of mode has to start anew.
-    void SetModeAndRatio(std::int32_t newMode, double wetRatio, double newSampleRate);
-
     SoftSaturator saturator;
 
 private:
@@ -67,20 +62,15 @@ private:
     void AddSoloSections(const BandPoint& band, double gainDb, std::int32_t passes, FilterList& list) const;
     void AddCountedBands(FilterList& list, ListKind kind) const;
     void UpdateLinearFilters();
-    void UpdateGainCurve();
-    void PrimeAfterModeChange();
-    void MixDry(const float* const* inputs, float* const* outputs, std::int32_t frames,
-                std::int32_t channels);
+    EqualizerEngine& EngineOf(std::int32_t ofMode);
     bool SoloActive() const { return autoListen && selectedBand >= 0; }
 
     FilterList linearFilters;
-    std::vector<float> gainCurve;   // one multiplier for each float of a packed spectrum
-    MAudioFilters::MagnitudeGrid magnitudeGrid;
     NormalEngine normalEngine;
     LinearPhaseEngine linearEngine;
     FFTEngine fftEngine;
-    std::vector<MArrayQueue<float>> dryQueues;
-    std::vector<float> mixBuffer;
+    EngineSwitch engines;
+    MRelaxed<std::int32_t> sectionCount = 0;   // of `filters`
     float parameterRatio = 1;   // the parameter; `wet` is 1 where the sections hold it already
-    std::int32_t preparedChannels = 0;
+    bool prepared = false;
 };

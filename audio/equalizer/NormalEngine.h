@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "audio/equalizer/EqualizerEngine.h"
 #include "audio/equalizer/SectionList.h"
 #include "foundation/containers/MArrayQueue.h"
 #include "foundation/vector/BiquadCascade.h"
@@ -14,21 +15,16 @@
 /// on the lengths of the blocks, and a short block costs little. A new list takes effect with the next block
 /// all the same: the part of a chunk that isn't out yet is run again.
 ///
-/// Samples that are not finite are taken as 0. Without sections the output is the delayed input, bit for bit.
-/// Thread: Process is audio, the rest is main, never at once with it.
-class NormalEngine
+/// Without sections the output is the delayed input, bit for bit.
+class NormalEngine final : public EqualizerEngine
 {
 public:
-    /// 1 to 8 channels. Allocates everything; Reset is included.
-    void Prepare(std::int32_t channels);
-    /// Silence. The filters stay.
-    void Reset();
+    void Prepare(std::int32_t channels) override;
+    void Reset() override;
     /// 0 to SectionList::Capacity sections. Between two blocks, under the owner's lock. Never allocates.
     void SetFilters(const MAudioFilters::Filter<double>* sections, std::int32_t count);
-    /// Off, the delay runs on, but nothing is filtered.
-    void SetEnabled(bool filtered);
-    /// Any number of frames; an output may be an input's array. Thread: audio. Never allocates.
-    void Process(const float* const* inputs, float* const* outputs, std::int32_t frames);
+    void SetEnabled(bool filtered) override;
+    void Process(const float* const* inputs, float* const* outputs, std::int32_t frames) override;
 
 private:
     static constexpr std::int32_t ChunkSize = 256;

@@ -91,7 +91,7 @@ void MagnitudeGrid::Prepare(std::int32_t pointCount, std::int32_t maxSections)
     }
 }
 
-const double* MagnitudeGrid::Evaluate(const Filter<double>* sections, std::int32_t count)
+void MagnitudeGrid::Begin(const Filter<double>* sections, std::int32_t count)
 {
     lower.clear();
     upper.clear();
@@ -100,13 +100,26 @@ const double* MagnitudeGrid::Evaluate(const Filter<double>* sections, std::int32
         lower.push_back(LowerQuotient(sections[i]));
         upper.push_back(UpperQuotient(sections[i]));
     }
-    std::fill(magnitudes.begin(), magnitudes.end(), 1.0);
-    const std::size_t half = magnitudes.size() / 2;
-    const auto points = static_cast<std::int32_t>(half);
-    MVector::MultiplySectionMagnitudes(lower.data(), count, distance.data(), sineSquared.data(),
-                                       magnitudes.data(), points);
-    MVector::MultiplySectionMagnitudes(upper.data(), count, distance.data() + half, sineSquared.data() + half,
-                                       magnitudes.data() + half, points);
+}
+
+const double* MagnitudeGrid::Evaluate(std::int32_t first, std::int32_t n)
+{
+    const std::int32_t half = PointCount() / 2;
+    assert(first >= 0 && n >= 0 && first + n <= (first < half ? half : 2 * half));
+    const std::vector<MVector::SectionQuotient>& quotients = first < half ? lower : upper;
+    double* values = magnitudes.data() + first;
+    std::fill_n(values, n, 1.0);
+    MVector::MultiplySectionMagnitudes(quotients.data(), static_cast<std::int32_t>(quotients.size()),
+                                       distance.data() + first, sineSquared.data() + first, values, n);
+    return values;
+}
+
+const double* MagnitudeGrid::EvaluateAll(const Filter<double>* sections, std::int32_t count)
+{
+    Begin(sections, count);
+    const std::int32_t half = PointCount() / 2;
+    Evaluate(0, half);
+    Evaluate(half, half);
     return magnitudes.data();
 }
 }   // namespace MAudioFilters

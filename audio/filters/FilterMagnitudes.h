@@ -39,8 +39,12 @@ public:
     void Prepare(std::int32_t pointCount, std::int32_t maxSections);
     std::int32_t PointCount() const { return static_cast<std::int32_t>(magnitudes.size()); }
 
-    /// The magnitudes of sections in a row; valid until the next call. The sections have one sample rate.
-    const double* Evaluate(const Filter<double>* sections, std::int32_t count);
+    /// Takes sections in a row over, all of one sample rate, for the calls of Evaluate that follow.
+    void Begin(const Filter<double>* sections, std::int32_t count);
+    /// Their magnitudes at n points from `first` on, all in one half of the grid; valid until the next call.
+    const double* Evaluate(std::int32_t first, std::int32_t n);
+    /// Those at all points.
+    const double* EvaluateAll(const Filter<double>* sections, std::int32_t count);
 
 private:
     std::vector<double> distance;   // of cos w from 1 in the lower half of the grid, from -1 in the upper

@@ -4,26 +4,26 @@
 #include <cstdio>
 
 #include "audio/filters/FilterMagnitudes.h"
-#include "tests/effect/EqualizerHarness.h"
+#include "tests/audio/equalizer/TestEqualizer.h"
 
 namespace
 {
 // The largest error in dB over a grid from 20 Hz to 0.45 of the rate, dense around the band.
 double LargestErrorDb(EqualizerMode mode, double rate, double hertz, double gainDb, double q)
 {
-    EqualizerHarness harness(mode, rate);
-    harness.SetBand(0, MAudioFilters::Peak, hertz, gainDb, q);
-    harness.Update();
-    const std::vector<float> response = harness.Impulse(16384);
+    TestEqualizer equalizer(mode, rate);
+    equalizer.SetBand(0, MAudioFilters::Peak, hertz, gainDb, q);
+    equalizer.Update();
+    const std::vector<float> response = equalizer.Impulse(16384);
     const bool linear = mode == EqualizerMode::LinearPhase;
-    const FilterList& list = linear ? harness.equalizer.LinearFilters() : harness.equalizer.filters;
+    const FilterList& list = linear ? equalizer.LinearFilters() : equalizer.filters;
     double largest = 0;
     const auto check = [&](double at)
     {
         const double promised =
             (linear ? 40 : 20) *
             std::log10(MAudioFilters::MagnitudeOfList(list.filters.data(), list.count, at));
-        largest = std::max(largest, std::fabs(MeasuredDb(response, at, rate) - promised));
+        largest = std::max(largest, std::fabs(Signals::MeasuredDb(response, at, rate) - promised));
     };
     for (double at = 20; at < 0.45 * rate; at *= 1.3)
         check(at);

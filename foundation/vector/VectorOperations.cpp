@@ -267,12 +267,12 @@ void ThresholdHighRun(const float* src, float level, float* dst, std::size_t n)
     WithConstant<MinOp>(src, level, dst, n);
 }
 
-void CopyFiniteRun(const float* src, float* dst, std::size_t n)
+void CopyWithinRun(const float* src, float limit, float* dst, std::size_t n)
 {
     const Wide wide;
     const One one;
     const std::size_t lanes = hn::Lanes(wide);
-    const auto largest = hn::Set(wide, std::numeric_limits<float>::max());
+    const auto largest = hn::Set(wide, limit);
     std::size_t i = 0;
     for (; i + lanes <= n; i += lanes)
     {
@@ -282,7 +282,7 @@ void CopyFiniteRun(const float* src, float* dst, std::size_t n)
     for (; i < n; ++i)
     {
         const auto v = hn::LoadU(one, src + i);
-        const auto finite = hn::Le(hn::Abs(v), hn::Set(one, std::numeric_limits<float>::max()));
+        const auto finite = hn::Le(hn::Abs(v), hn::Set(one, limit));
         hn::StoreU(hn::IfThenElseZero(finite, v), one, dst + i);
     }
 }
@@ -424,7 +424,7 @@ KERNEL_TABLE(AddConstantRun);
 KERNEL_TABLE(MultiplyConstantRun);
 KERNEL_TABLE(ThresholdLowRun);
 KERNEL_TABLE(ThresholdHighRun);
-KERNEL_TABLE(CopyFiniteRun);
+KERNEL_TABLE(CopyWithinRun);
 KERNEL_TABLE(AddScaledRun);
 KERNEL_TABLE(AddProductRun);
 KERNEL_TABLE(SumRun);
@@ -473,9 +473,9 @@ void Move(const float* src, float* dst, std::int32_t n)
         std::memmove(dst, src, Size(n) * sizeof(float));
 }
 
-void CopyFinite(const float* src, float* dst, std::int32_t n)
+void CopyWithin(const float* src, float limit, float* dst, std::int32_t n)
 {
-    KERNEL(CopyFiniteRun)(src, dst, Size(n));
+    KERNEL(CopyWithinRun)(src, limit, dst, Size(n));
 }
 
 void Add(const float* a, const float* b, float* dst, std::int32_t n)

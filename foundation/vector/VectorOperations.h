@@ -13,8 +13,8 @@ void Set(float value, float* dst, std::int32_t n);
 /// The arrays do not overlap; Move is for those that do.
 void Copy(const float* src, float* dst, std::int32_t n);
 void Move(const float* src, float* dst, std::int32_t n);
-/// dst[i] = src[i], or 0 where that is infinite or not a number. The same array is allowed.
-void CopyFinite(const float* src, float* dst, std::int32_t n);
+/// dst[i] = src[i], or 0 where its amount is above `limit` or it is not a number. The same array is allowed.
+void CopyWithin(const float* src, float limit, float* dst, std::int32_t n);
 void Add(const float* a, const float* b, float* dst, std::int32_t n);
 void AddInPlace(const float* src, float* srcDst, std::int32_t n);
 void SubInPlace(const float* src, float* srcDst, std::int32_t n);

@@ -294,3 +294,44 @@ TEST(EffectBeforePreparation, UpdatesDoNothing)
     EXPECT_EQ(effect.equalizer.mode, -1);
     EXPECT_EQ(effect.GetLatency(), 32768) << "known from the start";
 }
+
+TEST_F(Effect, OutputGainRampsOverABlockAndSaturationAddsEvenHarmonics)
+{
+    MPluginParameterInfo* parameters = effect.description.parameters;
+    parameters[MEqualizerProcessorPlugin::Mode].enumeration.index = 0;
+    effect.equalizer.Band(5).enabled = false;
+    effect.Update();
+    std::vector<float> left, right;
+    const auto run = [&](std::int32_t count)
+    {
+        left.assign(static_cast<std::size_t>(count), 0.5f);
+        right.assign(static_cast<std::size_t>(count), -0.25f);
+        float* channels[] = { left.data(), right.data() };
+        effect.Process({}, channels, channels, count);
+    };
+    run(40000);
+    const double target = std::pow(10.0, 0.3);
+    parameters[MEqualizerProcessorPlugin::Gain].number.value = 6.0;
+    run(1000);
+    for (const std::size_t i : { 0, 250, 999 })
+    {
+        const double gain = 1 + (target - 1) * static_cast<double>(i) / 1000;
+        EXPECT_NEAR(left[i], 0.5 * gain, 1e-5) << "a straight line";
+        EXPECT_NEAR(right[i], -0.25 * gain, 1e-5);
+    }
+    run(10);
+    EXPECT_NEAR(left[0], 0.5 * target, 1e-5);
+    EXPECT_NEAR(left[9], 0.5 * target, 1e-5);
+
+    parameters[MEqualizerProcessorPlugin::Gain].number.value = 0.0;
+    parameters[MEqualizerProcessorPlugin::SoftSaturation].number.value = 1.0;
+    run(10);
+    run(10);
+    const auto saturated = [](double x)
+    {
+        const double v = std::sin(1.5707963267948966 * x);
+        return v + 0.8 * (v - x) * (v - x);
+    };
+    EXPECT_NEAR(left[5], saturated(0.5), 1e-5);
+    EXPECT_NEAR(right[5], saturated(-0.25), 1e-5);
+}

@@ -17,6 +17,14 @@ const std::vector<float>& Curve()
     return curve;
 }
 
+FilterList List(std::int32_t sections, double shift = 1.0)
+{
+    FilterList list;
+    for (const MAudioFilters::Filter<double>& band : Bands(sections, shift))
+        list.filters[static_cast<std::size_t>(list.count++)] = band;
+    return list;
+}
+
 /// Spectral processors in stereo that multiply their packed spectra.
 class PlainFFTStereo
 {
@@ -108,7 +116,7 @@ void FFTAverage(benchmark::State& state)
 {
     FFTEngine engine;
     engine.Prepare(2);
-    engine.SetGainCurve(Curve().data());
+    engine.SetFilters(List(10), 1.0);
     Average(state, engine, static_cast<std::int32_t>(state.range(0)));
 }
 
@@ -122,8 +130,18 @@ void FFTWorst(benchmark::State& state)
 {
     FFTEngine engine;
     engine.Prepare(2);
-    engine.SetGainCurve(Curve().data());
+    engine.SetFilters(List(10), 1.0);
     WorstBlock(state, engine, [] {});
+}
+
+void FFTWorstMoving(benchmark::State& state)
+{
+    const auto sections = static_cast<std::int32_t>(state.range(0));
+    FFTEngine engine;
+    engine.Prepare(2);
+    const FilterList lists[3] = { List(sections, 1.01), List(sections, 1.02), List(sections, 1.03) };
+    std::size_t turn = 0;
+    WorstBlock(state, engine, [&] { engine.SetFilters(lists[++turn % 3], 1.0); });
 }
 
 void FFTPrepare(benchmark::State& state)
@@ -150,6 +168,7 @@ BENCHMARK(PlainNormalAverage)->ArgsProduct({ { 20 }, { 64, 1024 } })->Unit(bench
 BENCHMARK(FFTAverage)->Arg(64)->Arg(1024)->Unit(benchmark::kMicrosecond);
 BENCHMARK(PlainFFTAverage)->Arg(64)->Arg(1024)->Unit(benchmark::kMicrosecond);
 BENCHMARK(FFTWorst)->Iterations(60)->Unit(benchmark::kMillisecond);
+BENCHMARK(FFTWorstMoving)->Arg(4)->Arg(10)->Arg(340)->Iterations(60)->Unit(benchmark::kMillisecond);
 BENCHMARK(FFTPrepare)->Unit(benchmark::kMillisecond);
 BENCHMARK(Saturator);
 }   // namespace

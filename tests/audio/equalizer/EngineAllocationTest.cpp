@@ -8,7 +8,7 @@
 #include "audio/equalizer/LinearPhaseEngine.h"
 #include "audio/equalizer/NormalEngine.h"
 #include "tests/AllocationCounter.h"
-#include "tests/audio/equalizer/Signals.h"
+#include "tests/audio/equalizer/EngineTest.h"
 
 namespace
 {
@@ -18,7 +18,7 @@ using namespace EngineTest;
 template <typename Engine, typename Change>
 std::int64_t CountAllocations(Engine& engine, Change change)
 {
-    Channels channels = Noise(3, 70000, 3);
+    Channels channels = NoiseChannels(3, 70000, 3);
     float* pointers[3] = { channels[0].data(), channels[1].data(), channels[2].data() };
     const std::int64_t before = AllocationsOfThisThread();
     int block = 0;
@@ -58,9 +58,16 @@ TEST(Engines, DoNotAllocateInBlocksNorWhenTheirFiltersChange)
     EXPECT_EQ(CountWithFilters<NormalEngine>(), 0);
     FFTEngine engine;
     engine.Prepare(3);
-    const std::vector<float> curve(32768, 0.5f);
-    EXPECT_EQ(CountAllocations(engine, [&](int turn)
-                               { engine.SetGainCurve(turn % 2 == 0 ? curve.data() : nullptr); }),
+    FilterList list;
+    EXPECT_EQ(CountAllocations(engine,
+                               [&](int turn)
+                               {
+                                   list.Clear();
+                                   for (int i = 0; i < turn % 3 * 20; ++i)
+                                       list.Add(MAudioFilters::Peak, turn, 1000, 48000, 1);
+                                   engine.SetFilters(list, 0.7);
+                                   engine.SetEnabled(turn % 5 != 4);
+                               }),
               0);
 }
 }   // namespace

@@ -1,119 +1,120 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "audio/equalizer/FFTEngine.h"
 
-#include <chrono>
-#include <limits>
-#include <memory>
+#include <cmath>
+#include <numbers>
 
 #include <gtest/gtest.h>
 
-#include "audio/fft/MAudioFFTProcessor.h"
-#include "foundation/vector/VectorOperations.h"
-#include "tests/audio/equalizer/Signals.h"
+#include "foundation/vector/FFT.h"
+#include "tests/audio/equalizer/EngineTest.h"
 
 namespace
 {
 using namespace EngineTest;
 constexpr std::uint32_t Seed = 5;
 constexpr std::int32_t Length = EqualizerGeometry::FrameSize;
+constexpr std::int32_t Hop = FFTEngine::HopSize;
 
-/// The mode as it is told: a spectral processor that multiplies its packed spectrum.
-class PlainFFT : public MAudioFFTProcessor
+FilterList List(const Filters& sections)
 {
-public:
-    explicit PlainFFT(const float* newCurve) : curve(newCurve)
-    {
-        SetFrameSize(Length);
-        SetOverlap(16);
-        Update();
-        SetStartOffset(Length - FFTEngine::HopSize);
-    }
-
-protected:
-    void ProcessSpectrum(std::int32_t size, float* spectrum) override
-    {
-        MVector::Multiply(spectrum, curve, spectrum, size);
-    }
-
-private:
-    const float* curve;
-};
-
-/// A smooth curve from 0 to 2 over the bins, each value twice.
-std::vector<float> Curve()
-{
-    std::vector<float> curve(Length);
-    for (std::size_t i = 0; i < curve.size(); ++i)
-        curve[i] = 1.0f + std::sin(0.001f * static_cast<float>(i / 2));
-    return curve;
+    FilterList list;
+    for (const auto& section : sections)
+        list.filters[static_cast<std::size_t>(list.count++)] = section;
+    return list;
 }
 
-void ProcessAll(FFTEngine& engine, Channels& channels, std::int32_t maxBlock)
+/// The mode by its definition: one frame after the other, all its steps at once. `listAt` answers the list of
+/// the frame that is complete at a sample.
+template <typename ListAt>
+std::vector<float> Plain(const std::vector<float>& input, double wet, ListAt listAt)
 {
-    std::mt19937 random(Seed);
-    std::uniform_int_distribution<std::int32_t> lengths(0, maxBlock);
-    for (std::size_t position = 0; position < channels[0].size();)
+    std::vector<double> output(input.size() + 2 * Length);
+    MFFT fft(15, FFTDivideInverse);
+    std::vector<float> frame(Length);
+    for (std::int32_t end = 0; end <= static_cast<std::int32_t>(input.size()); end += Hop)
     {
-        const std::int32_t n =
-            std::min(lengths(random), static_cast<std::int32_t>(channels[0].size() - position));
-        ProcessBlock(engine, channels, position, n);
-        position += static_cast<std::size_t>(n);
-    }
-}
-
-TEST(FFTEngine, EqualsTheSpectralProcessorInItsFirstChannelAndAlmostInTheOthers)
-{
-    const std::vector<float> curve = Curve();
-    const Channels input = Noise(3, 100000, Seed);
-    Channels output = input;
-    FFTEngine engine;
-    engine.Prepare(3);
-    engine.SetGainCurve(curve.data());
-    ProcessAll(engine, output, 3000);
-    for (std::size_t channel = 0; channel < 3; ++channel)
-    {
-        PlainFFT plain(curve.data());
-        std::vector<float> expected = input[channel];
-        plain.Process(expected.data(), expected.data(), static_cast<std::int32_t>(expected.size()));
-        // Float transforms. Frames at other times wrap another part of the curve's impulse response, whose
-        // far end is about 1e-4 of its peak.
-        const double tolerance = channel == 0 ? 3e-6 : 1e-3;
-        for (std::size_t i = 0; i < expected.size(); ++i)
-            ASSERT_NEAR(output[channel][i], expected[i], tolerance) << "channel " << channel << " at " << i;
-    }
-}
-
-TEST(FFTEngine, IsADelayWithoutACurveOrDisabledFromTheFirstSampleOn)
-{
-    const std::vector<float> curve = Curve();
-    for (const bool withCurve : { false, true })
-    {
-        const Channels input = Noise(2, 90000, Seed);
-        Channels output = input;
-        FFTEngine engine;
-        engine.Prepare(2);
-        engine.SetGainCurve(withCurve ? curve.data() : nullptr);
-        engine.SetEnabled(!withCurve);
-        ProcessAll(engine, output, 400);
-        for (std::size_t channel = 0; channel < 2; ++channel)
+        std::fill(frame.begin(), frame.end(), 0.0f);
+        for (std::int32_t i = 0; i < FFTEngine::WindowSize; ++i)
         {
-            for (std::size_t i = 0; i < 90000; ++i)
-                ASSERT_NEAR(output[channel][i], i < 32768 ? 0.0f : input[channel][i - 32768], 2e-6) << i;
+            const std::int32_t at = end - FFTEngine::WindowSize + i;
+            const double sine = std::sin(std::numbers::pi * (i + 0.5) / FFTEngine::WindowSize);
+            if (at >= 0)
+                frame[static_cast<std::size_t>(i)] =
+                    static_cast<float>(input[static_cast<std::size_t>(at)] * sine * sine / 7.5);
         }
+        fft.Forward(frame.data());
+        const FilterList& list = listAt(end);
+        for (std::size_t i = 0; i < frame.size(); ++i)
+        {
+            const double hertz = i == 1 ? 0.0 : static_cast<double>(i / 2) * 48000.0 / Length;
+            const double magnitude = MAudioFilters::MagnitudeOfList(list.filters.data(), list.count, hertz);
+            frame[i] = static_cast<float>(frame[i] * (wet * magnitude + 1.0 - wet));
+        }
+        fft.Inverse(frame.data());
+        for (std::int32_t i = 0; i < Length; ++i)
+            output[static_cast<std::size_t>(end + Hop + i)] += frame[static_cast<std::size_t>(i)];
+    }
+    return { output.begin(), output.begin() + static_cast<std::ptrdiff_t>(input.size()) };
+}
+
+TEST(FFTEngine, MultipliesFramesOfAllChannelsByTheGainsOfTheHopBefore)
+{
+    constexpr std::size_t count = 60000;
+    const FilterList lists[3] = { List(Sections(4, 1)), List(Sections(7, 2)), List({}) };
+    for (const std::int32_t channelCount : { 1, 3, 8 })
+    {
+        SCOPED_TRACE(channelCount);
+        const double wet = channelCount == 3 ? 0.3 : 1.0;
+        Channels channels = NoiseChannels(static_cast<std::size_t>(channelCount), count, Seed);
+        channels.back() = channels.front();
+        const Channels input = channels;
+        FFTEngine engine;
+        engine.Prepare(channelCount);
+        engine.SetFilters(lists[0], wet);
+        engine.SettleFilters();
+        // The list that each frame ought to have, by the hop at whose end it is complete.
+        std::vector<const FilterList*> latched(count / Hop + 2, &lists[0]);
+        std::size_t turn = 0;
+        ProcessAll(engine, channels, 700,
+                   [&](std::size_t position)
+                   {
+                       const FilterList& list = lists[++turn / 5 % 3];
+                       engine.SetFilters(list, wet);
+                       // Taken at the next hop, evaluated in it, and the gains of the frame at its end.
+                       for (std::size_t later = position / Hop + 2; later < latched.size(); ++later)
+                           latched[later] = &list;
+                   });
+        for (const std::size_t channel : { std::size_t{ 0 }, input.size() - 1 })
+        {
+            const std::vector<float> expected =
+                Plain(input[channel], wet,
+                      [&](std::int32_t end) -> const FilterList&
+                      { return *latched[static_cast<std::size_t>(end / Hop)]; });
+            // Transforms in single precision: a few units of the last place of the largest value.
+            EXPECT_LT(LargestDifference(channels[channel], expected, 0, count), 1e-6 * 4 * PeakOf(expected));
+        }
+        EXPECT_EQ(channels.front(), channels.back()) << "the same input, to the last bit the same output";
     }
 }
 
-TEST(FFTEngine, WhatIsNotFiniteIsTakenAsSilenceAndAResetIsSilent)
+TEST(FFTEngine, IsADelayWhenDisabledAndAResetForgetsAllButTheFilters)
 {
-    Channels dirty = Noise(2, 80000, Seed);
-    Channels clean = dirty;
-    clean[1][1000] = 0.0f;
-    dirty[1][1000] = std::numeric_limits<float>::quiet_NaN();
+    const Channels input = NoiseChannels(2, 90000, Seed);
     FFTEngine engine;
     engine.Prepare(2);
-    ProcessAll(engine, clean, 500);
+    engine.SetFilters(List(Sections(5, 1)), 1.0);
+    engine.SettleFilters();
+    Channels filtered = input;
+    ProcessAll(engine, filtered, 500);
     engine.Reset();
-    ProcessAll(engine, dirty, 500);
-    EXPECT_EQ(dirty, clean);
+    Channels again = input;
+    ProcessAll(engine, again, 400);
+    EXPECT_EQ(again, filtered);
+    engine.SetEnabled(false);
+    engine.Reset();
+    Channels delayed = input;
+    ProcessAll(engine, delayed, 400);
+    EXPECT_LT(LargestDifference(delayed[1], input[1], 0, 90000, Length), 2e-6);
 }
 }   // namespace

@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "audio/equalizer/PlainLinearPhase.h"
-#include "tests/audio/equalizer/Signals.h"
+#include "tests/audio/equalizer/EngineTest.h"
 
 namespace
 {
@@ -47,7 +47,7 @@ void ExpectEqual(const Channels& actual, const Channels& expected)
     {
         // The plain form rounds to float between its passes: a few units of the last place of the largest
         // value, as often as the forward pass may raise them.
-        const float tolerance = 1.5e-6f * Peak(expected[channel]) + 1e-12f;
+        const float tolerance = 1.5e-6f * PeakOf(expected[channel]) + 1e-12f;
         for (std::size_t i = 0; i < expected[channel].size(); ++i)
             ASSERT_NEAR(actual[channel][i], expected[channel][i], tolerance)
                 << "channel " << channel << " at " << i;
@@ -70,7 +70,7 @@ void CompareWithPlain(const Case& known)
     SCOPED_TRACE(known.what);
     const auto channelCount = static_cast<std::size_t>(known.channelCount);
     const auto length = static_cast<std::size_t>(known.hops * EqualizerGeometry::HopSize) + 777;
-    Channels actual = Noise(channelCount, length, Seed);
+    Channels actual = NoiseChannels(channelCount, length, Seed);
     Channels expected = actual;
     LinearPhaseEngine engine;
     engine.Prepare(known.channelCount);
@@ -154,7 +154,7 @@ TEST(LinearPhaseEngine, WithoutSectionsItIsAnExactDelay)
 {
     LinearPhaseEngine engine;
     engine.Prepare(2);
-    const Channels input = Noise(2, 100000, Seed);
+    const Channels input = NoiseChannels(2, 100000, Seed);
     Channels output = input;
     for (std::size_t position = 0; position < 100000; position += 500)
         ProcessBlock(engine, output, position, 500);
@@ -165,26 +165,17 @@ TEST(LinearPhaseEngine, WithoutSectionsItIsAnExactDelay)
     }
 }
 
-/// Blocks of 100 frames.
-void ProcessAll(LinearPhaseEngine& engine, Channels& channels)
-{
-    const std::size_t length = channels[0].size();
-    for (std::size_t position = 0; position < length; position += 100)
-        ProcessBlock(engine, channels, position,
-                     static_cast<std::int32_t>(std::min<std::size_t>(100, length - position)));
-}
-
 TEST(LinearPhaseEngine, AResetForgetsEverythingButTheFilters)
 {
     const Filters sections = Sections(7, Seed);
-    Channels fresh = Noise(2, 90000, Seed);
+    Channels fresh = NoiseChannels(2, 90000, Seed);
     Channels again = fresh;
     LinearPhaseEngine engine;
     engine.Prepare(2);
     engine.SetFilters(sections.data(), 7);
-    ProcessAll(engine, fresh);
+    ProcessAll(engine, fresh, 200);
     engine.Reset();
-    ProcessAll(engine, again);
+    ProcessAll(engine, again, 200);
     for (std::size_t i = 0; i < fresh[0].size(); ++i)
         ASSERT_NEAR(again[0][i], fresh[0][i], 1e-12) << i;   // the way states were found may differ
 }
@@ -192,7 +183,7 @@ TEST(LinearPhaseEngine, AResetForgetsEverythingButTheFilters)
 TEST(LinearPhaseEngine, SamplesThatAreNotFiniteAreTakenAsSilence)
 {
     const Filters sections = Sections(7, Seed);
-    Channels dirty = Noise(2, 150000, Seed);
+    Channels dirty = NoiseChannels(2, 150000, Seed);
     Channels clean = dirty;
     for (std::size_t i = 40000; i < 40100; ++i)
     {
@@ -205,7 +196,7 @@ TEST(LinearPhaseEngine, SamplesThatAreNotFiniteAreTakenAsSilence)
         LinearPhaseEngine engine;
         engine.Prepare(2);
         engine.SetFilters(sections.data(), 7);
-        ProcessAll(engine, *channels);
+        ProcessAll(engine, *channels, 200);
     }
     EXPECT_EQ(dirty, clean);
 }
@@ -215,7 +206,7 @@ TEST(LinearPhaseEngine, RecoversFromUnstableFilters)
     const Filters unstable = Unstable();
     Filters stable(1);
     stable[0].Set(MAudioFilters::HighShelf, 6.0, 5000.0, 48000.0, 0.7);   // forgets fast
-    Channels channels = Noise(2, 300000, Seed);
+    Channels channels = NoiseChannels(2, 300000, Seed);
     const Channels input = channels;
     LinearPhaseEngine engine;
     engine.Prepare(2);
@@ -230,7 +221,7 @@ TEST(LinearPhaseEngine, RecoversFromUnstableFilters)
     LinearPhaseEngine calm;
     calm.Prepare(2);
     calm.SetFilters(stable.data(), 1);
-    ProcessAll(calm, expected);
+    ProcessAll(calm, expected, 200);
     // The list is taken over at the end of its hop; the hop after that still holds a frame of the old one.
     for (std::size_t i = 9 * 16384; i < 300000; ++i)
         ASSERT_NEAR(channels[0][i], expected[0][i], 1e-5) << i;

@@ -7,7 +7,7 @@
 
 #include "audio/equalizer/EqualizerGeometry.h"
 #include "foundation/vector/Biquad.h"
-#include "tests/audio/equalizer/Signals.h"
+#include "tests/audio/equalizer/EngineTest.h"
 
 namespace
 {
@@ -15,27 +15,11 @@ using namespace EngineTest;
 constexpr std::uint32_t Seed = 77;
 constexpr std::size_t Latency = EqualizerGeometry::LatencySamples;
 
-/// Blocks of random length up to maxBlock; `before` is told where each begins.
-template <typename Before>
-void ProcessAll(NormalEngine& engine, Channels& channels, std::int32_t maxBlock, Before before)
-{
-    std::mt19937 random(Seed);
-    std::uniform_int_distribution<std::int32_t> lengths(0, maxBlock);
-    for (std::size_t position = 0; position < channels[0].size();)
-    {
-        const std::int32_t n =
-            std::min(lengths(random), static_cast<std::int32_t>(channels[0].size() - position));
-        before(position);
-        ProcessBlock(engine, channels, position, n);
-        position += static_cast<std::size_t>(n);
-    }
-}
-
 TEST(NormalEngine, WithoutSectionsItIsAnExactDelayOfAnyChannels)
 {
     for (const std::int32_t channelCount : { 1, 2, 5 })
     {
-        const Channels input = Noise(static_cast<std::size_t>(channelCount), 70000, Seed);
+        const Channels input = NoiseChannels(static_cast<std::size_t>(channelCount), 70000, Seed);
         Channels output = input;
         NormalEngine engine;
         engine.Prepare(channelCount);
@@ -53,7 +37,7 @@ TEST(NormalEngine, WithoutSectionsItIsAnExactDelayOfAnyChannels)
 
 TEST(NormalEngine, RunsTheSectionsOneAfterTheOtherAndKeepsTheirMemoryWhenTheyChange)
 {
-    const Channels input = Noise(3, 60000, Seed);
+    const Channels input = NoiseChannels(3, 60000, Seed);
     Channels output = input;
     const Filters one = Sections(6, Seed);
     const Filters other = Sections(6, Seed + 1);
@@ -91,7 +75,7 @@ TEST(NormalEngine, RunsTheSectionsOneAfterTheOtherAndKeepsTheirMemoryWhenTheyCha
             BiquadFree(state);
         }
         // The single sections round to float between each other; low ones amplify that.
-        const float tolerance = 1e-5f * Peak(expected);
+        const float tolerance = 1e-5f * PeakOf(expected);
         for (std::size_t i = 0; i < expected.size(); ++i)
             ASSERT_NEAR(output[channel][i], expected[i], tolerance) << "channel " << channel << " at " << i;
     }
@@ -122,6 +106,6 @@ TEST(NormalEngine, WhatIsNotFiniteIsTakenAsSilenceAndUnstableFiltersAreForgotten
     std::vector<float> silence(1000, 0.0f);
     float* pointers[1] = { silence.data() };
     engine.Process(pointers, pointers, 1000);
-    EXPECT_LT(Peak(silence), 1e-14f);
+    EXPECT_LT(PeakOf(silence), 1e-14f);
 }
 }   // namespace

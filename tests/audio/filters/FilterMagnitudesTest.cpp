@@ -51,7 +51,7 @@ TEST(MagnitudeGrid, EqualsExtendedPrecisionAtEveryEdgeOfTheGrid)
         for (const std::int32_t count : { 0, 1, 9, 45, 170 })
         {
             const std::vector<Filter<double>> sections = RandomSections(count, sampleRate);
-            const double* actual = grid.Evaluate(sections.data(), count);
+            const double* actual = grid.EvaluateAll(sections.data(), count);
             for (std::int32_t k = 0; k < PointCount;
                  k += k < 50 || k > PointCount - 50 || std::abs(k - 8192) < 3 ? 1 : 61)
             {
@@ -74,7 +74,7 @@ TEST(MagnitudeGrid, AgreesWithSingleMagnitudesOfSectionsAndLists)
     grid.Prepare(PointCount, 376);
     const double sampleRate = 48000.0;
     const std::vector<Filter<double>> sections = RandomSections(9, sampleRate);
-    const double* actual = grid.Evaluate(sections.data(), 9);
+    const double* actual = grid.EvaluateAll(sections.data(), 9);
     for (std::int32_t k = 20; k < PointCount; k += 97)   // from 29 Hz
     {
         const double frequency = k * sampleRate / (2.0 * PointCount);
@@ -96,7 +96,7 @@ TEST(MagnitudeGrid, SurvivesManySteepSections)
         section.Set(MAudioFilters::HighPass, 0.0, 20.0, 48000.0, 0.7071067811865476);
     MAudioFilters::MagnitudeGrid grid;
     grid.Prepare(PointCount, 376);
-    const double* actual = grid.Evaluate(sections.data(), 220);
+    const double* actual = grid.EvaluateAll(sections.data(), 220);
     for (std::int32_t k = 0; k < PointCount; ++k)
         ASSERT_TRUE(actual[k] >= 0.0 && actual[k] < 1.0001) << k << ": " << actual[k];
     EXPECT_NEAR(actual[PointCount - 1], 1.0, 1e-9);

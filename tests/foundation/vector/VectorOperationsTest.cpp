@@ -297,7 +297,7 @@ TEST(VectorOperations, ReductionsFindTheirValueForEveryCountAndStart)
         });
 }
 
-TEST(VectorOperations, CopyFiniteReplacesOnlyWhatIsNotANumberOrInfinite)
+TEST(VectorOperations, CopyWithinReplacesOnlyWhatIsNotANumberOrBeyondTheLimit)
 {
     ForEveryTarget(
         []
@@ -305,17 +305,17 @@ TEST(VectorOperations, CopyFiniteReplacesOnlyWhatIsNotANumberOrInfinite)
             const float infinity = std::numeric_limits<float>::infinity();
             std::vector<float> source = { 1.0f,     -0.0f,     std::numeric_limits<float>::max(),
                                           infinity, -infinity, std::numeric_limits<float>::quiet_NaN(),
-                                          1e-40f };
+                                          -1e9f };
             while (source.size() < 40)
                 source.push_back(source[source.size() - 7]);
             for (std::int32_t n = 0; n < 40; ++n)
             {
                 std::vector<float> target(40, 3.0f);
-                MVector::CopyFinite(source.data(), target.data(), n);
+                MVector::CopyWithin(source.data(), 1e9f, target.data(), n);
                 for (std::size_t i = 0; i < 40; ++i)
                 {
                     const bool copied = i < static_cast<std::size_t>(n);
-                    ASSERT_EQ(target[i], !copied ? 3.0f : std::isfinite(source[i]) ? source[i] : 0.0f) << i;
+                    ASSERT_EQ(target[i], !copied ? 3.0f : std::abs(source[i]) <= 1e9f ? source[i] : 0.0f) << i;
                     ASSERT_TRUE(!copied || i % 7 != 1 || std::signbit(target[i])) << "sign of zero";
                 }
             }

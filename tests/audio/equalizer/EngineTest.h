@@ -1,29 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <random>
 #include <vector>
 
 #include "audio/filters/Filter.h"
+#include "tests/Signals.h"
 
-/// Signals and section lists that the tests of the engines share. Everything follows from a seed.
+/// What the tests of the engines share.
 namespace EngineTest
 {
+using namespace Signals;
 using Filters = std::vector<MAudioFilters::Filter<double>>;
-using Channels = std::vector<std::vector<float>>;
-
-inline Channels Noise(std::size_t channelCount, std::size_t length, std::uint32_t seed)
-{
-    std::mt19937 random(seed);
-    std::uniform_real_distribution<float> values(-1.0f, 1.0f);
-    Channels channels(channelCount, std::vector<float>(length));
-    for (std::vector<float>& channel : channels)
-        std::generate(channel.begin(), channel.end(), [&] { return values(random); });
-    return channels;
-}
 
 /// Sections of all kinds from 25 Hz to 18 kHz at 48 kHz; gains shrink with their number, as in a real list.
 inline Filters Sections(std::int32_t count, std::uint32_t seed)
@@ -56,14 +46,6 @@ inline Filters Unstable()
     return sections;
 }
 
-inline float Peak(const std::vector<float>& samples)
-{
-    float peak = 0.0f;
-    for (const float sample : samples)
-        peak = std::max(peak, std::abs(sample));
-    return peak;
-}
-
 /// Runs an engine in place over all channels from `start`, `frames` long.
 template <typename Engine>
 void ProcessBlock(Engine& engine, Channels& channels, std::size_t start, std::int32_t frames)
@@ -72,5 +54,26 @@ void ProcessBlock(Engine& engine, Channels& channels, std::size_t start, std::in
     for (std::vector<float>& channel : channels)
         pointers.push_back(channel.data() + start);
     engine.Process(pointers.data(), pointers.data(), frames);
+}
+
+/// Blocks of random length up to maxBlock; `before` is told where each begins.
+template <typename Engine, typename Before>
+void ProcessAll(Engine& engine, Channels& channels, std::int32_t maxBlock, Before before)
+{
+    std::mt19937 random(static_cast<std::uint32_t>(maxBlock));
+    std::uniform_int_distribution<std::int32_t> lengths(0, maxBlock);
+    for (std::size_t position = 0; position < channels[0].size();)
+    {
+        const std::int32_t n =
+            std::min(lengths(random), static_cast<std::int32_t>(channels[0].size() - position));
+        before(position);
+        ProcessBlock(engine, channels, position, n);
+        position += static_cast<std::size_t>(n);
+    }
+}
+template <typename Engine>
+void ProcessAll(Engine& engine, Channels& channels, std::int32_t maxBlock)
+{
+    ProcessAll(engine, channels, maxBlock, [](std::size_t) {});
 }
 }   // namespace EngineTest

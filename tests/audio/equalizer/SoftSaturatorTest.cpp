@@ -7,8 +7,6 @@
 
 #include <gtest/gtest.h>
 
-#include "audio/equalizer/OutputGain.h"
-
 namespace
 {
 TEST(SoftSaturator, FollowsItsFormulaForAnyAmountAndCount)
@@ -49,25 +47,5 @@ TEST(SoftSaturator, DoesNothingAtAmountsOfZero)
         saturator.Process(&sample, 1);
         EXPECT_EQ(sample, 0.5f);
     }
-}
-
-TEST(OutputGain, RunsAlongALineInTheBlockOfAChangeAndThenStays)
-{
-    OutputGain gain;
-    std::vector<float> left(4, 1.0f);
-    std::vector<float> right(4, -2.0f);
-    float* channels[2] = { left.data(), right.data() };
-    gain.Process(0.0, channels, 2, 4);
-    EXPECT_EQ(left, std::vector<float>(4, 1.0f));
-    gain.Process(20.0, channels, 2, 4);   // a factor of 10
-    EXPECT_EQ(left, (std::vector<float>{ 1.0f, 3.25f, 5.5f, 7.75f }));
-    EXPECT_EQ(right, (std::vector<float>{ -2.0f, -6.5f, -11.0f, -15.5f }));
-    gain.Process(20.0, channels, 1, 4);
-    EXPECT_EQ(left, (std::vector<float>{ 10.0f, 32.5f, 55.0f, 77.5f }));
-    EXPECT_EQ(right[0], -2.0f);
-    gain.Process(-6.0, channels, 2, 0);
-    gain.Reset(0.0);
-    gain.Process(0.0, channels, 2, 4);
-    EXPECT_EQ(left[0], 10.0f);
 }
 }   // namespace

@@ -1,0 +1,381 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <limits>
+#include <random>
+
+#include <gtest/gtest.h>
+
+#include "audio/filters/FilterMagnitudes.h"
+#include "tests/audio/equalizer/TestEqualizer.h"
+
+namespace
+{
+using namespace Signals;
+constexpr EqualizerMode AllModes[] = { EqualizerMode::Normal, EqualizerMode::LinearPhase,
+                                       EqualizerMode::LinearPhaseFFT };
+constexpr std::size_t Latency = MEqualizerProcessor::FFTSize;
+
+const char* NameOf(EqualizerMode mode)
+{
+    static constexpr const char* names[] = { "Normal", "Linear-phase", "Linear-phase FFT based" };
+    return names[static_cast<int>(mode)];
+}
+
+// The magnitude that the lists of a mode promise, in dB.
+double PromisedDb(const TestEqualizer& equalizer, EqualizerMode mode, double hertz)
+{
+    const bool linear = mode == EqualizerMode::LinearPhase;
+    const FilterList& list = linear ? equalizer.LinearFilters() : equalizer.filters;
+    return (linear ? 40 : 20) *
+           std::log10(MAudioFilters::MagnitudeOfList(list.filters.data(), list.count, hertz));
+}
+
+// Bands of all kinds, as a state may hold them.
+void SetRandomBands(TestEqualizer& equalizer, std::mt19937& random, double highestGainDb)
+{
+    std::uniform_real_distribution<double> share(0.0, 1.0);
+    for (std::int32_t index = 0; index < MEqualizerBase::BandCount; ++index)
+    {
+        BandPoint& band = equalizer.SetBand(index, std::uniform_int_distribution<std::int32_t>(0, 8)(random),
+                                            20.0 * std::pow(1000.0, share(random)),
+                                            highestGainDb * (2.0 * share(random) - 1.0),
+                                            0.3 * std::pow(30.0, share(random)));
+        band.enabled = share(random) < 0.3;
+        band.order = share(random) < 0.2 ? 2 : 0;
+        band.harmonicsDepth = share(random) < 0.3 ? 2.0 * share(random) - 1.0 : 0.0;
+        band.harmonicsLinear = share(random) < 0.5;
+        band.harmonicsSemitones = 1.0 + 47.0 * share(random);
+    }
+    equalizer.Update();
+}
+
+TEST(EqualizerProcessor, ListsHoldTheSectionsThatTheBandsAskFor)
+{
+    TestEqualizer equalizer(EqualizerMode::LinearPhase);
+    const auto counts = [&equalizer]
+    {
+        equalizer.Update();
+        EXPECT_EQ(equalizer.GetTailSize(), (equalizer.filters.count + 1) * 1024);
+        return std::pair{ equalizer.filters.count, equalizer.LinearFilters().count };
+    };
+    EXPECT_EQ(counts(), std::pair(0, 0));
+    BandPoint& band = equalizer.SetBand(0, MAudioFilters::Peak, 1000, 6, 1);
+    EXPECT_EQ(counts(), std::pair(1, 1));
+    band.type = MAudioFilters::LowShelf;
+    EXPECT_EQ(counts(), std::pair(2, 1)) << "a shelf is two passes of half the gain";
+    EXPECT_NEAR(equalizer.filters.filters[0].gain, 3, 1e-12);
+    band.type = MAudioFilters::LowPass;
+    band.order = 9;
+    EXPECT_EQ(counts(), std::pair(20, 10));
+    band.type = MAudioFilters::Peak;
+    band.harmonicsDepth = 1.0;
+    EXPECT_EQ(counts(), std::pair(5, 5)) << "1, 2, 4, 8 and 16 kHz; 32 kHz lies beyond half the rate";
+    band.harmonicsSemitones = 24.0;
+    EXPECT_EQ(counts(), std::pair(3, 3)) << "1, 4 and 16 kHz";
+    EXPECT_NEAR(equalizer.filters.filters[2].frequency, 16000, 1e-6);
+    band.harmonicsMaxCount = 1;
+    EXPECT_EQ(counts(), std::pair(2, 2));
+    band.harmonicsMaxCount = 16;
+    band.harmonicsSemitones = 12.0;
+    band.harmonicsEnabled[0] = false;
+    EXPECT_EQ(counts(), std::pair(4, 4));
+    band.harmonicsEnabled[0] = true;
+    band.harmonicsLinear = true;
+    EXPECT_EQ(counts(), std::pair(17, 17)) << "1 kHz and its sixteen multiples";
+    EXPECT_NEAR(equalizer.filters.filters[2].frequency, 3000, 1e-6);
+    EXPECT_NEAR(equalizer.filters.filters[1].q, 1 + 19 * 0.1, 1e-9) << "each harmonic is narrower";
+    band.harmonicsSemitones = 24.0;
+    EXPECT_EQ(counts(), std::pair(2, 2)) << "2 to the power of 3 is 8 kHz, 3 to it beyond";
+    band.harmonicsSemitones = 12.0;
+    band.harmonicsDepth = -0.5;
+    equalizer.Update();
+    EXPECT_LT(equalizer.filters.filters[1].gain, 0);
+    EXPECT_GT(equalizer.filters.filters[2].gain, 0);
+    band.harmonicsDepth = 0.01;
+    EXPECT_EQ(counts(), std::pair(2, 2)) << "0.0006 dB is nothing";
+    band.harmonicsDepth = 1.0;
+    band.x = std::log10(15000.0);
+    EXPECT_EQ(counts(), std::pair(1, 1));
+    for (std::int32_t index = 0; index < 10; ++index)
+    {
+        BandPoint& each = equalizer.SetBand(index, MAudioFilters::LowShelf, 20, 20, 1);
+        each.harmonicsDepth = 1.0;
+        each.harmonicsLinear = true;
+    }
+    EXPECT_EQ(counts(), std::pair(340, 170)) << "the longest lists fit";
+    equalizer.upsamplingRatio = 2;
+    EXPECT_EQ(counts(), std::pair(340, 171)) << "the images of the rate before upsampling go, too";
+    EXPECT_NEAR(equalizer.LinearFilters().filters[170].frequency, 24000 * 20000.0 / 44100, 1e-6);
+}
+
+TEST(EqualizerProcessor, SoloAndListenPassWhatABandChanges)
+{
+    for (std::int32_t type = 0; type < 9; ++type)
+        for (const double gainDb : { 9.0, -9.0 })
+        {
+            SCOPED_TRACE(::testing::Message() << "type " << type << ", " << gainDb << " dB");
+            TestEqualizer equalizer(EqualizerMode::LinearPhaseFFT);
+            equalizer.SetBand(0, type, 800, gainDb, 1);
+            equalizer.SetBand(1, MAudioFilters::Peak, 5000, -12, 1);
+            equalizer.autoListen = true;
+            equalizer.Update();
+            const std::int32_t all = equalizer.filters.count;
+            equalizer.selectedBand = 0;
+            equalizer.Update();
+            ASSERT_EQ(equalizer.filters.count, 1);
+            EXPECT_GT(all, 1) << "nothing is dragged";
+            const bool cuts = type >= MAudioFilters::LowPass && type <= MAudioFilters::BandPass;
+            for (const double hertz : { 100.0, 800.0, 3000.0 })
+            {
+                // Types that only pass are heard as they are, the others less the signal itself.
+                MAudioFilters::Filter<double> section;
+                const bool isShelf = type == MAudioFilters::LowShelf || type == MAudioFilters::HighShelf;
+                const double gain = isShelf ? gainDb / 2 : gainDb;
+                section.Set(type, cuts ? gain : std::abs(20 * std::log10(std::pow(10, gain / 20) + 1)), 800,
+                            48000, 1);
+                const auto z1 = std::polar(1.0, -2 * std::numbers::pi * hertz / 48000);
+                const auto h = (section.b0 + section.b1 * z1 + section.b2 * z1 * z1) /
+                               (1.0 - section.a1 * z1 - section.a2 * z1 * z1);
+                EXPECT_NEAR(equalizer.filters.filters[0].Magnitude(hertz), std::abs(cuts ? h : h - 1.0),
+                            1e-9);
+            }
+        }
+    TestEqualizer equalizer(EqualizerMode::LinearPhase);
+    equalizer.SetBand(0, MAudioFilters::Peak, 200, 12, 1);
+    equalizer.listening = true;
+    equalizer.listenFrequency = 3000.0;
+    equalizer.Update();
+    ASSERT_EQ(equalizer.filters.count, 1);
+    ASSERT_EQ(equalizer.LinearFilters().count, 1);
+    EXPECT_NEAR(PromisedDb(equalizer, EqualizerMode::LinearPhase, 3000), 0, 1e-6);
+    EXPECT_LT(PromisedDb(equalizer, EqualizerMode::LinearPhase, 200), -20);
+}
+
+TEST(EqualizerProcessor, KnowsTheResponseOfItsBandsAtAnyTime)
+{
+    MEqualizerProcessor fresh;
+    fresh.Update();
+    EXPECT_EQ(fresh.CurrentResponse().DecibelsAt(3.0), 0.0) << "nothing runs before the preparation";
+    for (const EqualizerMode mode : AllModes)
+    {
+        TestEqualizer equalizer(mode);
+        equalizer.SetBand(0, MAudioFilters::Peak, 1000, 6, 1);
+        equalizer.SetRatio(0.5);
+        const double half = 20 * std::log10(0.5 + 0.5 * std::pow(10.0, 0.3));
+        EXPECT_NEAR(equalizer.CurrentResponse().DecibelsAt(3.0), half, 1e-6);
+        if (mode == EqualizerMode::Normal)
+            continue;   // there the sections hold the ratio
+        EXPECT_NEAR(equalizer.CurrentResponse(false).DecibelsAt(3.0), 6, 1e-6);
+    }
+}
+
+TEST(EqualizerProcessor, EveryModeKeepsThePromisedMagnitude)
+{
+    struct Case
+    {
+        std::int32_t type;
+        double hertz, gainDb, q;
+        std::int32_t order;
+    };
+    using namespace MAudioFilters;
+    const Case cases[] = {
+        { Peak, 1000, 12, 1, 0 },        { Peak, 40, -12, 4, 0 },         { Peak, 12000, 24, 0.3, 0 },
+        { LowShelf, 120, -9, 0.7, 0 },   { HighShelf, 6000, 15, 0.9, 0 }, { LowPass, 5000, 0, 0.707, 0 },
+        { LowPass, 900, 0, 1.1, 1 },     { HighPass, 80, 0, 0.707, 0 },   { LowPass6, 3000, 0, 1, 0 },
+        { HighPass6, 150, 0, 1, 1 },     { BandPass, 1500, 0, 0.6, 0 },   { Notch, 9000, 0, 0.5, 0 },
+        { HighShelf, 20000, 9, 0.7, 0 },
+    };
+    for (const double rate : { 22050.0, 48000.0 })
+        for (const EqualizerMode mode : AllModes)
+            for (const Case& each : cases)
+            {
+                SCOPED_TRACE(::testing::Message() << NameOf(mode) << ", " << rate << " Hz, type " << each.type
+                                                  << " at " << each.hertz << " Hz, " << each.gainDb
+                                                  << " dB, Q " << each.q << ", order " << each.order);
+                TestEqualizer equalizer(mode, rate);
+                equalizer.SetBand(0, each.type, each.hertz, each.gainDb, each.q).order = each.order;
+                equalizer.Update();
+                const std::vector<float> response = equalizer.Impulse();
+                for (double hertz = 30; hertz < 0.45 * rate; hertz *= 1.3)
+                {
+                    const double promised = PromisedDb(equalizer, mode, hertz);
+                    // Float samples leave a floor of about -150 dB of the impulse; 60 dB above it rounding
+                    // costs 0.01 dB at the most. In spectra, half the sample rate shares the gain of 0 Hz:
+                    // a floor of 1 / 32768 where a filter takes the top away.
+                    if (promised < (mode == EqualizerMode::LinearPhaseFFT ? -30 : -85))
+                        continue;
+                    // A band of 10 Hz rings so long that the frames of the spectra begin to show.
+                    const bool rings = mode == EqualizerMode::LinearPhaseFFT && each.hertz < 50;
+                    EXPECT_NEAR(MeasuredDb(response, hertz, rate), promised, rings ? 0.03 : 0.01)
+                        << hertz << " Hz";
+                }
+                if (mode == EqualizerMode::Normal)
+                    continue;
+                double asymmetry = 0;
+                for (std::size_t distance = 1; distance < Latency; ++distance)
+                    asymmetry = std::max<double>(
+                        asymmetry, std::fabs(response[Latency + distance] - response[Latency - distance]));
+                EXPECT_LT(asymmetry, 1e-5 * std::max(1.0, static_cast<double>(response[Latency])))
+                    << "-100 dB of the impulse";
+            }
+}
+
+// Whatever the bands, the rate, the mode and their changes: finite, bounded, the same in all channels that
+// get the same, and the same in blocks of any lengths, in place or not.
+TEST(EqualizerProcessor, AnyBandsAtAnyRateInAnyModeStayWithinBounds)
+{
+    constexpr double rates[] = { 8000, 11025, 16000, 22050, 32000, 44100, 48000, 96000, 192000, 384000 };
+    constexpr std::size_t count = 90000;
+    for (std::uint32_t seed = 1; seed <= 10; ++seed)
+    {
+        std::mt19937 random(seed);
+        const double rate = rates[seed - 1];
+        Channels input = NoiseChannels(3, count, seed, 0.7f);
+        input[2] = input[0];
+        input[1][500] = std::numeric_limits<float>::quiet_NaN();
+        input[1][700] = std::numeric_limits<float>::infinity();
+        input[1][900] = 3e38f;
+        std::vector<Channels> outputs;
+        double bound = 0;
+        for (const std::vector<std::int32_t>& blocks :
+             { std::vector<std::int32_t>{ 500 }, { 1, 99, 400 }, { 250, 250 } })
+        {
+            SCOPED_TRACE(::testing::Message() << "seed " << seed << ", " << rate << " Hz");
+            random.seed(seed);
+            bound = 0;
+            TestEqualizer equalizer(AllModes[seed % 3], rate, 3);
+            const auto change = [&](std::size_t position)
+            {
+                if (position % 4000 != 0)
+                    return;
+                // Mid-way on, all stands still.
+                if (position <= count / 2)
+                {
+                    SetRandomBands(equalizer, random, 12);
+                    equalizer.SetRatio(random() % 3 == 0 ? 0.5 : 1.0);
+                    if (random() % 4 == 0)
+                        equalizer.SetMode(AllModes[random() % 3]);
+                }
+                const ResponseCurve curve = equalizer.CurrentResponse(false);
+                for (double x = 1; x < std::log10(rate / 2); x += 0.01)
+                    bound = std::max(bound, curve.DecibelsAt(x));
+            };
+            outputs.push_back(equalizer.Run(input, blocks, change));
+            EXPECT_TRUE(outputs.back() == outputs.front()) << "first block " << blocks[0];
+            EXPECT_TRUE(outputs.back()[0] == outputs.back()[2]) << "same input, other output";
+            // Noise can't rise further than the sum of a filter's impulse response; changes of high
+            // resonances click, but don't burst.
+            for (const std::vector<float>& channel : outputs.back())
+                EXPECT_LT(PeakOf(channel), 30.0 * std::pow(10.0, bound / 20)) << bound << " dB";
+        }
+        // In place, and crosswise: the outputs share the inputs' arrays.
+        random.seed(seed);
+        TestEqualizer equalizer(AllModes[seed % 3], rate, 2);
+        SetRandomBands(equalizer, random, 12);
+        equalizer.SetRatio(0.5);
+        Channels apart(2, std::vector<float>(40000));
+        Channels shared = { std::vector<float>(input[0].begin(), input[0].begin() + 40000),
+                            std::vector<float>(input[2].begin() + 100, input[2].begin() + 40100) };
+        const float* sources[2] = { shared[0].data(), shared[1].data() };
+        float* targets[2] = { apart[0].data(), apart[1].data() };
+        equalizer.ProcessChannels(sources, targets, 40000);
+        equalizer.InitProcessing(2, rate);
+        equalizer.Update();
+        float* crossed[2] = { shared[1].data(), shared[0].data() };
+        equalizer.ProcessChannels(sources, crossed, 40000);
+        EXPECT_TRUE(shared[1] == apart[0] && shared[0] == apart[1]);
+    }
+}
+
+TEST(EqualizerProcessor, WithoutBandsTheInputReturnsAfterTheLatencyWhateverTheModeTurnsTo)
+{
+    for (std::uint32_t seed = 0; seed < 6; ++seed)
+    {
+        SCOPED_TRACE(seed);
+        std::mt19937 random(seed);
+        const Channels input = NoiseChannels(2, 10 * Latency, seed, 0.7f);
+        TestEqualizer equalizer(AllModes[seed % 3], 48000, 2);
+        // With a ratio there is dry signal, too, and without bands it is the same; switched off, bands are
+        // none.
+        equalizer.SetRatio(seed % 2 == 0 ? 1.0 : 0.4);
+        if (seed >= 3)
+        {
+            equalizer.bandsEnabled = false;
+            SetRandomBands(equalizer, random, 12);
+        }
+        const std::vector<std::int32_t> blocks = { 64, 1, 441, 4096,
+                                                   static_cast<std::int32_t>(17 + 1000 * seed) };
+        std::size_t block = 0;
+        const Channels output = equalizer.Run(input, blocks,
+                                              [&](std::size_t)
+                                              {
+                                                  // Sometimes at once again, sometimes with time to settle.
+                                                  if (++block % (seed % 2 == 0 ? 7 : 101) == 0)
+                                                      equalizer.SetMode(AllModes[random() % 3]);
+                                              });
+        // Below -120 dB of the signal's 0.7 where spectra or frames are added up again.
+        for (std::size_t channel = 0; channel < 2; ++channel)
+            EXPECT_LE(LargestDifference(output[channel], input[channel], 0, 10 * Latency, Latency), 7e-7);
+    }
+}
+
+TEST(EqualizerProcessor, AChangeOfModeSoundsSoonLikeTheNewModeAndNeverLikeAnythingElse)
+{
+    constexpr std::size_t count = 6 * Latency;
+    constexpr std::size_t turn = 3 * Latency + 77;
+    const Channels input = NoiseChannels(1, count, 9, 0.5f);
+    for (const EqualizerMode from : AllModes)
+        for (const EqualizerMode to : AllModes)
+        {
+            SCOPED_TRACE(::testing::Message() << NameOf(from) << " to " << NameOf(to));
+            Channels plain[2];
+            for (const int index : { 0, 1 })
+            {
+                TestEqualizer equalizer(index == 0 ? from : to);
+                equalizer.SetBand(0, MAudioFilters::HighShelf, 2000, -12, 0.7);
+                equalizer.Update();
+                plain[index] = equalizer.Run(input, { 480 }, [](std::size_t) {});
+            }
+            TestEqualizer equalizer(from);
+            equalizer.SetBand(0, MAudioFilters::HighShelf, 2000, -12, 0.7);
+            equalizer.Update();
+            const std::vector<float> output = equalizer.Run(input, { static_cast<std::int32_t>(turn), 480 },
+                                                            [&](std::size_t position)
+                                                            {
+                                                                if (position == turn)
+                                                                    equalizer.SetMode(to);
+                                                            })[0];
+            EXPECT_LT(LargestDifference(output, plain[0][0], 0, turn, 0), 1e-6);
+            const std::size_t settled = turn + 48000 / 5;
+            // Frames of spectra begin where the mode began, and each wraps a little.
+            const float tolerance = to == EqualizerMode::LinearPhaseFFT ? 1e-3f : 2e-6f;
+            EXPECT_LT(LargestDifference(output, plain[1][0], settled, count, 0), tolerance)
+                << "a fifth of a second";
+            for (std::size_t i = turn; i < settled; ++i)
+            {
+                const float one = plain[0][0][i];
+                const float other = plain[1][0][i];
+                ASSERT_GE(output[i], std::min(one, other) - tolerance) << i - turn;
+                ASSERT_LE(output[i], std::max(one, other) + tolerance) << i - turn;
+            }
+        }
+}
+
+TEST(EqualizerProcessor, TheRatioMixesTheDelayedInput)
+{
+    for (const EqualizerMode mode : AllModes)
+    {
+        SCOPED_TRACE(NameOf(mode));
+        TestEqualizer dry(mode);
+        dry.SetBand(0, MAudioFilters::Peak, 1000, 12, 1);
+        dry.SetRatio(0.0);
+        const std::vector<float> input = Noise(2 * Latency, 5, 0.7f);
+        EXPECT_LT(LargestDifference(dry.Run(input, { 480 }), input, 0, 2 * Latency, Latency), 7e-7);
+
+        TestEqualizer half(mode);
+        half.SetBand(0, MAudioFilters::Peak, 1000, 12, 1);
+        half.SetRatio(0.5);
+        const double expected = 20 * std::log10(0.5 + 0.5 * std::pow(10.0, 12 / 20.0));
+        EXPECT_NEAR(MeasuredDb(half.Impulse(), 1000, 48000), expected, 0.01);
+    }
+}
+}   // namespace
