@@ -2,6 +2,8 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
+#include <vector>
 
 #include "foundation/text/MString.h"
 
@@ -18,6 +20,8 @@ AnalysisArray ReadAnalysis(const MAttribute& node);
 /// A saved analysis, ".TonalignComparison": XML with the one element "TonalignSourceAnalysis", in a zlib
 /// stream. A reader takes the XML without the stream as well.
 inline constexpr const char* AnalysisFileExtension = "TonalignComparison";
+/// Its bytes, for whoever writes the file.
+std::vector<std::uint8_t> AnalysisFileBytes(const AnalysisArray& analysis);
 /// Throws MException; an old file stays as it was then.
 void SaveAnalysisFile(const MString& path, const AnalysisArray& analysis);
 /// Throws MException for what is neither a zlib stream nor XML.
