@@ -4,6 +4,7 @@
 #include <bit>
 
 #include "foundation/module/MModule.h"
+#include "foundation/streams/MMemoryStream.h"
 #include "state/tree/MAttribute.h"
 #include "state/tree/XML.h"
 
@@ -14,6 +15,7 @@ namespace
 {
 constexpr std::int32_t imageSize = 4096;
 static_assert(sizeof(AnalysisArray) == imageSize);
+constexpr const char* rootName = "TonalignSourceAnalysis";
 }   // namespace
 
 void StoreAnalysis(MAttribute& node, const AnalysisArray& analysis)
@@ -35,9 +37,20 @@ MString AnalysisFolder()
     return MModule::GetDataPath(productName + "/Comparisons");
 }
 
+std::vector<std::uint8_t> AnalysisFileBytes(const AnalysisArray& analysis)
+{
+    MAttribute root(rootName);
+    StoreAnalysis(root, analysis);
+    MMemoryStream stream;
+    WriteCompressedXML(root, stream, "utf-8");
+    stream.Seek(0, MStream::Begin);
+    const std::uint8_t* begin = stream.GetCurrentPointer();
+    return { begin, begin + stream.GetSize() };
+}
+
 void SaveAnalysisFile(const MString& path, const AnalysisArray& analysis)
 {
-    MAttribute root("TonalignSourceAnalysis");
+    MAttribute root(rootName);
     StoreAnalysis(root, analysis);
     SaveCompressedXML(root, path, "utf-8");
 }

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
+#include <vector>
 
 #include "foundation/text/MString.h"
 
@@ -22,6 +24,8 @@ inline constexpr const char* AnalysisFileExtension = "TonalignComparison";
 inline constexpr const char* AnalysisFileTypeName = "Source analysis files";
 /// Where dialogs start: a folder in the module's data folder, created when missing. Throws MException.
 MString AnalysisFolder();
+/// Its bytes, for whoever writes the file.
+std::vector<std::uint8_t> AnalysisFileBytes(const AnalysisArray& analysis);
 /// Throws MException; an old file stays as it was then.
 void SaveAnalysisFile(const MString& path, const AnalysisArray& analysis);
 /// Throws MException for what is neither a zlib stream nor XML.

@@ -81,10 +81,6 @@ public:
     WorkResult AnalyseFile(const MString& path, bool isSource, const WorkProgress& progress = {});
     /// The same for audio in memory, which is brought to the effect's rate in place.
     WorkResult AnalyseBuffer(AudioSampleBuffer& buffer, bool isSource, const WorkProgress& progress = {});
-    /// Fits bands that bring the target to the source (or, to separate, make room for it) and puts them in
-    /// place of all that were there. Throws MException "Invalid source data. Please perform analyzation.".
-    EqualizeResult Equalize(bool separate);
-
     /// The prepared curves that Equalize compares: what it wants to reach, and where it starts.
     struct ComparedCurves
     {
@@ -92,6 +88,20 @@ public:
         std::array<float, 1024> target;
     };
     ComparedCurves Compare(bool separate);
+
+    /// What Equalize did, and what it went by.
+    struct Equalization
+    {
+        EqualizeResult result;
+        ComparedCurves curves;
+        std::int32_t first;   ///< the grid points from `first` to `last` lie inside the frequency limits
+        std::int32_t last;
+    };
+    /// Fits bands that bring the target to the source (or, to separate, make room for it) and puts them in
+    /// place of all that were there. With NeverAmplify the bands together raise nothing by more than 0.05 dB.
+    /// Throws MException "Invalid source data. Please perform analyzation.".
+    Equalization Equalize(bool separate);
+
     enum class DrySignal
     {
         LeftOut,

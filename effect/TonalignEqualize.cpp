@@ -72,19 +72,25 @@ MString TonalignAudioEffectPlugin::NothingToDoText(bool separate)
                      "controller to increase requested separation limit.");
 }
 
-TonalignAudioEffectPlugin::EqualizeResult TonalignAudioEffectPlugin::Equalize(bool separate)
+TonalignAudioEffectPlugin::Equalization TonalignAudioEffectPlugin::Equalize(bool separate)
 {
     // A copy: a host may load a state while this works.
     MatchInput input = TakeMatchInput();
     if (!IsFinite(input.target) || (input.sourceDefined && !IsFinite(input.source)))
         throw MException("Invalid source data. Please perform analyzation.");
-    const ComparedCurves curves = Compare(input, separate);
-    WantedResponse wanted(curves.target, curves.reference);
+    Equalization done{
+        .result = EqualizeResult::Done, .curves = Compare(input, separate), .first = 0, .last = 0
+    };
+    WantedResponse wanted(done.curves.target, done.curves.reference);
     if (wanted.IsFlat())
-        return EqualizeResult::NothingToDo;
+        done.result = EqualizeResult::NothingToDo;
     wanted.Limit(FitterGrid(), { .frequencyMinHz = input.settings.adaptionFrequencyMin,
                                  .frequencyMaxHz = input.settings.adaptionFrequencyMax,
                                  .neverAmplify = input.settings.neverAmplify });
+    done.first = wanted.First();
+    done.last = wanted.Last();
+    if (done.result == EqualizeResult::NothingToDo)
+        return done;
     wanted.Transform(input.settings.autoEqEnvelope);
     std::vector<FittedFilter> fitted;
     fitter.Fit(wanted.Values().data(), sampleRate, fitted, input.settings.maxAdaptionBars,
@@ -99,7 +105,7 @@ TonalignAudioEffectPlugin::EqualizeResult TonalignAudioEffectPlugin::Equalize(bo
         equalizer.automation.MarkChangesSince(before);
     }
     equalizer.UpdateAllBandControls();
-    return EqualizeResult::Done;
+    return done;
 }
 
 void TonalignAudioEffectPlugin::WriteBands(const std::vector<FittedFilter>& fitted)

@@ -5,13 +5,15 @@
 #include "effect/TonalignInterface.h"
 #include "foundation/module/Configuration.h"
 #include "foundation/text/Boundary.h"
+#include "hosts/module/PluginIdentity.h"
 #include "resources/RegisterResources.h"
 
 std::unique_ptr<MQuorvaneAudioEffectPlugin> CreateInstance(StartingSettings starting)
 {
     StartModuleWithResources();
     auto plugin = std::make_unique<MQuorvaneAudioEffectPlugin>();
-    plugin->Initialize("TonalignLinearPhase", "Quorvane", &TonalignAudioEffectPluginInterface, 800, 560);
+    plugin->Initialize(PluginIdentity::Name, PluginIdentity::Maker, &TonalignAudioEffectPluginInterface, 800,
+                       560);
     if (starting == StartingSettings::OfTheUser)
     {
         plugin->SetSurround(ReadPluginConfiguration().surround != 0);

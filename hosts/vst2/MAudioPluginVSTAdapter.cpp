@@ -11,6 +11,7 @@
 #include "foundation/text/Boundary.h"
 #include "foundation/text/MStringFormat.h"
 #include "hosts/module/CreateInstance.h"
+#include "hosts/module/PluginIdentity.h"
 #include "plugin/driver/PluginState.h"
 
 namespace Vst2
@@ -98,8 +99,8 @@ void MAudioPluginVSTAdapter::FillRecord()
     effect.numOutputs = plugin->outputNames.Count();
     effect.numParams = plugin->GetParameterCount();
     effect.ioRatio = 1;
-    effect.uniqueID = FourCharacters("QT~2");
-    effect.version = 7100;
+    effect.uniqueID = FourCharacters(PluginIdentity::Vst2Effect);
+    effect.version = PluginIdentity::Vst2Version;
 }
 
 void MAudioPluginVSTAdapter::KeepFirstGroupFor(std::intptr_t hostVersion)

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cstring>
 
+#include "hosts/module/PluginIdentity.h"
 #include "hosts/vst3/MAudioPluginVST3Adapter.h"
 
 using namespace Steinberg;
@@ -12,18 +13,15 @@ namespace Vst3
 {
 namespace
 {
-constexpr char classId[] = "qvrnPlugQT~2QT~2";
-static_assert(sizeof classId == sizeof(TUID) + 1);
-
 PClassInfo2 ClassInfo()
 {
-    return { classId,
+    return { PluginIdentity::Vst3Class,
              PClassInfo::kManyInstances,
              kVstAudioEffectClass,
-             "TonalignLinearPhase",
+             PluginIdentity::Name,
              0,
              "Fx|EQ",
-             "Quorvane",
+             PluginIdentity::Maker,
              "7.10",
              "VST 3.5.2" };
 }
@@ -57,8 +55,8 @@ public:
     {
         if (info == nullptr)
             return kInvalidArgument;
-        *info = PFactoryInfo("Quorvane", "https://quorvane.example", "mailto:support@quorvane.example",
-                             PFactoryInfo::kUnicode);
+        *info = PFactoryInfo(PluginIdentity::Maker, "https://quorvane.example",
+                             "mailto:support@quorvane.example", PFactoryInfo::kUnicode);
         return kResultOk;
     }
     int32 PLUGIN_API countClasses() override { return 1; }
@@ -92,7 +90,7 @@ public:
         *object = nullptr;
         if (cid == nullptr || wanted == nullptr)
             return kInvalidArgument;
-        if (std::memcmp(cid, classId, sizeof(TUID)) != 0)
+        if (std::memcmp(cid, PluginIdentity::Vst3Class, sizeof(TUID)) != 0)
             return kNoInterface;
         // The interface's type for an identifier is an array of 16, what comes in points at one.
         return CreateComponent(*reinterpret_cast<const TUID*>(wanted), object);

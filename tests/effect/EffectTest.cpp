@@ -122,7 +122,7 @@ TEST_F(Effect, EqualizeBringsTheTargetToTheSource)
     for (const std::int32_t bands : { 1, 2, 4, 8, 10 })
     {
         effect.settings.maxAdaptionBars = bands;
-        EXPECT_EQ(effect.Equalize(false), TonalignAudioEffectPlugin::EqualizeResult::Done);
+        EXPECT_EQ(effect.Equalize(false).result, TonalignAudioEffectPlugin::EqualizeResult::Done);
         int enabled = 0;
         for (std::int32_t index = 0; index < 10; ++index)
         {
@@ -145,12 +145,12 @@ TEST_F(Effect, EqualMeasurementsAreAlreadyPerfect)
     for (float& value : louder)
         value *= 10;
     effect.SetAnalysis(louder, true);
-    EXPECT_EQ(effect.Equalize(false), TonalignAudioEffectPlugin::EqualizeResult::NothingToDo)
+    EXPECT_EQ(effect.Equalize(false).result, TonalignAudioEffectPlugin::EqualizeResult::NothingToDo)
         << "a difference of level alone isn't equalized";
     EXPECT_EQ(TonalignAudioEffectPlugin::NothingToDoText(false).ToUTF8(),
               "There is nothing to equalize, because the analysis shows it is already perfect.");
     effect.settings.spaceInMixLimit = 0;
-    EXPECT_EQ(effect.Equalize(true), TonalignAudioEffectPlugin::EqualizeResult::NothingToDo);
+    EXPECT_EQ(effect.Equalize(true).result, TonalignAudioEffectPlugin::EqualizeResult::NothingToDo);
     EXPECT_NE(TonalignAudioEffectPlugin::NothingToDoText(true).ToUTF8().find("\n\nSince you are trying to "
                                                                              "separate"),
               std::string::npos);
@@ -162,7 +162,7 @@ TEST_F(Effect, SeparateOnlyLowers)
     Measure(false, 0.5);
     Measure(true, 0.9);
     effect.settings.disablePassNotch = true;
-    ASSERT_EQ(effect.Equalize(true), TonalignAudioEffectPlugin::EqualizeResult::Done);
+    ASSERT_EQ(effect.Equalize(true).result, TonalignAudioEffectPlugin::EqualizeResult::Done);
     const std::array<float, 1024> response = effect.BandResponse();
     EXPECT_LT(response[300], -1);
 }

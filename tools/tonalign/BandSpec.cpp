@@ -36,7 +36,9 @@ Number ReadField(const std::string& spec, const std::string& field, const char* 
 {
     Number value{};
     const char* end = field.data() + field.size();
-    const auto [stop, error] = std::from_chars(field.data(), end, value);
+    // A plus sign, which the conversion doesn't know, stands in front of many a gain.
+    const bool hasPlus = field.size() > 1 && field[0] == '+' && field[1] != '-';
+    const auto [stop, error] = std::from_chars(field.data() + (hasPlus ? 1 : 0), end, value);
     if (error != std::errc{} || stop != end || !(value >= minimum && value <= maximum))
         throw UsageError{ "--band " + spec + ": " + name + " \"" + field + "\" is not " + range };
     return value;

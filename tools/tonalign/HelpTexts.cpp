@@ -7,7 +7,7 @@
     "  --algorithm NAME        default: every place of every filter shape is tried;\n"                       \
     "                          optimized: the likeliest place of each shape (default)\n"                     \
     "  --low HZ, --high HZ     leave what lies below or above alone, 20 to 20000\n"                          \
-    "  --never-amplify         only cut\n"                                                                   \
+    "  --never-amplify         cut only: the bands together raise no frequency by more than 0.05 dB\n"       \
     "  --no-pass-notch         only peaks and shelves\n"                                                     \
     "  --smooth PERCENT        smoothing of the spectra, 0 to 20 (5)\n"
 
@@ -31,8 +31,10 @@
     "  --format NAME           wav, flac or aiff (from OUT's ending)\n"                                      \
     "  --bits NAME             16, 24 or 32f (as the input); integers are rounded, not dithered\n"           \
     "  --save-state FILE       also write the plug-in's state, as a host would keep it\n"                    \
+    "  --save-preset FILE      also write a preset that the dialog of a host opens: .vstpreset for VST 3,\n" \
+    "                          .fxp for VST 2\n"                                                             \
     "  --block FRAMES          frames in a processing block, 1 to 1048576 (512)\n"                           \
-    "  --force                 replace files that exist\n"                                                   \
+    "  --force                 replace plain files that exist\n"                                             \
     "  --json                  print one JSON object instead of text\n"                                      \
     "  --quiet                 print nothing but errors\n"
 
@@ -84,7 +86,7 @@ const char* const Equalize =
     "DESCRIPTION\n"
     "  Measures TARGET and SOURCE, fits bands to the difference of their spectra, prints the bands and\n"
     "  how much closer the spectrum came, and with -o writes TARGET through the bands. Only the balance\n"
-    "  is matched, not the loudness. SOURCE is a recording or a saved analysis (.TonalignComparison).\n"
+    "  is matched, not the loudness. SOURCE is a recording or a saved analysis, whatever its name.\n"
     "  Without -o TARGET may be an analysis too.\n"
     "\n"
     "  --source SOURCE         what TARGET should sound like\n"
@@ -138,6 +140,11 @@ const char* const Analyse =
     "DESCRIPTION\n"
     "  Writes the long-term spectrum of FILE, 1024 points from 20 Hz to 20 kHz, as an analysis that\n"
     "  equalize and separate take as a SOURCE and that the plug-in loads.\n"
+    "\n"
+    "  -o NAME                 the file to write\n"
+    "  --force                 replace a plain file that exists\n"
+    "  --json                  print one JSON object instead of text\n"
+    "  --quiet                 print nothing but errors\n"
     "\n" STATUS;
 
 const char* const Show =
@@ -154,5 +161,6 @@ const char* const Show =
     "  --csv                   1024 lines: frequency_hz,response_db of a state's bands,\n"
     "                          frequency_hz,level_db of an analysis or a recording\n"
     "  --rate HZ               sample rate at which a state's bands are evaluated (48000)\n"
+    "  --quiet                 show no progress\n"
     "\n" STATUS;
 }   // namespace HelpTexts

@@ -15,6 +15,9 @@ namespace
 {
 // Below this, -160 dBFS, there is nothing but the rounding of a format.
 constexpr double silenceLevel = 1e-8;
+// What a damaged header may hold lies beyond; real files are far from either.
+constexpr double lowestRate = 1000;
+constexpr double highestRate = 1000000;
 // One spectrum of the analyzer.
 constexpr double frameLength = 4096;
 
@@ -39,6 +42,10 @@ void LoadAudioInput(AudioInput& input, const std::string& path, const std::funct
     input.path = path;
     AudioSampleBuffer& buffer = input.buffer;
     LoadAudioFile(buffer, MString::FromUTF8(path), { progress });
+    if (!(buffer.sampleRate >= lowestRate && buffer.sampleRate <= highestRate))
+        Refuse(Format("Its sample rate of {0} Hz is none from {1} to {2} Hz.",
+                      static_cast<std::int64_t>(buffer.sampleRate), static_cast<int>(lowestRate),
+                      static_cast<int>(highestRate)));
     if (buffer.channels > 8)
         Refuse(Format("The file has {0} channels; up to 8 are supported.", buffer.channels));
     for (std::size_t channel = 0; channel < static_cast<std::size_t>(buffer.channels); ++channel)
@@ -64,14 +71,6 @@ void CheckMeasurable(const AudioInput& input, double analysisRate)
                       static_cast<int>(std::ceil(1000 * frameLength / analysisRate))));
 }
 
-bool HasAnalysisEnding(const std::string& path)
-{
-    const std::string ending = std::string(".") + AnalysisFileExtension;
-    return path.size() > ending.size() &&
-           std::equal(ending.rbegin(), ending.rend(), path.rbegin(),
-                      [](char a, char b) { return std::tolower(a) == std::tolower(b); });
-}
-
 InputKind DetectInput(const std::string& path)
 {
     // A zlib stream (RFC 1950) begins with 0x78 as this system writes it, XML with "<" or its byte-order
@@ -83,7 +82,7 @@ InputKind DetectInput(const std::string& path)
             return InputKind::Audio;
     }
     if (first != 0x78 && first != '<' && first != 0xEF)
-        return HasAnalysisEnding(path) ? InputKind::Analysis : InputKind::Audio;
+        return InputKind::Audio;
     MAttribute tree;
     LoadXML(tree, MString::FromUTF8(path));
     return tree.Name().EqualsNoCase("settings") ? InputKind::State : InputKind::Analysis;

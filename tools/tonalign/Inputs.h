@@ -27,15 +27,13 @@ struct AudioInput
 /// Every function here throws MException with a text that says what is wrong with the content; the path
 /// is the caller's to add.
 
-/// Loads and checks: at most 8 channels, every sample a number. `progress` hears the share read; false
-/// cancels.
+/// Loads and checks: at most 8 channels, a possible rate, every sample a number. `progress` hears the share
+/// read; false cancels.
 void LoadAudioInput(AudioInput& input, const std::string& path, const std::function<bool(double)>& progress);
 /// Refuses what has nothing to measure: silence, or fewer frames than one spectrum takes at `analysisRate`.
 void CheckMeasurable(const AudioInput& input, double analysisRate);
 
 /// By content: XML or a zlib stream of it is an analysis or a state by its root, anything else is audio.
 InputKind DetectInput(const std::string& path);
-/// By name, for the commands that take either: ".TonalignComparison" is an analysis.
-bool HasAnalysisEnding(const std::string& path);
 /// Refuses a file that isn't a whole and sound analysis, and one of silence.
 AnalysisArray LoadCheckedAnalysis(const std::string& path);

@@ -43,6 +43,7 @@ struct Options
     std::string output;
     std::string stateFile;
     std::string saveStateFile;
+    std::string savePresetFile;   ///< ".vstpreset" or ".fxp"
     std::vector<BandSpec> bands;
 
     std::int32_t bandCount = 4;
@@ -65,7 +66,7 @@ struct Options
     std::optional<ChannelMode> channelMode;
 
     std::optional<double> rateHz;
-    FileFormat fileFormat = FileFormat::FromEnding;
+    FileFormat fileFormat = FileFormat::FromEnding;   ///< told from the ending while the line is read
     SampleFormat sampleFormat = SampleFormat::AsInput;
     std::int32_t blockFrames = 512;
 

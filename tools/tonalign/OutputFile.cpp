@@ -3,6 +3,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <vector>
 
@@ -21,6 +22,19 @@ namespace
         Format("File \"{0}\" could not be created. {1}.", MString::FromUTF8(path), MString::FromUTF8(reason)),
         MErrorCode::CannotOpen);
 }
+// The folder with its slash, empty for the present one.
+std::string FolderOf(const std::string& path)
+{
+    return path.substr(0, path.rfind('/') + 1);
+}
+
+bool IsOneInode(const std::string& a, const std::string& b)
+{
+    struct stat first = {};
+    struct stat second = {};
+    return stat(a.c_str(), &first) == 0 && stat(b.c_str(), &second) == 0 && first.st_dev == second.st_dev &&
+           first.st_ino == second.st_ino;
+}
 }   // namespace
 
 OutputFile::OutputFile(const std::string& path, bool replace) : targetPath(path), mayReplace(replace)
@@ -30,12 +44,16 @@ OutputFile::OutputFile(const std::string& path, bool replace) : targetPath(path)
     {
         if (S_ISDIR(status.st_mode))
             FailToCreate(path, "It is a folder");
+        if (!S_ISREG(status.st_mode))
+            FailToCreate(path, "It is no plain file");
         if (!mayReplace)
             FailToCreate(path, "It exists already; --force replaces it");
+        const std::unique_ptr<char, decltype(&std::free)> real(realpath(path.c_str(), nullptr), &std::free);
+        if (real != nullptr)
+            targetPath = real.get();
     }
-    const std::size_t slash = path.rfind('/');
-    const std::string folder = slash == std::string::npos ? std::string() : path.substr(0, slash + 1);
-    const std::string name = path.substr(folder.size());
+    const std::string folder = FolderOf(targetPath);
+    const std::string name = targetPath.substr(folder.size());
     if (name.empty())
         FailToCreate(path, "It is a folder");
     const std::string pattern = folder + "." + name.substr(0, 100) + ".XXXXXX";
@@ -45,6 +63,7 @@ OutputFile::OutputFile(const std::string& path, bool replace) : targetPath(path)
     if (descriptor < 0)
         FailToCreate(path, std::strerror(errno));
     temporaryPath = made.data();
+    untilCommitted = std::make_unique<InterruptedFile>(temporaryPath);
     // mkstemp makes a private file; the result gets the permissions of any other new file.
     const mode_t mask = umask(0);
     umask(mask);
@@ -59,6 +78,28 @@ OutputFile::~OutputFile()
         unlink(temporaryPath.c_str());
 }
 
+void OutputFile::FailToWrite() const
+{
+    throw MException(
+        Format("Error writing to file \"{0}\". Probably disk full.", MString::FromUTF8(targetPath)),
+        MErrorCode::Content);
+}
+
+void OutputFile::Write(const void* bytes, std::size_t size)
+{
+    const auto* from = static_cast<const char*>(bytes);
+    while (size > 0)
+    {
+        const ssize_t written = write(descriptor, from, size);
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written <= 0)
+            FailToWrite();
+        from += written;
+        size -= static_cast<std::size_t>(written);
+    }
+}
+
 void OutputFile::Commit()
 {
     const bool written = fsync(descriptor) == 0;
@@ -66,9 +107,7 @@ void OutputFile::Commit()
     close(descriptor);
     descriptor = -1;
     if (!written && error != EINVAL && error != EROFS)
-        throw MException(
-            Format("Error writing to file \"{0}\". Probably disk full.", MString::FromUTF8(targetPath)),
-            MErrorCode::Content);
+        FailToWrite();
     // A link fails where a file has come up meanwhile; a rename replaces it.
     if (mayReplace)
     {
@@ -88,8 +127,10 @@ void OutputFile::Commit()
 
 bool IsSameFile(const std::string& a, const std::string& b)
 {
-    struct stat first = {};
-    struct stat second = {};
-    return stat(a.c_str(), &first) == 0 && stat(b.c_str(), &second) == 0 && first.st_dev == second.st_dev &&
-           first.st_ino == second.st_ino;
+    if (IsOneInode(a, b))
+        return true;
+    const std::string folderOfA = FolderOf(a);
+    const std::string folderOfB = FolderOf(b);
+    return a.substr(folderOfA.size()) == b.substr(folderOfB.size()) &&
+           IsOneInode(folderOfA.empty() ? "." : folderOfA, folderOfB.empty() ? "." : folderOfB);
 }

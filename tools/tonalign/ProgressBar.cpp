@@ -8,6 +8,30 @@
 
 #include "tools/tonalign/Interrupt.h"
 
+namespace
+{
+struct StageTexts
+{
+    const char* name;
+    const char* title;
+};
+
+const StageTexts& TextsOf(Stage stage)
+{
+    static constexpr StageTexts texts[] = { { "loading", "Loading the file..." },
+                                            { "resampling", "Resampling..." },
+                                            { "analysing", "Analysing..." },
+                                            { "fitting", "Fitting..." },
+                                            { "rendering", "Rendering..." } };
+    return texts[static_cast<int>(stage)];
+}
+}   // namespace
+
+const char* StageName(Stage stage)
+{
+    return TextsOf(stage).name;
+}
+
 ProgressBar::ProgressBar(bool quiet) : visible(!quiet && isatty(STDERR_FILENO) == 1) {}
 
 ProgressBar::~ProgressBar()
@@ -15,7 +39,7 @@ ProgressBar::~ProgressBar()
     Finish();
 }
 
-bool ProgressBar::Report(const std::string& newStage, double fraction)
+bool ProgressBar::Report(Stage newStage, double fraction)
 {
     if (newStage != stage)
     {
@@ -42,7 +66,7 @@ void ProgressBar::Draw(double fraction)
     drawn = true;
     constexpr int width = 30;
     const int filled = static_cast<int>(fraction * width);
-    std::fprintf(stderr, "\r%-20s [%.*s%.*s] %3.0f %%", stage.c_str(), filled,
+    std::fprintf(stderr, "\r%-20s [%.*s%.*s] %3.0f %%", TextsOf(*stage).title, filled,
                  "##############################", width - filled, "                              ",
                  fraction * 100);
     if (fraction > 0.01)
@@ -63,15 +87,15 @@ void ProgressBar::Wipe()
 
 void ProgressBar::Finish()
 {
-    if (stage.empty())
+    if (!stage)
         return;
     Wipe();
     const double spent = std::chrono::duration<double>(Clock::now() - started).count();
     const auto known = std::find_if(seconds.begin(), seconds.end(),
-                                    [this](const auto& entry) { return entry.first == stage; });
+                                    [this](const auto& entry) { return entry.first == *stage; });
     if (known != seconds.end())
         known->second += spent;
     else
-        seconds.emplace_back(stage, spent);
-    stage.clear();
+        seconds.emplace_back(*stage, spent);
+    stage.reset();
 }

@@ -2,9 +2,22 @@
 #pragma once
 
 #include <chrono>
-#include <map>
-#include <string>
+#include <optional>
+#include <utility>
 #include <vector>
+
+/// The parts of a command's work.
+enum class Stage
+{
+    Loading,
+    Resampling,
+    Analysing,
+    Fitting,
+    Rendering
+};
+
+/// "loading" and so on, as the report names them.
+const char* StageName(Stage stage);
 
 /// Times the stages of the work, and on a terminal shows the running one on standard error: its name, a bar
 /// and the time left. Nothing is shown in the first quarter of a second of a stage, nor with `quiet`.
@@ -16,13 +29,13 @@ public:
     ProgressBar(const ProgressBar&) = delete;
     ProgressBar& operator=(const ProgressBar&) = delete;
 
-    /// Notes how far a stage has come, 0 to 1; another name ends the stage before. False after an
+    /// Notes how far a stage has come, 0 to 1; another one ends the stage before. False after an
     /// interrupt.
-    bool Report(const std::string& stage, double fraction);
+    bool Report(Stage stage, double fraction);
     /// Ends the running stage and wipes its line.
     void Finish();
     /// Seconds of each stage so far, in order of their start.
-    const std::vector<std::pair<std::string, double>>& Seconds() const { return seconds; }
+    const std::vector<std::pair<Stage, double>>& Seconds() const { return seconds; }
 
 private:
     using Clock = std::chrono::steady_clock;
@@ -32,8 +45,8 @@ private:
 
     bool visible;
     bool drawn = false;
-    std::string stage;
+    std::optional<Stage> stage;
     Clock::time_point started;
     Clock::time_point lastDrawn;
-    std::vector<std::pair<std::string, double>> seconds;
+    std::vector<std::pair<Stage, double>> seconds;
 };

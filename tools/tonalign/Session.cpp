@@ -4,8 +4,9 @@
 #include <algorithm>
 #include <cmath>
 
-#include "foundation/streams/MStdFileStream.h"
+#include "foundation/streams/MMemoryStream.h"
 #include "foundation/text/MException.h"
+#include "hosts/module/HostPresetFile.h"
 #include "plugin/driver/PluginState.h"
 #include "state/tree/MAttribute.h"
 #include "state/tree/MStoreParams.h"
@@ -36,17 +37,25 @@ auto OnFile(const std::string& path, Work&& work)
     }
 }
 
-std::string StageName(const std::string& title)
+std::vector<std::uint8_t> BytesOf(MMemoryStream& stream)
 {
-    static constexpr std::pair<const char*, const char*> names[] = { { "Loading the file...", "loading" },
-                                                                     { "Resampling...", "resampling" },
-                                                                     { "Analysing...", "analysing" },
-                                                                     { "Fitting...", "fitting" },
-                                                                     { "Rendering...", "rendering" } };
-    for (const auto& [known, name] : names)
-        if (title == known)
-            return name;
-    return title;
+    stream.Seek(0, MStream::Begin);
+    const std::uint8_t* begin = stream.GetCurrentPointer();
+    return { begin, begin + stream.GetSize() };
+}
+
+Stage StageOf(WorkStage stage)
+{
+    switch (stage)
+    {
+    case WorkStage::LoadingFile:
+        return Stage::Loading;
+    case WorkStage::Resampling:
+        return Stage::Resampling;
+    case WorkStage::Analysing:
+        break;
+    }
+    return Stage::Analysing;
 }
 }   // namespace
 
@@ -78,17 +87,21 @@ std::string Session::Run()
 void Session::CheckOutputs()
 {
     const std::string* inputs[] = { &options.input, &options.source, &options.stateFile };
-    const std::string* outputs[] = { &options.output, &options.saveStateFile };
-    for (const std::string* output : outputs)
+    const std::string* outputs[] = { &options.output, &options.saveStateFile, &options.savePresetFile };
+    for (std::size_t index = 0; index < std::size(outputs); ++index)
+    {
+        const std::string& output = *outputs[index];
+        if (output.empty())
+            continue;
         for (const std::string* input : inputs)
-            if (!output->empty() && !input->empty() && IsSameFile(*output, *input))
-                throw FileError{ *output, "The output is one of the inputs." };
-    if (!options.output.empty() && options.output == options.saveStateFile)
-        throw FileError{ options.output, "The output and the state can't be one file." };
-    // Better told before the work than after it.
-    for (const std::string* output : outputs)
-        if (!output->empty())
-            OnFile(*output, [&] { OutputFile probe(*output, options.force); });
+            if (!input->empty() && IsSameFile(output, *input))
+                throw FileError{ output, "The output is one of the inputs." };
+        for (std::size_t other = 0; other < index; ++other)
+            if (!outputs[other]->empty() && IsSameFile(output, *outputs[other]))
+                throw FileError{ output, "Two outputs can't be one file." };
+        // Better told before the work than after it.
+        OnFile(output, [&] { OutputFile probe(output, options.force); });
+    }
 }
 
 void Session::LoadAudio(AudioInput& input, const std::string& path)
@@ -97,8 +110,7 @@ void Session::LoadAudio(AudioInput& input, const std::string& path)
            [&]
            {
                LoadAudioInput(input, path,
-                              [this](double fraction)
-                              { return progress.Report("Loading the file...", fraction); });
+                              [this](double fraction) { return progress.Report(Stage::Loading, fraction); });
            });
 }
 
@@ -108,17 +120,30 @@ void Session::Measure(AudioInput& input, bool isSource)
            [&]
            {
                CheckMeasurable(input, host.Plugin().sampleRate);
-               const auto result = host.Effect().AnalyseBuffer(
-                   input.buffer, isSource, [this](WorkStage stage, double fraction)
-                   { return progress.Report(WorkStageTitle(stage), fraction); });
+               const auto result =
+                   host.Effect().AnalyseBuffer(input.buffer, isSource,
+                                               [this](WorkStage stage, double fraction)
+                                               { return progress.Report(StageOf(stage), fraction); });
                if (result == TonalignAudioEffectPlugin::WorkResult::Cancelled)
                    throw MException("Cancelled.");
            });
 }
 
+InputKind Session::MeasurableKind(const std::string& path)
+{
+    return OnFile(path,
+                  [&]
+                  {
+                      const InputKind kind = DetectInput(path);
+                      if (kind == InputKind::State)
+                          throw MException("It is a plug-in state, neither a recording nor an analysis.");
+                      return kind;
+                  });
+}
+
 void Session::MeasureFile(const std::string& path, bool isSource)
 {
-    if (HasAnalysisEnding(path))
+    if (MeasurableKind(path) == InputKind::Analysis)
     {
         OnFile(path, [&] { host.Effect().SetAnalysis(LoadCheckedAnalysis(path), isSource); });
         return;
@@ -128,16 +153,20 @@ void Session::MeasureFile(const std::string& path, bool isSource)
     Measure(input, isSource);
 }
 
+void Session::CheckRange(double usableHz) const
+{
+    if (options.lowHz.value_or(20) >= usableHz)
+        throw UsageError{ "--low: TARGET's sample rate leaves nothing to equalize above " +
+                          std::to_string(static_cast<int>(usableHz)) + " Hz" };
+}
+
 void Session::ApplyFitSettings(double usableHz)
 {
     AutoEqSettings& settings = host.Effect().settings;
-    limits.frequencyMinHz = options.lowHz.value_or(20);
-    limits.frequencyMaxHz = std::min(options.highHz.value_or(20000), usableHz);
-    limits.neverAmplify = options.neverAmplify;
     settings.maxAdaptionBars = options.bandCount;
     settings.adaptionAlgorithm = static_cast<MFAAlgorithm>(options.algorithm);
-    settings.adaptionFrequencyMin = limits.frequencyMinHz;
-    settings.adaptionFrequencyMax = limits.frequencyMaxHz;
+    settings.adaptionFrequencyMin = options.lowHz.value_or(20);
+    settings.adaptionFrequencyMax = std::min(options.highHz.value_or(20000), usableHz);
     settings.neverAmplify = options.neverAmplify;
     settings.disablePassNotch = options.noPassNotch;
     settings.spaceInMixLimit = options.limitDb;
@@ -178,7 +207,7 @@ void Session::ApplyStages(std::int32_t channels)
 
 std::string Session::RunFit()
 {
-    const bool targetIsAnalysis = HasAnalysisEnding(options.input);
+    const bool targetIsAnalysis = MeasurableKind(options.input) == InputKind::Analysis;
     if (targetIsAnalysis && !options.output.empty())
         throw UsageError{ "TARGET is an analysis, which can't be rendered: leave out -o, or give audio" };
     AudioInput target;
@@ -188,9 +217,11 @@ std::string Session::RunFit()
         LoadAudio(target, options.input);
         rate = target.buffer.sampleRate;
     }
-    host.Prepare(AnalysisRateFor(rate), targetIsAnalysis ? 2 : target.buffer.channels);
     // A little below half the rate: what lies above can't be heard in this file.
-    ApplyFitSettings(rate < lowestAnalysisRate ? 0.45 * rate : 20000);
+    const double usableHz = rate < lowestAnalysisRate ? 0.45 * rate : 20000;
+    CheckRange(usableHz);
+    host.Prepare(AnalysisRateFor(rate), targetIsAnalysis ? 2 : target.buffer.channels);
+    ApplyFitSettings(usableHz);
     ApplySoundSettings();
     if (targetIsAnalysis)
     {
@@ -217,29 +248,32 @@ std::string Session::RunFit()
 
 void Session::Fit()
 {
-    if (!progress.Report("Fitting...", 0))
+    if (!progress.Report(Stage::Fitting, 0))
         throw MException("Cancelled.");
     TonalignAudioEffectPlugin& effect = host.Effect();
     const bool separate = options.command == Command::Separate;
     effect.equalizer.SetDefaults(true);
-    report.nothingToDo = effect.Equalize(separate) == TonalignAudioEffectPlugin::EqualizeResult::NothingToDo;
+    const TonalignAudioEffectPlugin::Equalization done = effect.Equalize(separate);
+    report.nothingToDo = done.result == TonalignAudioEffectPlugin::EqualizeResult::NothingToDo;
     if (report.nothingToDo)
+    {
         report.information = TonalignAudioEffectPlugin::NothingToDoText(separate).ToUTF8();
-    if (report.nothingToDo)
         for (std::int32_t band = 0; band < MEqualizerBase::BandCount; ++band)
             effect.equalizer.Band(band).enabled = false;
+    }
     effect.Update();
     FillBands();
 
     // The match is that of the bands alone, without the share of dry signal.
-    TonalignAudioEffectPlugin::ComparedCurves curves = effect.Compare(separate);
-    WantedResponse range(curves.target, curves.reference);
-    range.Limit(effect.FitterGrid(), limits);
-    report.rmsBeforeDb = SpectralDistanceDb(curves.reference, curves.target, range.First(), range.Last());
-    const std::array<float, 1024> response = effect.BandResponse();
-    for (std::size_t index = 0; index < response.size(); ++index)
-        curves.target[index] += response[index];
-    report.rmsAfterDb = SpectralDistanceDb(curves.reference, curves.target, range.First(), range.Last());
+    const auto distance = [&done](const GridCurve& target)
+    {
+        return SpectralDistanceDb(done.curves.reference, target, done.first, done.last);
+    };
+    GridCurve equalized = effect.BandResponse();
+    for (std::size_t index = 0; index < equalized.size(); ++index)
+        equalized[index] += done.curves.target[index];
+    report.rmsBeforeDb = distance(done.curves.target);
+    report.rmsAfterDb = distance(equalized);
     progress.Finish();
 }
 
@@ -288,29 +322,6 @@ OutputFormat Session::FormatFor(const AudioInput& input) const
 {
     OutputFormat format;
     format.file = options.fileFormat;
-    if (format.file == FileFormat::FromEnding)
-    {
-        const auto endsWith = [this](const char* ending)
-        {
-            const std::string lower = [this]
-            {
-                std::string text = options.output;
-                std::transform(text.begin(), text.end(), text.begin(),
-                               [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-                return text;
-            }();
-            return lower.ends_with(ending);
-        };
-        if (endsWith(".flac"))
-            format.file = FileFormat::Flac;
-        else if (endsWith(".aif") || endsWith(".aiff") || endsWith(".aifc"))
-            format.file = FileFormat::Aiff;
-        else if (endsWith(".wav") || endsWith(".wave"))
-            format.file = FileFormat::Wav;
-        else
-            throw UsageError{ "the format of " + options.output +
-                              " can't be told from its ending: use .wav, .flac or .aiff, or give --format" };
-    }
     format.samples = options.sampleFormat;
     const AudioSampleBuffer& buffer = input.buffer;
     if (format.samples == SampleFormat::AsInput)
@@ -322,8 +333,6 @@ OutputFormat Session::FormatFor(const AudioInput& input) const
         if (format.file == FileFormat::Flac && format.samples == SampleFormat::Float32)
             format.samples = SampleFormat::Int24;   // FLAC has no floats
     }
-    if (format.file == FileFormat::Flac && format.samples == SampleFormat::Float32)
-        throw UsageError{ "FLAC doesn't hold 32-bit floats: use --bits 16 or 24, or another format" };
     format.sampleRate = static_cast<std::int32_t>(std::lround(buffer.sampleRate));
     format.channels = buffer.channels;
     // An input of 8 or 16 bits counts in 16-bit steps, any other in 24-bit ones.
@@ -333,19 +342,41 @@ OutputFormat Session::FormatFor(const AudioInput& input) const
     return format;
 }
 
-void Session::RenderAndCommit(AudioInput* input)
+void Session::WriteSettings(std::vector<std::unique_ptr<OutputFile>>& files)
 {
-    std::unique_ptr<OutputFile> state;
-    if (!options.saveStateFile.empty())
-        OnFile(options.saveStateFile,
+    const auto write = [&](const std::string& path, const auto& bytesOf)
+    {
+        if (path.empty())
+            return;
+        OnFile(path,
                [&]
                {
-                   state = std::make_unique<OutputFile>(options.saveStateFile, options.force);
-                   MStdFileStream stream(MString::FromUTF8(state->TemporaryPath()),
-                                         MStdFileStream::WriteAccess);
-                   WritePluginState(host.Plugin(), stream);
-                   stream.Close();
+                   OutputFile& file = *files.emplace_back(std::make_unique<OutputFile>(path, options.force));
+                   const auto bytes = bytesOf();
+                   file.Write(bytes.data(), bytes.size());
                });
+    };
+    write(options.saveStateFile,
+          [this]
+          {
+              MMemoryStream stream;
+              WritePluginState(host.Plugin(), stream);
+              return BytesOf(stream);
+          });
+    write(options.savePresetFile,
+          [this]
+          {
+              const std::string& path = options.savePresetFile;
+              const std::string file = path.substr(path.rfind('/') + 1);
+              return HostPresetFile::Make(*HostPresetFile::FormatOf(path), host.Plugin(),
+                                          file.substr(0, file.rfind('.')));
+          });
+}
+
+void Session::RenderAndCommit(AudioInput* input)
+{
+    std::vector<std::unique_ptr<OutputFile>> settings;
+    WriteSettings(settings);
     if (input != nullptr)
     {
         report.sampleRate = input->buffer.sampleRate;
@@ -368,9 +399,9 @@ void Session::RenderAndCommit(AudioInput* input)
                        input->buffer, options.blockFrames,
                        [&](const float* const* channels, std::int32_t frames)
                        { output.Write(channels, frames); },
-                       [this](double fraction) { return progress.Report("Rendering...", fraction); });
+                       [this](double fraction) { return progress.Report(Stage::Rendering, fraction); });
                    output.Close();
-                   if (!progress.Report("Rendering...", 1))
+                   if (!progress.Report(Stage::Rendering, 1))
                        throw MException("Cancelled.");
                    output.Commit();
                    report.peakDbfs = DecibelsOf(output.Peak());
@@ -379,8 +410,8 @@ void Session::RenderAndCommit(AudioInput* input)
                });
         progress.Finish();
     }
-    if (state != nullptr)
-        OnFile(options.saveStateFile, [&] { state->Commit(); });
+    for (const std::unique_ptr<OutputFile>& file : settings)
+        OnFile(file->TargetPath(), [&] { file->Commit(); });
 }
 
 std::string Session::RunAnalyse()
@@ -396,7 +427,8 @@ std::string Session::RunAnalyse()
            [&]
            {
                OutputFile file(options.output, options.force);
-               SaveAnalysisFile(MString::FromUTF8(file.TemporaryPath()), host.Effect().SourceAnalysis);
+               const std::vector<std::uint8_t> bytes = AnalysisFileBytes(host.Effect().SourceAnalysis);
+               file.Write(bytes.data(), bytes.size());
                file.Commit();
                report.outputPath = options.output;
            });
@@ -429,8 +461,8 @@ std::string Session::RunShow()
 std::string Session::Finish()
 {
     progress.Finish();
-    for (const auto& [title, spent] : progress.Seconds())
-        report.seconds.emplace_back(StageName(title), spent);
+    for (const auto& [stage, spent] : progress.Seconds())
+        report.seconds.emplace_back(StageName(stage), spent);
     if (options.json)
         return AsJson(report);
     return options.quiet ? std::string() : AsText(report);

@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "effect/WantedResponse.h"
 #include "hosts/offline/OfflineHost.h"
@@ -36,6 +37,9 @@ private:
     std::string RunShow();
 
     void CheckOutputs();
+    /// The kind of a file that has to be measured or to hold what was measured.
+    InputKind MeasurableKind(const std::string& path);
+    void CheckRange(double usableHz) const;
     void LoadAudio(AudioInput& input, const std::string& path);
     /// Measures audio as target or source at the rate that the host is prepared for.
     void Measure(AudioInput& input, bool isSource);
@@ -49,6 +53,8 @@ private:
     void LoadStateFrom(const std::string& path);
     void Fit();
     void FillBands();
+    /// Writes the state and the preset that were asked for; the caller commits them.
+    void WriteSettings(std::vector<std::unique_ptr<OutputFile>>& files);
     /// Renders into the output file; nothing without one. Names the files only when all of them are written.
     void RenderAndCommit(AudioInput* input);
     OutputFormat FormatFor(const AudioInput& input) const;
@@ -60,5 +66,4 @@ private:
     ProgressBar progress;
     OfflineHost host;
     Report report;
-    WantedLimits limits;
 };

@@ -1,14 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The program as a user runs it.
-#include <chrono>
 #include <cmath>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <numbers>
 #include <random>
+#include <regex>
+#include <set>
+#include <sstream>
 #include <thread>
 
 #include <fcntl.h>
@@ -16,6 +19,7 @@
 #include <nlohmann/json.hpp>
 #include <sndfile.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -211,7 +215,7 @@ TEST_F(Program, TypedBandsDoWhatTheySay)
     std::vector<float> impulse(120000);
     impulse[60000] = 0.5f;
     const std::string in = Write("impulse.wav", impulse, 48000, 1, SF_FORMAT_WAV | SF_FORMAT_FLOAT);
-    ASSERT_EQ(Run({ "render", in, "--band", "peak:1000:6:1", "--band", "highpass:50:0:0.707", "-o",
+    ASSERT_EQ(Run({ "render", in, "--band", "peak:1000:+6:1", "--band", "highpass:50:0:0.707", "-o",
                     Path("o.wav"), "--save-state", Path("s.state") })
                   .status,
               0);
@@ -353,7 +357,8 @@ TEST_F(Program, AnalysesStandInForRecordings)
         return nlohmann::json::parse(outcome.out);
     };
     const nlohmann::json direct = fit(dark, bright);
-    const nlohmann::json saved = fit(Path("d.TonalignComparison"), Path("b.TonalignComparison"));
+    fs::copy_file(Path("b.TonalignComparison"), Path("reference.old"));
+    const nlohmann::json saved = fit(Path("d.TonalignComparison"), Path("reference.old"));
     EXPECT_NEAR(direct["rms_before_db"], saved["rms_before_db"], 0.5) << "one was resampled, the other not";
     EXPECT_EQ(direct["bands"][0]["type"], saved["bands"][0]["type"]);
     EXPECT_EQ(
@@ -388,6 +393,9 @@ TEST_F(Program, BadInputGivesOneLineThatNamesTheFile)
     broken[777] = INFINITY;
     Write("inf.wav", broken, 48000, 1, SF_FORMAT_WAV | SF_FORMAT_FLOAT);
     Noise("nine.wav", 0.5, 0.5, 48000, 9);
+    std::string fast = whole;
+    fast.replace(24, 4, "\xFF\xFF\xFF\xFF");   // the sample rate in the header
+    std::ofstream(Path("fast.wav"), std::ios::binary) << fast;
     Noise("short.wav", 0.5, 0.05);
     std::ofstream(Path("damaged.TonalignComparison")) << "<A>0011</A>";
     std::ofstream(Path("garbage.TonalignComparison")) << "garbage";
@@ -398,7 +406,7 @@ TEST_F(Program, BadInputGivesOneLineThatNamesTheFile)
     const std::string out = Path("out.wav");
     for (const char* name :
          { "missing.wav", "empty.wav", "text.wav", "cut.wav", "silent.wav", "nan.wav", "inf.wav", "nine.wav",
-           "short.wav", "damaged.TonalignComparison", "garbage.TonalignComparison" })
+           "fast.wav", "fast.wav", "short.wav", "damaged.TonalignComparison", "garbage.TonalignComparison" })
     {
         SCOPED_TRACE(name);
         const std::string path = Path(name);
@@ -433,44 +441,186 @@ TEST_F(Program, BadInputGivesOneLineThatNamesTheFile)
     EXPECT_EQ(ReadFile(good), whole);
 }
 
-TEST_F(Program, AnExistingFileIsReplacedOnlyByForce)
+TEST_F(Program, ReplacesPlainFilesOnlyAndOnlyByForce)
 {
     const std::string in = Noise("in.wav", 0.5);
     std::ofstream(Path("out.wav")) << "precious";
-    EXPECT_EQ(Run({ "render", in, "-o", Path("out.wav") }).status, 1);
-    EXPECT_EQ(ReadFile(Path("out.wav")), "precious");
-    EXPECT_EQ(Run({ "render", in, "-o", Path("out.wav"), "--force" }).status, 0);
-    EXPECT_EQ(Read(Path("out.wav")), Read(in));
+    fs::create_symlink("out.wav", Path("link.wav"));
+    ASSERT_EQ(mkfifo(Path("pipe.wav").c_str(), 0600), 0);
+    fs::create_directory(Path("folder.wav"));
+    for (const char* name : { "out.wav", "link.wav", "pipe.wav", "folder.wav" })
+    {
+        SCOPED_TRACE(name);
+        const Outcome outcome = Run({ "render", in, "-o", Path(name) });
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_NE(outcome.err.find(Path(name)), std::string::npos) << outcome.err;
+        EXPECT_EQ(ReadFile(Path("out.wav")), "precious");
+    }
+    for (const char* name : { "pipe.wav", "folder.wav" })
+        EXPECT_EQ(Run({ "render", in, "-o", Path(name), "--force" }).status, 1);
+    EXPECT_TRUE(fs::is_fifo(Path("pipe.wav")) && fs::is_directory(Path("folder.wav")));
+    EXPECT_EQ(Run({ "render", in, "-o", Path("link.wav"), "--force" }).status, 0);
+    EXPECT_TRUE(fs::is_symlink(Path("link.wav")));
+    EXPECT_EQ(Read(Path("out.wav")), Read(in)) << "what the link leads to";
+
+    // Two names of one file that doesn't exist yet; an input under another name.
+    const std::string other = (folder / "." / "new.wav").string();
+    fs::create_hard_link(in, Path("also-in.wav"));
+    for (const auto& words : std::vector<std::vector<std::string>>{
+             { "-o", other, "--save-state", Path("new.wav") },
+             { "-o", Path("x.fxp"), "--format", "wav", "--save-preset", (folder / "." / "x.fxp").string() },
+             { "-o", Path("x.wav"), "--save-state", Path("s.fxp"), "--save-preset", Path("s.fxp") },
+             { "-o", Path("also-in.wav"), "--force" } })
+    {
+        std::vector<std::string> all{ "render", in };
+        all.insert(all.end(), words.begin(), words.end());
+        EXPECT_EQ(Run(all).status, 1) << ::testing::PrintToString(words);
+    }
+    EXPECT_EQ(Leftovers({ "in.wav", "also-in.wav", "out.wav", "link.wav", "pipe.wav", "folder.wav" }),
+              std::vector<std::string>{});
 }
 
-TEST_F(Program, AFullDiskLeavesNothingBehind)
+TEST_F(Program, AFullDiskNamesTheFileAndLeavesNothingBehind)
 {
-    const std::string in = Noise("in.wav", 0.5, 4);
-    const Outcome outcome = Finish(Start({ "render", in, "-o", Path("out.wav") }, 100000));
-    EXPECT_EQ(outcome.status, 1);
-    EXPECT_NE(outcome.err.find("Probably disk full."), std::string::npos) << outcome.err;
-    EXPECT_EQ(Leftovers({ "in.wav" }), std::vector<std::string>{});
+    const std::string in = Noise("in.wav", 0.5, 4), bright = Noise("bright.wav", 0);
+    struct Case
+    {
+        std::vector<std::string> words;
+        rlim_t limit;
+        std::string culprit;
+    };
+    for (const Case& each :
+         { Case{ { "render", in, "-o", Path("out.wav") }, 100000, Path("out.wav") },
+           Case{ { "render", in, "-o", Path("out.flac") }, 50000, Path("out.flac") },
+           Case{ { "equalize", in, "--source", bright, "--save-state", Path("o.state") },
+                 1000,
+                 Path("o.state") },
+           Case{
+               { "equalize", in, "--source", bright, "--save-preset", Path("o.fxp") }, 1000, Path("o.fxp") },
+           Case{
+               { "analyse", in, "-o", Path("o.TonalignComparison") }, 1000, Path("o.TonalignComparison") } })
+    {
+        const Outcome outcome = Finish(Start(each.words, each.limit));
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_TRUE(outcome.err.starts_with("tonalign: " + each.culprit + ": ")) << outcome.err;
+        EXPECT_NE(outcome.err.find("Probably disk full."), std::string::npos) << outcome.err;
+        EXPECT_EQ(outcome.err.find("/."), std::string::npos) << "a temporary name: " << outcome.err;
+        EXPECT_EQ(Leftovers({ "in.wav", "bright.wav" }), std::vector<std::string>{});
+    }
 }
 
-TEST_F(Program, AnInterruptStopsWithinASecondAndLeavesNothing)
+TEST_F(Program, ASignalStopsItAndLeavesNothing)
 {
-    using Clock = std::chrono::steady_clock;
     const std::string in = Noise("in.wav", 0.5, 120);
-    for (const int waitMs : { 30, 150, 400 })
-        for (const int signal : { SIGINT, SIGTERM })
+    for (const std::vector<int>& signals : std::vector<std::vector<int>>{
+             { SIGINT }, { SIGTERM }, { SIGHUP }, { SIGINT, SIGTERM }, { SIGHUP, SIGINT } })
+    {
+        SCOPED_TRACE(::testing::PrintToString(signals));
+        const pid_t child =
+            Start({ "render", in, "-o", Path("out.wav"), "--save-state", Path("out.state"), "--block", "1" });
+        // The temporary file of the sound, with something in it.
+        const auto isWriting = [this]
         {
-            SCOPED_TRACE(::testing::Message() << "signal " << signal << " after " << waitMs << " ms");
-            const pid_t child = Start(
-                { "equalize", in, "--source", in, "--bands", "10", "-o", Path("out.wav"), "--block", "1" });
-            std::this_thread::sleep_for(std::chrono::milliseconds(waitMs));
+            for (const auto& entry : fs::directory_iterator(folder))
+                if (entry.path().filename().string().starts_with(".out.wav") && entry.file_size() > 0)
+                    return true;
+            return false;
+        };
+        while (!isWriting() && waitpid(child, nullptr, WNOHANG) == 0)
+            std::this_thread::yield();
+        for (const int signal : signals)
             kill(child, signal);
-            const Clock::time_point sent = Clock::now();
-            const Outcome outcome = Finish(child);
-            EXPECT_LT(std::chrono::duration<double>(Clock::now() - sent).count(), 1.5)
-                << "and a busy machine";
-            EXPECT_NE(outcome.status, 0);
-            EXPECT_EQ(Leftovers({ "in.wav" }), std::vector<std::string>{});
+        EXPECT_NE(Finish(child).status, 0);
+        EXPECT_EQ(Leftovers({ "in.wav" }), std::vector<std::string>{});
+    }
+}
+
+TEST_F(Program, EveryFittingOptionDoesWhatItSays)
+{
+    const std::string dark = Noise("dark.wav", 0.9), bright = Noise("bright.wav", 0.0);
+    const auto fit = [&](std::vector<std::string> extra)
+    {
+        std::vector<std::string> words{ "equalize", dark,           "--source",      bright,
+                                        "--json",   "--save-state", Path("s.state"), "--force" };
+        words.insert(words.end(), extra.begin(), extra.end());
+        const Outcome outcome = Run(words);
+        EXPECT_EQ(outcome.status, 0) << outcome.err;
+        return nlohmann::json::parse(outcome.out);
+    };
+    const auto response = [this](const std::string& state, const std::string& rate)
+    {
+        std::istringstream csv(Run({ "show", state, "--csv", "--rate", rate }).out);
+        std::vector<std::pair<double, double>> points;
+        std::string line;
+        std::getline(csv, line);
+        for (double hertz = 0, decibels = 0; std::getline(csv, line);)
+            if (std::sscanf(line.c_str(), "%lf,%lf", &hertz, &decibels) == 2)
+                points.emplace_back(hertz, decibels);
+        EXPECT_EQ(points.size(), 1024u);
+        return points;
+    };
+    const auto swing = [](const auto& points, double lowHz, double highHz)
+    {
+        double lowest = 1000, highest = -1000;
+        for (const auto& [hertz, decibels] : points)
+            if (hertz >= lowHz && hertz <= highHz)
+            {
+                lowest = std::min(lowest, decibels);
+                highest = std::max(highest, decibels);
+            }
+        return highest - lowest;
+    };
+    const nlohmann::json plain = fit({});
+    const auto whole = response(Path("s.state"), "48000");
+    EXPECT_GT(swing(whole, 2000, 8000), 6);
+    EXPECT_GT(swing(whole, 8000, 20000), 2);
+
+    fit({ "--high", "1000", "--bands", "2" });
+    EXPECT_LT(swing(response(Path("s.state"), "48000"), 6000, 20000), 1.5);
+    fit({ "--low", "8000", "--bands", "2" });
+    EXPECT_LT(swing(response(Path("s.state"), "48000"), 20, 1000), 1.5);
+    EXPECT_GT(fit({ "--smooth", "0" })["rms_before_db"], fit({ "--smooth", "20" })["rms_before_db"]);
+    EXPECT_NE(fit({ "--algorithm", "optimized" })["bands"], plain["bands"]);
+    EXPECT_EQ(fit({ "--algorithm", "DEFAULT" })["bands"], plain["bands"]);
+    EXPECT_EQ(fit({ "--bands", "010" })["bands"].size(), 10u);
+    for (const auto& band : fit({ "--no-pass-notch", "--bands", "10" })["bands"])
+        EXPECT_TRUE(band["type"] == "peak" || band["type"] == "lowshelf" || band["type"] == "highshelf");
+
+    for (const auto& [target, source] : { std::pair{ dark, bright }, std::pair{ bright, dark } })
+        for (const char* bands : { "1", "4", "10" })
+        {
+            ASSERT_EQ(Run({ "equalize", target, "--source", source, "--never-amplify", "--bands", bands,
+                            "--save-state", Path("cut.state"), "--force" })
+                          .status,
+                      0);
+            for (const char* rate : { "44100", "48000", "96000" })
+                for (const auto& [hertz, decibels] : response(Path("cut.state"), rate))
+                    EXPECT_LE(decibels, 0.05) << hertz << " Hz, " << bands << " bands at " << rate;
         }
+
+    // The lower the limit, the more of the mix counts, and the more room is made for it.
+    const auto room = [&](const char* limit)
+    {
+        const Outcome outcome = Run({ "separate", dark, "--source", bright, "--limit", limit, "--json" });
+        return nlohmann::json::parse(outcome.out)["rms_before_db"].get<double>();
+    };
+    EXPECT_GT(room("-60"), room("-20"));
+}
+
+TEST_F(Program, APresetHoldsTheStateInTheWrappingOfItsFormat)
+{
+    const std::string in = Noise("in.wav", 0.5);
+    for (const char* name : { "My match.vstpreset", "My match.FXP" })
+    {
+        ASSERT_EQ(Run({ "render", in, "-o", Path("o.wav"), "--band", "peak:1000:6:1", "--save-state",
+                        Path("o.state"), "--save-preset", Path(name), "--force" })
+                      .status,
+                  0);
+        const std::string state = ReadFile(Path("o.state")), preset = ReadFile(Path(name));
+        EXPECT_NE(preset.find(state), std::string::npos) << name;
+        EXPECT_NE(preset.find("My match"), std::string::npos) << name;
+        EXPECT_EQ(Run({ "equalize", in, "--source", Path("o.state") }).status, 1) << "no reference";
+    }
 }
 
 TEST_F(Program, WrongUsageIsTold)
@@ -479,6 +629,12 @@ TEST_F(Program, WrongUsageIsTold)
     for (const auto& words : std::vector<std::vector<std::string>>{
              {},
              { "nonsense" },
+             { "render", in, "-o", "" },
+             { "render", Path("missing.wav"), "-o", Path("out.foo") },
+             { "render", Path("missing.wav"), "-o", Path("o.wav"), "--save-preset", Path("preset.foo") },
+             { "equalize", in, "--source", in, "--low", "20000" },
+             { "equalize", in, "--source", in, "--bands", "4x" },
+             { "render", in, "-o", Path("o.wav"), "--band", "peak:1000:+-3:1" },
              { "equalize", in },
              { "equalize", in, "--source", in, "--bands", "0" },
              { "equalize", in, "--source", in, "--bands", "eleven" },
@@ -512,17 +668,56 @@ TEST_F(Program, WrongUsageIsTold)
     EXPECT_EQ(Leftovers({ "in.wav" }), std::vector<std::string>{});
 }
 
-TEST_F(Program, HelpAndVersionPrint)
+TEST_F(Program, HelpManualAndParserNameTheSameOptions)
 {
     EXPECT_EQ(Run({ "--version" }).out, "7.10\n");
-    for (const std::vector<std::string>& words :
-         { std::vector<std::string>{ "--help" }, { "equalize", "--help" }, { "render", "-h" } })
+    const auto optionsIn = [](const std::string& text, const std::regex& lines)
     {
-        const Outcome outcome = Run(words);
-        EXPECT_EQ(outcome.status, 0);
-        EXPECT_TRUE(outcome.out.starts_with("NAME\n")) << outcome.out;
-        EXPECT_NE(outcome.out.find(words[0] == "--help" ? "separate" : words[0]), std::string::npos);
+        static const std::regex option("(?:^|[^-a-z])(-o|--[a-z-]+)");
+        std::set<std::string> found;
+        std::istringstream stream(text);
+        for (std::string line; std::getline(stream, line);)
+            if (std::regex_search(line, lines))
+                for (std::sregex_iterator match(line.begin(), line.end(), option), end; match != end; ++match)
+                    found.insert((*match)[1]);
+        return found;
+    };
+    // What a line of the help describes stands at its start; a line of the manual is a heading by its macro.
+    const std::regex helpLine("^  -"), manualLine("^\\.B");
+    const std::string programHelp = Run({ "--help" }).out;
+    EXPECT_TRUE(programHelp.starts_with("NAME\n"));
+    std::set<std::string> all = optionsIn(programHelp, helpLine);
+
+    const std::vector<std::string> commands{ "equalize", "separate", "render", "analyse", "show" };
+    std::map<std::string, std::set<std::string>> ofCommand;
+    for (const std::string& command : commands)
+    {
+        EXPECT_NE(programHelp.find(command), std::string::npos);
+        const Outcome help = Run({ command, "--help" });
+        EXPECT_EQ(help.status, 0);
+        EXPECT_EQ(help.out, Run({ command, "-h" }).out);
+        ofCommand[command] = optionsIn(help.out, helpLine);
+        all.insert(ofCommand[command].begin(), ofCommand[command].end());
     }
+    std::string manual =
+        ReadFile(fs::path(std::getenv("TONALIGN_SOURCE_DIR")) / "tools" / "tonalign" / "tonalign.1");
+    manual = std::regex_replace(manual.substr(manual.find(".SH OPTIONS")), std::regex("\\\\-"), "-");
+    EXPECT_EQ(optionsIn(manual, manualLine), all);
+
+    // What the help doesn't have the parser doesn't take, and the other way round.
+    for (const std::string& command : commands)
+        for (const std::string& option : all)
+            if (option != "--help" && option != "--version")
+            {
+                std::vector<std::string> words{ command, Path("missing.wav"), option };
+                if (command == "equalize" || command == "separate")
+                    words.insert(words.begin() + 2, { "--source", Path("missing.wav") });
+                else if (command != "show")
+                    words.insert(words.begin() + 2, { "-o", Path("out.wav") });
+                const std::string told = Run(words).err;
+                EXPECT_EQ(told.find("not expected") == std::string::npos, ofCommand[command].contains(option))
+                    << command << " " << option << ": " << told;
+            }
 }
 
 TEST_F(Program, ClippingIsCountedAndTold)
