@@ -138,54 +138,6 @@ TEST_F(Effect, EqualizeBringsTheTargetToTheSource)
     EXPECT_EQ(effect.suspendCount, 0);
 }
 
-TEST_F(Effect, EqualMeasurementsAreAlreadyPerfect)
-{
-    Measure(false, 0.5);
-    AnalysisArray louder = effect.TargetAnalysis;
-    for (float& value : louder)
-        value *= 10;
-    effect.SetAnalysis(louder, true);
-    EXPECT_EQ(effect.Equalize(false).result, TonalignAudioEffectPlugin::EqualizeResult::NothingToDo)
-        << "a difference of level alone isn't equalized";
-    EXPECT_EQ(TonalignAudioEffectPlugin::NothingToDoText(false).ToUTF8(),
-              "There is nothing to equalize, because the analysis shows it is already perfect.");
-    effect.settings.spaceInMixLimit = 0;
-    EXPECT_EQ(effect.Equalize(true).result, TonalignAudioEffectPlugin::EqualizeResult::NothingToDo);
-    EXPECT_NE(TonalignAudioEffectPlugin::NothingToDoText(true).ToUTF8().find("\n\nSince you are trying to "
-                                                                             "separate"),
-              std::string::npos);
-    EXPECT_TRUE(effect.equalizer.Band(5).enabled) << "the bands stay as they were";
-}
-
-TEST_F(Effect, SeparateOnlyLowers)
-{
-    Measure(false, 0.5);
-    Measure(true, 0.9);
-    effect.settings.disablePassNotch = true;
-    ASSERT_EQ(effect.Equalize(true).result, TonalignAudioEffectPlugin::EqualizeResult::Done);
-    const std::array<float, 1024> response = effect.BandResponse();
-    EXPECT_LT(response[300], -1);
-}
-
-TEST_F(Effect, DamagedAnalysesAreRefused)
-{
-    AnalysisArray damaged;
-    damaged.fill(std::nanf(""));
-    Measure(false, 0.5);
-    effect.SetAnalysis(damaged, true);
-    try
-    {
-        effect.Equalize(false);
-        ADD_FAILURE() << "no exception";
-    }
-    catch (const MException& exception)
-    {
-        EXPECT_EQ(exception.Message.ToUTF8(), "Invalid source data. Please perform analyzation.");
-    }
-    EXPECT_EQ(effect.suspendCount, 0);
-    EXPECT_TRUE(effect.equalizer.Band(5).enabled);
-}
-
 TEST_F(Effect, StateReturnsByteForByte)
 {
     EXPECT_EQ(StateOf(effect).find("<TargetAnalysis>"), std::string::npos) << "nothing was measured yet";
