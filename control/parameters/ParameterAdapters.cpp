@@ -14,29 +14,6 @@ double Round(double value)
     return std::floor(value + 0.5);
 }
 
-double CurveOf(std::int32_t curve, double position)
-{
-    const double squared = position * position;
-    return curve == 1 ? squared : (curve == 2 ? squared * squared : position);
-}
-
-double PositionOnCurve(std::int32_t curve, double share)
-{
-    return curve == 1 ? std::sqrt(share) : (curve == 2 ? std::sqrt(std::sqrt(share)) : share);
-}
-
-double FloatFrom01(const MPluginParameterInfo& info, double value01)
-{
-    const double range = info.number.maximum - info.number.minimum;
-    return range * CurveOf(info.curve, value01) + info.number.minimum;
-}
-
-double FloatTo01(const MPluginParameterInfo& info, double value)
-{
-    const double range = info.number.maximum - info.number.minimum;
-    return range > 0 ? PositionOnCurve(info.curve, (value - info.number.minimum) / range) : 0.0;
-}
-
 std::int32_t IntegerFrom01(const MPluginParameterInfo& info, double value01)
 {
     const double range = static_cast<double>(info.integer.maximum) - info.integer.minimum;
@@ -139,7 +116,7 @@ template <typename B>
 void ParameterFloatT<B>::SetValue(std::int32_t sub, double value01, bool silent)
 {
     MPluginParameterInfo& record = *this->info;
-    const double value = FloatFrom01(record, value01);
+    const double value = record.NumberAt(value01);
     if (record.Has(ParameterFlag::Interpolating))
         record.number.smoothedValue = value;
     else
@@ -151,7 +128,7 @@ void ParameterFloatT<B>::SetValue(std::int32_t sub, double value01, bool silent)
 template <typename B>
 double ParameterFloatT<B>::GetValue(std::int32_t) const
 {
-    return FloatTo01(*this->info, this->info->number.value);
+    return this->info->PositionOf(this->info->number.value);
 }
 
 template <typename B>
@@ -163,7 +140,7 @@ void ParameterFloatT<B>::GetValueName(MString& out, std::int32_t) const
 template <typename B>
 void ParameterFloatT<B>::GetValueNameFrom01(MString& out, std::int32_t, double value01) const
 {
-    out = FloatText(*this->info, FloatFrom01(*this->info, value01));
+    out = FloatText(*this->info, this->info->NumberAt(value01));
 }
 
 template <typename B>
@@ -182,7 +159,7 @@ double ParameterFloatT<B>::ParseValueName(std::int32_t, const MString& text) con
     {
         value = text.ToDouble();
     }
-    return FloatTo01(record, std::clamp(value, record.number.minimum, record.number.maximum));
+    return record.PositionOf(std::clamp(value, record.number.minimum, record.number.maximum));
 }
 
 template <typename B>

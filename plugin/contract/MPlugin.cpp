@@ -270,29 +270,13 @@ void MPlugin::LoadParameterGroup(std::int32_t first, MAttribute& node)
 
 namespace
 {
-double CurveOf(std::int32_t curve, double position)
-{
-    const double squared = position * position;
-    return curve == 1 ? squared : (curve == 2 ? squared * squared : position);
-}
-
-double PositionOnCurve(std::int32_t curve, double share)
-{
-    return curve == 1 ? std::sqrt(share) : (curve == 2 ? std::sqrt(std::sqrt(share)) : share);
-}
-
 void RandomizeFloat(MPluginParameterInfo& info, double amount, bool anew)
 {
     MPluginParameterInfo::FloatValue& block = info.number;
-    const double range = block.maximum - block.minimum;
     double position = MRandom::Next01();
     if (!anew)
-    {
-        const double present =
-            range > 0 ? PositionOnCurve(info.curve, (block.value - block.minimum) / range) : 0.0;
-        position = ClampTo(present + position * amount * 2 - amount, 0.0, 1.0);
-    }
-    double value = range * CurveOf(info.curve, position) + block.minimum;
+        position = ClampTo(info.PositionOf(block.value) + position * amount * 2 - amount, 0.0, 1.0);
+    double value = info.NumberAt(position);
     if (info.Has(ParameterFlag::RandomizedToWhole))
         value = std::floor(value + 0.5);
     block.value = ClampTo(value, block.minimum, block.maximum);

@@ -9,8 +9,6 @@
 #include "plugin/contract/ChangeFeed.h"
 #include "plugin/contract/MPluginParameterInfo.h"
 
-class MEventTarget;
-
 /// Whether somebody looks. Of all flags that say so this is the only one.
 enum class EditorPresence : std::int32_t
 {
@@ -55,7 +53,6 @@ struct MPluginDescription
     std::int32_t inputBusCount = 1;   ///< main input and side-chains
     std::int32_t maxInputGroups = 1;
     std::int32_t reservedCount = 1;
-    MEventTarget* eventTarget = nullptr;
     MEffectEnvironment ownEnvironment;
     MEffectEnvironment* environment = &ownEnvironment;
     std::int32_t defaultChannelIndex = -1;

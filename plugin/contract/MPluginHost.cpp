@@ -35,7 +35,6 @@ std::int64_t MPluginHost::OnCommand(std::int64_t)
 
 std::int64_t MPluginHost::Dispatch(std::int64_t command, MPluginArgument* arguments)
 {
-    MPluginDriver* driver = Driver();
     switch (command)
     {
     case HostCommand::Query:
@@ -63,28 +62,6 @@ std::int64_t MPluginHost::Dispatch(std::int64_t command, MPluginArgument* argume
     default:
         return -1;
     }
-}
-
-std::int32_t MPluginHost::ConnectDriver(MPluginDriver& driver, std::int32_t eventIndex)
-{
-    for (std::size_t index = 0; index < owners.size(); ++index)
-    {
-        if (owners[index].state != -1)
-            continue;
-        owners[index] = { .state = 0, .kind = 1, .target = &driver };
-        if (description != nullptr && description->eventTarget != nullptr)
-            driver.AddEffectEventTarget(description->eventTarget);
-        return eventIndex >= 0 ? eventIndex : static_cast<std::int32_t>(index);
-    }
-    return -1;
-}
-
-MPluginDriver* MPluginHost::Driver() const
-{
-    for (const OwnerRecord& owner : owners)
-        if (owner.state != -1)
-            return owner.target;
-    return nullptr;
 }
 
 std::int32_t MAudioEffectPluginHost::Connect()
@@ -123,7 +100,6 @@ std::int32_t MPluginSystem::CreatePlugin(const MString& name, MPluginEntry entry
         return NoDescription;
     made->OnConnected();
     made->Send(PluginCommand::Connected);
-    made->system = this;
     made->name = name;
     host = std::move(made);
     return Success;

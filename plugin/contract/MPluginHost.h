@@ -1,13 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <memory>
 
 #include "plugin/contract/MPlugin.h"
-
-class MPluginSystem;
 
 /// What a driver does for an effect that changes its parameters or limits at run time.
 class MPluginDriver
@@ -18,7 +15,6 @@ public:
     virtual std::int64_t OnRebuildParameters() = 0;
     virtual std::int64_t OnRefreshAdapters() = 0;
     virtual std::int64_t OnBlockLimitChanged() = 0;
-    virtual void AddEffectEventTarget(MEventTarget* target) = 0;
 };
 
 /// The driver's side of one effect: holds the entry function and the instance, and answers the effect's
@@ -41,26 +37,11 @@ public:
     /// Sends a command whose arguments are all empty.
     std::int64_t Send(std::int64_t command);
 
-    /// Takes the first free of eight owner records for `driver`; its place in them, or -1 if none is free.
-    std::int32_t ConnectDriver(MPluginDriver& driver, std::int32_t eventIndex);
-    MPluginDriver* Driver() const;
-
     MPluginEntry entry = nullptr;
     MPlugin* instance = nullptr;
-    MString libraryName;
     MString name;
     MPluginDescription* description = nullptr;
-    MPluginSystem* system = nullptr;
-    bool active = true;
-
-private:
-    struct OwnerRecord
-    {
-        std::int32_t state = -1;   // -1: free
-        std::int32_t kind = 0;
-        MPluginDriver* target = nullptr;
-    };
-    std::array<OwnerRecord, 8> owners{};
+    MPluginDriver* driver = nullptr;   ///< answers the host commands 4 to 7; without one they answer 0
 };
 
 class MAudioEffectPluginHost : public MPluginHost

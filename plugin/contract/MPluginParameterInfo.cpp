@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "plugin/contract/MPluginParameterInfo.h"
 
+#include <cmath>
+
 namespace
 {
 MPluginParameterInfo Named(ParameterType type, const MString& name, const MString& id)
@@ -49,6 +51,22 @@ MPluginParameterInfo MPluginParameterInfo::Boolean(const MString& name, const MS
 MPluginParameterInfo MPluginParameterInfo::Group(const MString& name)
 {
     return Named(ParameterType::Group, name, {});
+}
+
+double MPluginParameterInfo::NumberAt(double position) const
+{
+    const double squared = position * position;
+    const double share = curve == 1 ? squared : (curve == 2 ? squared * squared : position);
+    return (number.maximum - number.minimum) * share + number.minimum;
+}
+
+double MPluginParameterInfo::PositionOf(double value) const
+{
+    const double range = number.maximum - number.minimum;
+    if (!(range > 0))
+        return 0;
+    const double share = (value - number.minimum) / range;
+    return curve == 1 ? std::sqrt(share) : (curve == 2 ? std::sqrt(std::sqrt(share)) : share);
 }
 
 MPluginParameterInfo& MPluginParameterInfo::WithHelp(const MString& text)

@@ -112,6 +112,11 @@ struct MPluginParameterInfo
 
     bool Has(std::uint32_t flag) const { return (flags & flag) != 0; }
 
+    /// The value of a float parameter at a position of 0 to 1 on its curve, and back. A range without extent
+    /// stands at 0.
+    double NumberAt(double position) const;
+    double PositionOf(double value) const;
+
     /// The value that processing uses: the running one while the driver interpolates.
     double RunningValue() const
     {

@@ -32,7 +32,6 @@ void MAudioEffectPluginToAudioPluginAdapter::Initialize(const MString& effectNam
         throw MException("Error creating plugin.");
     effect = dynamic_cast<MAudioEffectPlugin*>(
         reinterpret_cast<MPlugin*>(static_cast<std::intptr_t>(host->Send(PluginCommand::GetInstance))));
-    host->system = nullptr;   // it ends with this operation
     if (effect == nullptr)
         throw MException("Error creating plugin.");
 
@@ -42,7 +41,7 @@ void MAudioEffectPluginToAudioPluginAdapter::Initialize(const MString& effectNam
     defaultEditorHeight = editorHeight;
     takesMIDI = true;
     SetSurround(false);
-    host->ConnectDriver(*this, -1);
+    host->driver = this;
     RebuildParameters();
     UpdateMaxBufferSize();
     environment.editor = EditorPresence::Closed;
@@ -327,9 +326,4 @@ std::int64_t MAudioEffectPluginToAudioPluginAdapter::OnBlockLimitChanged()
 {
     UpdateMaxBufferSize();
     return 0;
-}
-
-void MAudioEffectPluginToAudioPluginAdapter::AddEffectEventTarget(MEventTarget* target)
-{
-    effectEventTargets.push_back(target);
 }

@@ -67,7 +67,6 @@ private:
     std::int64_t OnRebuildParameters() override;
     std::int64_t OnRefreshAdapters() override;
     std::int64_t OnBlockLimitChanged() override;
-    void AddEffectEventTarget(MEventTarget* target) override;
     void StoreChannelMode(const MStoreParams& params);
     void FillContext();
 
@@ -77,7 +76,6 @@ private:
     std::int32_t defaultEditorHeight = 0;
     std::unique_ptr<MAudioEffectPluginHost> host;
     MAudioEffectPlugin* effect = nullptr;
-    std::vector<MEventTarget*> effectEventTargets;
     MProcessContext context;
     bool updateTimeInfo = false;
     std::int32_t maxProcessBlockLimit = 0x7FFFFFFF;
