@@ -90,7 +90,7 @@ TEST_F(Formats, ListTheirParametersAsTheKeptFileDoes)
     {
         return line.substr(0, line.rfind('\t'));
     };
-    ASSERT_EQ(fromVst3.size(), fromVst2.size() + 131);
+    ASSERT_EQ(fromVst3.size(), fromVst2.size() + 132);
     for (std::size_t index = 0; index < fromVst2.size(); ++index)
     {
         const std::string title = firstTwo(fromVst3[index]);
