@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "hosts/module/ModuleUse.h"
 
+#include "foundation/module/MModule.h"
 #include "foundation/threads/MLock.h"
 
 namespace
@@ -33,6 +34,13 @@ ModuleUse::~ModuleUse()
         return;
     --shared.uses;
     shared.lock.Release();
+}
+
+void ModuleUse::SetHostType(const char* type)
+{
+    const MSynchronizerGuard guard(Shared().lock);
+    if (MModule* module = MModule::Main())
+        module->hostType = MString::FromUTF8(type);
 }
 
 int ModuleUse::Count()

@@ -13,6 +13,8 @@ public:
     ModuleUse(const ModuleUse&) = delete;
     ModuleUse& operator=(const ModuleUse&) = delete;
 
+    /// Notes the format of the host that made the last adapter, as the module's host type.
+    static void SetHostType(const char* type);
     /// Adapters alive in this module.
     static int Count();
 };

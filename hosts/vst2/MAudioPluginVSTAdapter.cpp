@@ -66,6 +66,7 @@ MAudioPluginVSTAdapter::MAudioPluginVSTAdapter(HostCallback hostCallback,
     outgoingEvents.reserve(outgoingCapacity);
     sendingEvents.reserve(outgoingCapacity);
     sendingRecord.resize(recordHead + outgoingCapacity);
+    ModuleUse::SetHostType("VST");
     plugin->adapter = this;
     plugin->groupStride = 8;
     FillRecord();
@@ -208,6 +209,9 @@ std::intptr_t MAudioPluginVSTAdapter::Answer(std::int32_t opcode, std::int32_t i
         if (pointer != nullptr)
             *static_cast<SpeakerArrangement**>(pointer) = nullptr;
         return 0;
+    case EffectOpcode::SetBypass:
+        plugin->bypass = value != 0;
+        return 1;
     case EffectOpcode::GetEffectName:
     case EffectOpcode::GetProductString:
         CopyText(pointer, plugin->EffectName(), textSize);
@@ -220,7 +224,7 @@ std::intptr_t MAudioPluginVSTAdapter::Answer(std::int32_t opcode, std::int32_t i
     case EffectOpcode::CanDo:
         return pointer != nullptr ? CanDo(static_cast<const char*>(pointer)) : 0;
     case EffectOpcode::GetTailSize:
-        return std::max(0, plugin->GetTailSize() / plugin->upsamplingFactor);
+        return std::max(0, plugin->TotalTailSize());
     case EffectOpcode::GetVstVersion:
         return VstVersion;
     case EffectOpcode::SetProcessPrecision:
@@ -255,7 +259,7 @@ std::intptr_t MAudioPluginVSTAdapter::AnswerParameter(std::int32_t opcode, std::
                                             index, MString::FromUTF8(static_cast<const char*>(pointer))));
         return 1;
     default:
-        return 1;   // every parameter can be automated
+        return plugin->IsParameterHidden(index) ? 0 : 1;
     }
     CopyText(pointer, text, textSize);
     return 1;
@@ -350,7 +354,8 @@ std::intptr_t MAudioPluginVSTAdapter::CanDo(const char* text) const
                                        "receiveVstMidiEvent" };
     constexpr std::array sending = { "sendVstEvents", "sendVstEvent", "sendVstMidiEvents",
                                      "sendVstMidiEvent" };
-    constexpr std::array always = { "plugAsChannelInsert", "canMono", "plugAsSend", "receiveVstTimeInfo" };
+    constexpr std::array always = { "plugAsChannelInsert", "canMono", "plugAsSend", "receiveVstTimeInfo",
+                                    "bypass" };
     const auto is = [text](const char* known)
     {
         return std::strcmp(text, known) == 0;
@@ -359,9 +364,7 @@ std::intptr_t MAudioPluginVSTAdapter::CanDo(const char* text) const
         return plugin->takesMIDI ? 1 : -1;
     if (std::any_of(sending.begin(), sending.end(), is))
         return plugin->producesMIDI ? 1 : -1;
-    if (std::any_of(always.begin(), always.end(), is))
-        return 1;
-    return is("bypass") ? -1 : 0;
+    return std::any_of(always.begin(), always.end(), is) ? 1 : 0;
 }
 
 void MAudioPluginVSTAdapter::Process(AEffect* effect, float** inputs, float** outputs, std::int32_t frames)

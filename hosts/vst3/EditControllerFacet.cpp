@@ -83,7 +83,7 @@ bool EditControllerFacet::IsOwn(ParamID id) const
 
 int32 EditControllerFacet::getParameterCount()
 {
-    return adapter.IsInitialized() ? adapter.Plugin().GetParameterCount() + 1 + ControllerCount : 0;
+    return adapter.IsInitialized() ? adapter.Plugin().GetParameterCount() + 2 + ControllerCount : 0;
 }
 
 tresult EditControllerFacet::getParameterInfo(int32 index, ParameterInfo& info)
@@ -112,7 +112,8 @@ tresult EditControllerFacet::getParameterInfo(int32 index, ParameterInfo& info)
                                   plugin.GetParameterType(index) == AutomationAdapter::Type::Boolean ? 1 : 0;
                               info.defaultNormalizedValue = plugin.GetParameterDefaultValue(index);
                               info.unitId = parameterUnits[static_cast<std::size_t>(index)];
-                              info.flags = ParameterInfo::kCanAutomate;
+                              info.flags = plugin.IsParameterHidden(index) ? ParameterInfo::kIsHidden
+                                                                           : ParameterInfo::kCanAutomate;
                           }
                           else if (index == ownCount)
                           {
@@ -122,11 +123,21 @@ tresult EditControllerFacet::getParameterInfo(int32 index, ParameterInfo& info)
                               info.stepCount = 1;
                               info.flags = ParameterInfo::kCanAutomate | ParameterInfo::kIsBypass;
                           }
-                          else
+                          else if (index <= ownCount + ControllerCount)
                           {
+                              // Nothing to see or to move: they keep the numbers of MIDI controllers.
                               const int32 controller = index - ownCount - 1;
                               info.id = FirstControllerId + static_cast<ParamID>(controller);
                               CopyText(info.title, Format("Controller {0}", controller + 1));
+                              info.flags = ParameterInfo::kIsHidden;
+                          }
+                          else
+                          {
+                              info.id = ProgramId;
+                              CopyText(info.title, "Program");
+                              CopyText(info.shortTitle, "Program");
+                              info.stepCount = ProgramCount() - 1;
+                              info.flags = ParameterInfo::kIsProgramChange | ParameterInfo::kIsList;
                           }
                           return kResultOk;
                       });
@@ -146,6 +157,8 @@ tresult EditControllerFacet::getParamStringByValue(ParamID id, ParamValue value,
                                                                            share);
                           else if (id == BypassId)
                               out = share > 0.5 ? "On" : "Off";
+                          else if (id == ProgramId)
+                              out = ProgramName(ProgramAt(share));
                           else if (id >= FirstControllerId && id - FirstControllerId < ControllerCount)
                               out = MString::FromDouble(share, 4);
                           else
@@ -167,6 +180,16 @@ tresult EditControllerFacet::getParamValueByString(ParamID id, TChar* text, Para
                               value = adapter.Plugin().ParseParameterValueName(static_cast<int32>(id), given);
                           else if (id == BypassId)
                               value = given.EqualsNoCase("On") || given.ToInt() != 0 ? 1.0 : 0.0;
+                          else if (id == ProgramId)
+                          {
+                              for (int32 program = 0; program < ProgramCount(); ++program)
+                                  if (ProgramName(program).EqualsNoCase(given))
+                                  {
+                                      value = plainParamToNormalized(id, program);
+                                      return kResultOk;
+                                  }
+                              return kResultFalse;
+                          }
                           else if (id >= FirstControllerId && id - FirstControllerId < ControllerCount)
                               value = std::clamp(given.ToDouble(), 0.0, 1.0);
                           else
@@ -176,31 +199,76 @@ tresult EditControllerFacet::getParamValueByString(ParamID id, TChar* text, Para
 }
 
 // Hosts get the values' own units as texts; as numbers all of them run from 0 to 1.
-ParamValue EditControllerFacet::normalizedParamToPlain(ParamID, ParamValue value)
+ParamValue EditControllerFacet::normalizedParamToPlain(ParamID id, ParamValue value)
 {
-    return value;
+    return id == ProgramId ? ProgramAt(value) : value;
 }
 
-ParamValue EditControllerFacet::plainParamToNormalized(ParamID, ParamValue value)
+ParamValue EditControllerFacet::plainParamToNormalized(ParamID id, ParamValue value)
 {
-    return value;
+    return id == ProgramId ? value / std::max(1, ProgramCount() - 1) : value;
 }
 
 ParamValue EditControllerFacet::getParamNormalized(ParamID id)
 {
     if (id == BypassId)
         return adapter.Plugin().bypass ? 1.0 : 0.0;
+    if (id == ProgramId)
+        return plainParamToNormalized(id, CurrentProgram());
     return id < FirstControllerId ? adapter.Plugin().GetParameter(static_cast<int32>(id)) : 0.0;
 }
 
 tresult EditControllerFacet::setParamNormalized(ParamID id, ParamValue value)
 {
+    if (id == ProgramId)
+        return AtBoundary("MAudioPluginVST3Adapter::setParamNormalized", tresult{ kResultFalse },
+                          [&]() -> tresult
+                          {
+                              ChooseProgram(ProgramAt(value));
+                              return kResultOk;
+                          });
     if (!IsOwn(id) && id != BypassId &&
         !(id >= FirstControllerId && id - FirstControllerId < ControllerCount))
         return kResultFalse;
-    if (!adapter.IsActive())
-        adapter.ApplyParameterChange(id, value);
+    adapter.ApplyParameterChange(id, value);
     return kResultOk;
+}
+
+int32 EditControllerFacet::ProgramCount() const
+{
+    return adapter.Plugin().presets.FactoryPresetCount() + 1;
+}
+
+int32 EditControllerFacet::ProgramAt(ParamValue value) const
+{
+    const int32 last = ProgramCount() - 1;
+    return std::isfinite(value) ? static_cast<int32>(std::lround(std::clamp(value, 0.0, 1.0) * last)) : 0;
+}
+
+MString EditControllerFacet::ProgramName(int32 program) const
+{
+    return program == 0 ? MString("No preset") : adapter.Plugin().presets.FactoryPresetName(program - 1);
+}
+
+// States keep the place of their preset. At the first place there may as well be none: loading it anew costs
+// a user nothing, while it would cost the bands to load it for nothing.
+int32 EditControllerFacet::CurrentProgram() const
+{
+    const int32 index = adapter.Plugin().presets.CurrentPresetIndex();
+    if (index == 0)
+        return firstProgramChosen ? 1 : 0;
+    return index + 1 < ProgramCount() ? index + 1 : 0;
+}
+
+void EditControllerFacet::ChooseProgram(int32 program)
+{
+    // Hosts repeat what they have read, as when a project is opened: bands that were edited since stay then.
+    if (program == 0 || program == CurrentProgram())
+        return;
+    firstProgramChosen = program == 1;
+    adapter.Plugin().presets.LoadFactoryPreset(program - 1);
+    if (handler != nullptr)
+        handler->restartComponent(kParamValuesChanged);
 }
 
 tresult EditControllerFacet::setComponentHandler(IComponentHandler* newHandler)
@@ -214,10 +282,43 @@ tresult EditControllerFacet::setComponentHandler(IComponentHandler* newHandler)
     return kResultOk;
 }
 
-tresult EditControllerFacet::getMidiControllerAssignment(int32, int16, CtrlNumber controller, ParamID& id)
+tresult EditControllerFacet::getMidiControllerAssignment(int32 bus, int16 channel, CtrlNumber controller,
+                                                         ParamID& id)
 {
+    constexpr int16 midiChannels = 16;
+    if (bus < 0 || bus >= adapter.getBusCount(kEvent, kInput) || channel < 0 || channel >= midiChannels ||
+        controller < 0 || controller >= ControllerCount)
+        return kResultFalse;
     id = FirstControllerId + static_cast<ParamID>(controller);
     return kResultOk;
+}
+
+int32 EditControllerFacet::getProgramListCount()
+{
+    return adapter.IsInitialized() ? 1 : 0;
+}
+
+tresult EditControllerFacet::getProgramListInfo(int32 index, ProgramListInfo& info)
+{
+    if (index != 0 || !adapter.IsInitialized())
+        return kResultFalse;
+    info = {};
+    info.id = FactoryPresetList;
+    info.programCount = ProgramCount();
+    CopyText(info.name, "Factory presets");
+    return kResultOk;
+}
+
+tresult EditControllerFacet::getProgramName(int32 list, int32 program, String128 text)
+{
+    if (list != FactoryPresetList || program < 0 || program >= ProgramCount() || text == nullptr)
+        return kResultFalse;
+    return AtBoundary("MAudioPluginVST3Adapter::getProgramName", tresult{ kResultFalse },
+                      [&]() -> tresult
+                      {
+                          CopyText(text, ProgramName(program));
+                          return kResultOk;
+                      });
 }
 
 int32 EditControllerFacet::getUnitCount()
@@ -232,7 +333,7 @@ tresult EditControllerFacet::getUnitInfo(int32 index, UnitInfo& info)
     info = {};
     info.id = index;
     info.parentUnitId = index == 0 ? kNoParentUnitId : kRootUnitId;
-    info.programListId = kNoProgramListId;
+    info.programListId = index == 0 ? FactoryPresetList : kNoProgramListId;
     CopyText(info.name, index == 0 ? MString("Root") : unitNames[static_cast<std::size_t>(index - 1)]);
     return kResultOk;
 }

@@ -62,8 +62,7 @@ public:
     ParamValue PLUGIN_API normalizedParamToPlain(ParamID id, ParamValue value) override;
     ParamValue PLUGIN_API plainParamToNormalized(ParamID id, ParamValue value) override;
     ParamValue PLUGIN_API getParamNormalized(ParamID id) override;
-    /// Reaches the plug-in only while the component is inactive: in activity the values come with the blocks,
-    /// and what a host tells this side late would fight with them.
+    /// Reaches the plug-in at once; a host that also sends the value with a block sets it twice.
     tresult PLUGIN_API setParamNormalized(ParamID id, ParamValue value) override;
     tresult PLUGIN_API setComponentHandler(Steinberg::Vst::IComponentHandler* newHandler) override;
     /// There is no editor yet.
@@ -79,18 +78,13 @@ public:
                                                    Steinberg::Vst::CtrlNumber controller,
                                                    ParamID& id) override;
 
-    // IUnitInfo: the root and one unit for each group of parameters; no programs.
+    // IUnitInfo: the root and one unit for each group of parameters; the factory presets are the root's
+    // programs.
     int32 PLUGIN_API getUnitCount() override;
     tresult PLUGIN_API getUnitInfo(int32 index, Steinberg::Vst::UnitInfo& info) override;
-    int32 PLUGIN_API getProgramListCount() override { return 0; }
-    tresult PLUGIN_API getProgramListInfo(int32, Steinberg::Vst::ProgramListInfo&) override
-    {
-        return Steinberg::kResultFalse;
-    }
-    tresult PLUGIN_API getProgramName(int32, int32, Steinberg::Vst::String128) override
-    {
-        return Steinberg::kResultFalse;
-    }
+    int32 PLUGIN_API getProgramListCount() override;
+    tresult PLUGIN_API getProgramListInfo(int32 index, Steinberg::Vst::ProgramListInfo& info) override;
+    tresult PLUGIN_API getProgramName(int32 list, int32 program, Steinberg::Vst::String128 text) override;
     tresult PLUGIN_API getProgramInfo(int32, int32, Steinberg::Vst::CString,
                                       Steinberg::Vst::String128) override
     {
@@ -112,9 +106,16 @@ public:
 
 private:
     bool IsOwn(ParamID id) const;
+    int32 ProgramCount() const;
+    /// The program that a value from 0 to 1 stands for.
+    int32 ProgramAt(ParamValue value) const;
+    MString ProgramName(int32 program) const;
+    int32 CurrentProgram() const;
+    void ChooseProgram(int32 program);
 
     MAudioPluginVST3Adapter& adapter;
     Steinberg::Vst::IComponentHandler* handler = nullptr;
+    bool firstProgramChosen = false;   // the first preset's place is also that of none
     std::vector<MString> unitNames;   // unit id less 1
     std::vector<Steinberg::Vst::UnitID> parameterUnits;
 };

@@ -8,10 +8,12 @@
 
 #include "foundation/text/Boundary.h"
 #include "foundation/text/MStringFormat.h"
+#include "foundation/vector/VectorOperations.h"
 #include "hosts/module/CreateInstance.h"
 #include "hosts/vst3/ParameterIds.h"
 #include "hosts/vst3/Text128.h"
 #include "plugin/driver/PluginState.h"
+#include "plugin/driver/ProcessingChange.h"
 #include <pluginterfaces/base/ibstream.h>
 #include <pluginterfaces/vst/ivsthostapplication.h>
 #include <pluginterfaces/vst/ivstparameterchanges.h>
@@ -26,6 +28,29 @@ namespace
 {
 constexpr std::int32_t groupStride = 8;
 constexpr std::size_t outgoingCapacity = 512;   // MIDI events that one block may bring
+
+// Tells the host which channels are silent, which then hold zeros and nothing of what keeps denormals out.
+void FlagSilence(AudioBusBuffers& bus, int32 frames)
+{
+    constexpr float inaudible = 1e-12f;   // -240 dBFS
+    bus.silenceFlags = 0;
+    for (int32 channel = 0; bus.channelBuffers32 != nullptr && channel < bus.numChannels; ++channel)
+    {
+        float* samples = bus.channelBuffers32[channel];
+        if (samples == nullptr)
+            continue;
+        float highest = 0;
+        // Most channels that sound do so from the first sample on.
+        if (std::fabs(samples[0]) <= inaudible)
+            MVector::AbsMax(samples, frames, &highest);
+        else
+            highest = samples[0];
+        if (!(std::fabs(highest) <= inaudible))
+            continue;
+        std::fill_n(samples, frames, 0.0f);
+        bus.silenceFlags |= uint64{ 1 } << channel;
+    }
+}
 
 // Puts a bus's channels at its place in the plug-in's array. What the host left out stays null.
 void Spread(std::array<float*, MAudioPlugin::MaxChannels>& target, const AudioBusBuffers* list, int32 count)
@@ -121,6 +146,8 @@ tresult MAudioPluginVST3Adapter::initialize(FUnknown* context)
         [&]() -> tresult
         {
             ReadHostName(context);
+            ModuleUse::SetHostType("VST3");
+            startedWide = plugin->channelsPerGroup > 2;
             plugin->adapter = this;
             inputArrangement = outputArrangement = SpeakerArr::kStereo;
             plugin->SetConnectedChannels(2, 2);
@@ -302,37 +329,48 @@ tresult MAudioPluginVST3Adapter::setBusArrangements(SpeakerArrangement* inputs, 
         "MAudioPluginVSTAdapter::setBusArrangements", tresult{ kResultFalse },
         [&]() -> tresult
         {
-            const int32 width = plugin->channelsPerGroup;
-            const auto speakersOf = [](const SpeakerArrangement* list, int32 count)
+            // Each side gets what it asks for, or the widest that there is. A mono input plays on both of two
+            // outputs; otherwise both sides have one width, that of the output.
+            constexpr int32 widest = 8;
+            const auto possible = [](SpeakerArrangement wanted)
             {
-                int32 speakers = 0;
-                for (int32 index = 0; index < count; ++index)
-                    speakers = std::max(speakers, SpeakerArr::getChannelCount(list[index]));
-                return speakers;
+                const int32 speakers = SpeakerArr::getChannelCount(wanted);
+                if (speakers < 1)
+                    return SpeakerArr::kStereo;
+                return speakers <= widest ? wanted : SpeakerArr::k71Cine;
             };
-            // The widest that the plug-in has where the host asks for more.
-            constexpr SpeakerArrangement wide = 0x737;
-            const auto limited = [width](SpeakerArrangement wanted, int32 speakers)
-            {
-                return speakers <= width ? wanted : (width == 2 ? SpeakerArr::kStereo : wide);
-            };
-            const int32 inputSpeakers = inputCount > 0 ? speakersOf(inputs, inputCount)
-                                                       : SpeakerArr::getChannelCount(inputArrangement);
-            const int32 outputSpeakers = outputCount > 0 ? speakersOf(outputs, outputCount)
-                                                         : SpeakerArr::getChannelCount(outputArrangement);
-            const SpeakerArrangement newInput =
-                limited(inputCount > 0 ? inputs[0] : inputArrangement, inputSpeakers);
-            const SpeakerArrangement newOutput =
-                limited(outputCount > 0 ? outputs[0] : outputArrangement, outputSpeakers);
-            if (newInput == inputArrangement || newOutput == outputArrangement)
-                return kResultFalse;
-            inputArrangement = newInput;
-            outputArrangement = newOutput;
+            const SpeakerArrangement wantedInput = inputCount > 0 ? inputs[0] : inputArrangement;
+            const SpeakerArrangement wantedOutput = outputCount > 0 ? outputs[0] : outputArrangement;
+            outputArrangement = possible(wantedOutput);
+            inputArrangement = possible(wantedInput);
+            const int32 outputSpeakers = SpeakerArr::getChannelCount(outputArrangement);
+            const int32 inputSpeakers = SpeakerArr::getChannelCount(inputArrangement);
+            if (inputSpeakers != outputSpeakers && !(inputSpeakers == 1 && outputSpeakers == 2))
+                inputArrangement = outputArrangement;
+            ApplyArrangements();
             BuildBuses();
-            // Also after a "no": the connected channels are those of the buses that the host now sees.
-            plugin->SetConnectedChannels(std::min(inputSpeakers, width), std::min(outputSpeakers, width));
-            return inputSpeakers > width || outputSpeakers > width ? kResultFalse : kResultOk;
+            const bool all = inputArrangement == wantedInput && outputArrangement == wantedOutput &&
+                             inputCount <= 1 && outputCount <= 1;
+            return all ? kResultOk : kResultFalse;
         });
+}
+
+void MAudioPluginVST3Adapter::ApplyArrangements()
+{
+    const int32 inputs = SpeakerArr::getChannelCount(inputArrangement);
+    const int32 outputs = SpeakerArr::getChannelCount(outputArrangement);
+    ProcessingChange change(*plugin);
+    const bool wide = startedWide || outputs > 2;
+    if (wide != (plugin->channelsPerGroup > 2))
+        plugin->SetSurround(wide);
+    // Who puts the plug-in on a surround track wants all of it equalized.
+    if (outputs > 2 && plugin->channelMode == ChannelMode::LeftAndRight)
+        plugin->channelMode = ChannelMode::Surround;
+    else if (outputs <= 2 && plugin->channelMode == ChannelMode::Surround)
+        plugin->channelMode = ChannelMode::LeftAndRight;
+    plugin->SetConnectedChannels(inputs, outputs);
+    change.Prepare(ProcessingChange::Preparation::WhereNeeded);
+    change.Finish();
 }
 
 tresult MAudioPluginVST3Adapter::getBusArrangement(BusDirection direction, int32 index,
@@ -365,12 +403,7 @@ uint32 MAudioPluginVST3Adapter::getTailSamples()
     return AtBoundary("MAudioPluginVST3Adapter::getTailSamples", uint32{ 0 },
                       [&]
                       {
-                          constexpr int32 upsamplingTail = 16384;
-                          const int32 factor = std::max(plugin->upsamplingFactor.Get(), 1);
-                          int32 tail = plugin->GetTailSize();
-                          if (tail >= 0)
-                              tail = tail / factor + (factor >= 2 ? upsamplingTail : 0);
-                          reportedTail = tail < 0 ? -1 : tail;
+                          reportedTail = plugin->TotalTailSize();
                           return static_cast<uint32>(reportedTail.load());
                       });
 }
@@ -558,16 +591,13 @@ void MAudioPluginVST3Adapter::SendOutgoingEvents(IEventList* list)
 
 void MAudioPluginVST3Adapter::ApplyParameterChange(ParamID id, ParamValue value) noexcept
 {
-    AtBoundary("MAudioPluginVST3Adapter::ApplyParameterChange",
-               [&]
-               {
-                   const MSynchronizerGuard processGuard(plugin->processLock, 0);
-                   const MSynchronizerGuard settingsGuard(plugin->settingsLock);
-                   if (id == BypassId)
-                       plugin->bypass = value > 0.5;
-                   else if (id < FirstControllerId && !echoes.IsEcho())
-                       plugin->SetParameterIfChanged(static_cast<int32>(id), value);
-               });
+    // Single relaxed stores: nothing to wait for, and nothing is lost while a load holds the locks.
+    if (echoes.IsEcho())
+        return;
+    if (id == BypassId)
+        plugin->bypass = value > 0.5;
+    else if (id < FirstControllerId)
+        plugin->SetParameterIfChanged(static_cast<int32>(id), value);
 }
 
 void MAudioPluginVST3Adapter::ApplyParameterChanges(IParameterChanges& changes)
@@ -620,9 +650,8 @@ void MAudioPluginVST3Adapter::ProcessAudio(ProcessData& data)
     Spread(inputs, data.inputs, data.numInputs);
     Spread(outputs, data.outputs, data.numOutputs);
     plugin->ProcessBlock(inputs.data(), outputs.data(), data.numSamples, true);
-    // Hosts carry the flags of the last block over: a silent one is not recognized here.
     for (int32 bus = 0; data.outputs != nullptr && bus < data.numOutputs; ++bus)
-        data.outputs[bus].silenceFlags = 0;
+        FlagSilence(data.outputs[bus], data.numSamples);
     SendOutgoingEvents(data.outputEvents);
 }
 
@@ -630,18 +659,18 @@ tresult MAudioPluginVST3Adapter::process(ProcessData& data)
 {
     if (!initialized)
         return kNotInitialized;
-    if (data.numSamples <= 0)
-        return kResultOk;
-    if (data.symbolicSampleSize != kSample32)
+    if (data.numSamples > 0 && data.symbolicSampleSize != kSample32)
         return kInvalidArgument;   // the buffers hold doubles
     return AtBoundary("MAudioPluginVST3Adapter::process", tresult{ kResultOk },
                       [&]() -> tresult
                       {
                           if (data.inputParameterChanges != nullptr)
                               ApplyParameterChanges(*data.inputParameterChanges);
+                          // A host that only delivers parameters brings no samples, or no buses.
+                          if (data.numSamples <= 0)
+                              return kResultOk;
                           if (data.processContext != nullptr)
                               ReadTimeInfo(*data.processContext);
-                          // A host that only delivers parameters brings no buses.
                           if (data.numInputs != 0 || data.numOutputs != 0)
                               ProcessAudio(data);
                           return kResultOk;

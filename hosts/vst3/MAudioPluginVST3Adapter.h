@@ -43,7 +43,7 @@ public:
     MQuorvaneAudioEffectPlugin& Plugin() const { return *plugin; }
     bool IsInitialized() const { return initialized; }
     bool IsActive() const { return active.load(std::memory_order_relaxed); }
-    /// A value of any parameter id. Takes the locks that a block takes; dropped where a block would be.
+    /// A value of the effect's own parameters or of bypass. Thread: any; waits for nothing.
     void ApplyParameterChange(Steinberg::Vst::ParamID id, Steinberg::Vst::ParamValue value) noexcept;
 
     // FUnknown
@@ -121,6 +121,8 @@ private:
     std::vector<Bus>* BusList(Steinberg::Vst::MediaType type, Steinberg::Vst::BusDirection direction);
     Bus* FindBus(Steinberg::Vst::MediaType type, Steinberg::Vst::BusDirection direction, int32 index);
     void BuildBuses();
+    /// Gives the plug-in as many channels as the arrangements have speakers.
+    void ApplyArrangements();
     void ReadHostName(Steinberg::FUnknown* context);
     void Edit(Steinberg::Vst::ParamID id, double value01);
     template <typename Operation>
@@ -136,6 +138,7 @@ private:
     EditControllerFacet controller;
     MString hostName;
     bool initialized = false;
+    bool startedWide = false;   // the user has chosen surround for all plug-ins
     std::atomic<bool> active = false;
     std::atomic<bool> inActivation = false;   // latency is not reported then: the host asks for it afterwards
     EchoGuard echoes;

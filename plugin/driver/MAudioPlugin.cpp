@@ -369,6 +369,18 @@ void MAudioPlugin::GetParameterHelp(MString& out, std::int32_t index) const noex
                 });
 }
 
+bool MAudioPlugin::IsParameterHidden(std::int32_t index) const noexcept
+{
+    bool hidden = false;
+    WithAdapter(automation, index, "MAudioPlugin::IsParameterHidden",
+                [&](AutomationAdapter& target, std::int32_t)
+                {
+                    const auto* parameter = dynamic_cast<const ParameterMainBase*>(&target);
+                    hidden = parameter != nullptr && parameter->info->Has(ParameterFlag::NotInGenericPanel);
+                });
+    return hidden;
+}
+
 AutomationAdapter::Type MAudioPlugin::GetParameterType(std::int32_t index) const noexcept
 {
     AutomationAdapter::Type type = AutomationAdapter::Type::Float;

@@ -71,6 +71,8 @@ public:
     bool IsParameterDiscrete(std::int32_t index) const noexcept;
     void GetParameterHelp(MString& out, std::int32_t index) const noexcept;
     AutomationAdapter::Type GetParameterType(std::int32_t index) const noexcept;
+    /// Kept for its number and its id; nobody is to see or to move it.
+    bool IsParameterHidden(std::int32_t index) const noexcept;
     double GetParameterDefaultValue(std::int32_t index) const noexcept;
     /// Where a stored id, as GetParameterID gives it, stands now; -1 for an unknown one.
     std::int32_t FindParameter(const MString& storedId) const noexcept;

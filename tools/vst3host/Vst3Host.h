@@ -183,11 +183,13 @@ public:
     }
     Steinberg::tresult Process(float** inputs, float** outputs, Steinberg::int32 frames,
                                Steinberg::Vst::IParameterChanges* changes = nullptr,
-                               Steinberg::int32 channels = 2) const
+                               Steinberg::int32 channels = 2, Steinberg::int32 outputChannels = -1) const
     {
         Steinberg::Vst::AudioBusBuffers in;
-        Steinberg::Vst::AudioBusBuffers out;
-        in.numChannels = out.numChannels = channels;
+        Steinberg::Vst::AudioBusBuffers& out = lastOutput;
+        out = {};
+        in.numChannels = channels;
+        out.numChannels = outputChannels < 0 ? channels : outputChannels;
         in.channelBuffers32 = inputs;
         out.channelBuffers32 = outputs;
         Steinberg::Vst::ProcessData data;
@@ -215,6 +217,7 @@ public:
     Steinberg::Vst::IComponent* component = nullptr;
     Steinberg::Vst::IAudioProcessor* processor = nullptr;
     Steinberg::Vst::IEditController* controller = nullptr;
+    mutable Steinberg::Vst::AudioBusBuffers lastOutput;   // what the plug-in left in it: its flags
     static inline Steinberg::uint32 lastCount = 0;   // references that the last instance left behind
 
 private:

@@ -90,7 +90,7 @@ TEST_F(Formats, ListTheirParametersAsTheKeptFileDoes)
     {
         return line.substr(0, line.rfind('\t'));
     };
-    ASSERT_EQ(fromVst3.size(), fromVst2.size() + 131);
+    ASSERT_EQ(fromVst3.size(), fromVst2.size() + 132);
     for (std::size_t index = 0; index < fromVst2.size(); ++index)
     {
         const std::string title = firstTwo(fromVst3[index]);
@@ -218,6 +218,117 @@ TEST_F(Formats, SurviveEveryTruncationAndRandomBytesAsState)
     vst3.Process(channels, channels, 512);
     EXPECT_EQ(vst2.SetState(state), 1);
     EXPECT_EQ(vst2.State(), state);
+}
+
+// Reads a preset file as the dialog of a host does, by the records that the formats publish.
+class PresetFile
+{
+public:
+    explicit PresetFile(const std::string& path)
+    {
+        std::ifstream file(path, std::ios::binary);
+        bytes.assign(std::istreambuf_iterator<char>(file), {});
+    }
+    std::string Text(std::size_t place, std::size_t size) const
+    {
+        return { bytes.begin() + static_cast<std::ptrdiff_t>(place),
+                 bytes.begin() + static_cast<std::ptrdiff_t>(place + size) };
+    }
+    std::size_t Little(std::size_t place, std::size_t size) const
+    {
+        std::size_t value = 0;
+        for (std::size_t index = size; index-- > 0;)
+            value = value << 8 | bytes.at(place + index);
+        return value;
+    }
+    std::size_t Big(std::size_t place) const
+    {
+        std::size_t value = 0;
+        for (std::size_t index = 0; index < 4; ++index)
+            value = value << 8 | bytes.at(place + index);
+        return value;
+    }
+    Bytes Part(std::size_t place, std::size_t size) const
+    {
+        const std::string part = Text(place, size);
+        return { part.begin(), part.end() };
+    }
+
+    Bytes bytes;
+};
+
+TEST_F(Formats, OpenTheMatchThatTheProgramSavesAsAPreset)
+{
+    const std::string folder = std::getenv("TONALIGN_TEST_FOLDER");
+    const std::string examples = KeptFile("../../examples/");
+    for (const char* ending : { "vstpreset", "fxp" })
+    {
+        const std::string command = "'" + LoadedModule::BuildFolder() + "/tonalign' equalize '" + examples +
+                                    "speech-dull.flac' --source '" + examples +
+                                    "speech-clear.wav' --quiet --force --save-state '" + folder +
+                                    "/match.state' --save-preset '" + folder + "/A match." + ending + "'";
+        ASSERT_EQ(std::system(command.c_str()), 0);
+    }
+    const Bytes state = PresetFile(folder + "/match.state").bytes;
+    ASSERT_FALSE(state.empty());
+
+    const PresetFile forVst3(folder + "/A match.vstpreset");
+    EXPECT_EQ(forVst3.Text(0, 4), "VST3");
+    EXPECT_EQ(forVst3.Little(4, 4), 1u);
+    auto* factory = vst3Module.Find<Steinberg::IPluginFactory* (*)()>("GetPluginFactory")();
+    Steinberg::PClassInfo info;
+    factory->getClassInfo(0, &info);
+    factory->release();
+    char id[33] = {};
+    for (int index = 0; index < 16; ++index)
+        std::snprintf(id + 2 * index, 3, "%02X", static_cast<unsigned char>(info.cid[index]));
+    EXPECT_EQ(forVst3.Text(8, 32), id);
+    const std::size_t list = forVst3.Little(40, 8);
+    EXPECT_EQ(forVst3.Text(list, 4), "List");
+    const Vst3Instance vst3(vst3Module);
+    std::size_t end = 48;
+    for (std::size_t part = 0; part < forVst3.Little(list + 4, 4); ++part)
+    {
+        const std::size_t entry = list + 8 + 20 * part;
+        const std::size_t place = forVst3.Little(entry + 4, 8), size = forVst3.Little(entry + 12, 8);
+        EXPECT_EQ(place, end) << "parts stand side by side";
+        end = place + size;
+        if (forVst3.Text(entry, 4) == "Comp")
+        {
+            StateStream stream;
+            stream.bytes = forVst3.Part(place, size);
+            EXPECT_EQ(vst3.component->setState(&stream), Steinberg::kResultOk);
+            stream.position = 0;
+            EXPECT_EQ(vst3.controller->setComponentState(&stream), Steinberg::kResultOk);
+        }
+        else
+        {
+            EXPECT_EQ(forVst3.Text(entry, 4), "Info");
+            EXPECT_NE(forVst3.Text(place, size).find("value=\"A match\""), std::string::npos);
+        }
+    }
+    EXPECT_EQ(end, list);
+    EXPECT_EQ(vst3.State(), state);
+
+    const PresetFile forVst2(folder + "/A match.fxp");
+    const Vst2Instance vst2(vst2Module);
+    EXPECT_EQ(forVst2.Text(0, 4), "CcnK");
+    EXPECT_EQ(forVst2.Big(4), forVst2.bytes.size() - 8);
+    EXPECT_EQ(forVst2.Text(8, 4), "FPCh");
+    EXPECT_EQ(forVst2.Big(12), 1u);
+    EXPECT_EQ(forVst2.Big(16), static_cast<std::size_t>(vst2.effect->uniqueID));
+    EXPECT_EQ(forVst2.Big(20), static_cast<std::size_t>(vst2.effect->version));
+    EXPECT_EQ(forVst2.Big(24), static_cast<std::size_t>(vst2.effect->numParams));
+    EXPECT_STREQ(forVst2.Text(28, 28).c_str(), "A match");
+    Bytes chunk = forVst2.Part(60, forVst2.Big(56));
+    EXPECT_EQ(60 + chunk.size(), forVst2.bytes.size());
+    EXPECT_EQ(
+        vst2.Send(Vst2::EffectOpcode::SetChunk, 1, static_cast<std::intptr_t>(chunk.size()), chunk.data()),
+        1);
+    EXPECT_EQ(vst2.State(), state);
+    // The first band of the match, as the host shows it.
+    EXPECT_EQ(vst2.Text(Vst2::EffectOpcode::GetParamDisplay, 10), "On");
+    EXPECT_EQ(vst2.Text(Vst2::EffectOpcode::GetParamDisplay, 12), "+24.00 dB");
 }
 
 class Rendering : public Formats, public testing::WithParamInterface<int>

@@ -31,9 +31,15 @@ TEST_F(Hostile, Vst2AnswersItsTables)
     {
         const char* text;
         std::intptr_t answer;
-    } abilities[] = { { "receiveVstMidiEvent", 1 }, { "receiveVstEvents", 1 }, { "sendVstEvents", -1 },
-                      { "sendVstMidiEvent", -1 },   { "canMono", 1 },          { "plugAsSend", 1 },
-                      { "receiveVstTimeInfo", 1 },  { "bypass", -1 },          { "Bypass", 0 },
+    } abilities[] = { { "receiveVstMidiEvent", -1 },
+                      { "receiveVstEvents", -1 },
+                      { "sendVstEvents", -1 },
+                      { "sendVstMidiEvent", -1 },
+                      { "canMono", 1 },
+                      { "plugAsSend", 1 },
+                      { "receiveVstTimeInfo", 1 },
+                      { "bypass", 1 },
+                      { "Bypass", 0 },
                       { "somethingElse", 0 } };
     for (const auto& each : abilities)
         EXPECT_EQ(vst2.Send(Vst2::EffectOpcode::CanDo, 0, 0, const_cast<char*>(each.text)), each.answer)
@@ -142,42 +148,199 @@ TEST_F(Hostile, Vst3IsOneObjectWithOneCount)
     EXPECT_EQ(Vst3Instance::lastCount, 0u);
 }
 
-TEST_F(Hostile, Vst3NegotiatesItsBuses)
+TEST_F(Hostile, Vst3NegotiatesEachSideOfItsBuses)
+{
+    using namespace Steinberg::Vst;
+    using namespace SpeakerArr;
+    constexpr SpeakerArrangement ambisonic = 0xFFFFF;   // 20 speakers
+    const struct
+    {
+        SpeakerArrangement inputs, outputs, inputsNow, outputsNow;
+    } cases[] = { { kStereo, kStereo, kStereo, kStereo },
+                  { kMono, kStereo, kMono, kStereo },
+                  { kStereo, kStereo, kStereo, kStereo },
+                  { kMono, kMono, kMono, kMono },
+                  { k51, k51, k51, k51 },
+                  { kStereo, kMono, kMono, kMono },
+                  { k71Cine, k71Cine, k71Cine, k71Cine },
+                  { kMono, k51, k51, k51 },
+                  { ambisonic, ambisonic, k71Cine, k71Cine },
+                  { kEmpty, kStereo, kStereo, kStereo },
+                  { kMono, kStereo, kMono, kStereo } };
+    const Vst3Instance vst3(vst3Module);
+    for (const auto& each : cases)
+    {
+        SCOPED_TRACE(::testing::Message() << std::hex << each.inputs << " to " << each.outputs);
+        SpeakerArrangement inputs = each.inputs, outputs = each.outputs;
+        const bool fits = each.inputs == each.inputsNow && each.outputs == each.outputsNow;
+        EXPECT_EQ(vst3.processor->setBusArrangements(&inputs, 1, &outputs, 1),
+                  fits ? kResultOk : kResultFalse);
+        vst3.processor->getBusArrangement(kInput, 0, inputs);
+        vst3.processor->getBusArrangement(kOutput, 0, outputs);
+        EXPECT_EQ(inputs, each.inputsNow);
+        EXPECT_EQ(outputs, each.outputsNow);
+        BusInfo in, out;
+        ASSERT_EQ(vst3.component->getBusInfo(kAudio, kInput, 0, in), kResultOk);
+        ASSERT_EQ(vst3.component->getBusInfo(kAudio, kOutput, 0, out), kResultOk);
+        EXPECT_EQ(in.channelCount, getChannelCount(inputs));
+        EXPECT_EQ(out.channelCount, getChannelCount(outputs));
+
+        // Each output plays its own input, and a mono input plays on all; the gain says that the effect did
+        // it.
+        OneChange gain(1, { 0.625 });   // +6 dB
+        vst3.Start(48000, 512);
+        std::vector<float> samples[16];
+        float* channels[16] = {};
+        for (int channel = 0; channel < 16; ++channel)
+        {
+            samples[channel].assign(40000, 0.01f * static_cast<float>(channel % 8 + 1));
+            channels[channel] = samples[channel].data();
+        }
+        vst3.Process(channels, channels + 8, 40000, &gain, in.channelCount, out.channelCount);
+        for (int channel = 0; channel < out.channelCount; ++channel)
+        {
+            const float input = 0.01f * static_cast<float>(in.channelCount == 1 ? 1 : channel + 1);
+            EXPECT_NEAR(samples[8 + channel].back(), input * 1.9953f, 1e-4f) << channel;
+        }
+        vst3.component->setActive(false);
+    }
+    EXPECT_NE(vst3.processor->setBusArrangements(nullptr, 1, nullptr, -1), kResultOk);
+    // Hosts take a plug-in with an event input for an instrument and connect only its first audio input.
+    EXPECT_EQ(vst3.component->getBusCount(kEvent, kInput), 0);
+    EXPECT_EQ(vst3.component->getBusCount(kEvent, kOutput), 0);
+    EXPECT_EQ(vst3.component->getBusCount(7, 9), 0);
+    BusInfo info;
+    EXPECT_NE(vst3.component->getBusInfo(kAudio, kInput, 1, info), kResultOk);
+    EXPECT_NE(vst3.component->activateBus(kAudio, kInput, -1, true), kResultOk);
+    IMidiMapping* mapping = nullptr;
+    ASSERT_EQ(vst3.component->queryInterface(IMidiMapping::iid, reinterpret_cast<void**>(&mapping)),
+              kResultOk);
+    for (const int controller : { -1, 0, 7, 129, 130, 32767 })
+    {
+        ParamID id = 1;
+        EXPECT_NE(mapping->getMidiControllerAssignment(0, 0, static_cast<CtrlNumber>(controller), id),
+                  kResultOk);
+    }
+    mapping->release();
+}
+
+TEST_F(Hostile, Vst2PlaysAMonoInputOnBothOutputs)
+{
+    const Vst2Instance vst2(vst2Module);
+    Vst2::SpeakerArrangement mono{};
+    Vst2::SpeakerArrangement stereo{};
+    mono.numChannels = 1;
+    stereo.numChannels = 2;
+    // What hosts do: announce it and pass one pointer, or say nothing and pass the one pointer twice.
+    for (const bool announced : { true, false })
+    {
+        EXPECT_EQ(vst2.Send(Vst2::EffectOpcode::SetSpeakerArrangement, 0,
+                            reinterpret_cast<std::intptr_t>(announced ? &mono : &stereo), &stereo),
+                  1);
+        vst2.Start(48000, 512);
+        std::vector<float> in(40000, 0.25f), left(40000), right(40000);
+        float* inputs[] = { in.data(), announced ? nullptr : in.data() };
+        float* outputs[] = { left.data(), right.data() };
+        vst2.Process(inputs, outputs, 40000);
+        EXPECT_NEAR(left.back(), 0.25f, 1e-4f) << announced;
+        EXPECT_EQ(right.back(), left.back()) << announced;
+    }
+}
+
+TEST_F(Hostile, Vst3FlagsSilenceAndOnlySilence)
+{
+    const Vst3Instance vst3(vst3Module);
+    vst3.Start(48000, 512);
+    std::vector<float> left(512), right(512);
+    float* channels[] = { left.data(), right.data() };
+    for (int block = 0; block < 200; ++block)
+    {
+        std::fill(left.begin(), left.end(), 0.0f);
+        std::fill(right.begin(), right.end(), block == 100 ? 0.5f : 0.0f);
+        ASSERT_EQ(vst3.Process(channels, channels, 512), kResultOk);
+        for (int channel = 0; channel < 2; ++channel)
+        {
+            const bool silent = std::all_of(channels[channel], channels[channel] + 512,
+                                            [](float sample) { return sample == 0; });
+            EXPECT_EQ((vst3.lastOutput.silenceFlags >> channel & 1) != 0, silent) << block;
+        }
+        EXPECT_EQ(vst3.lastOutput.silenceFlags & 1, 1u) << "nothing was ever played on the left";
+        if (block == 164)   // 64 blocks later: the latency
+        {
+            EXPECT_EQ(vst3.lastOutput.silenceFlags, 1u);
+        }
+    }
+}
+
+TEST_F(Hostile, HiddenParametersAreNeitherSeenNorAutomated)
+{
+    const Vst2Instance vst2(vst2Module);
+    const Vst3Instance vst3(vst3Module);
+    for (std::int32_t index = 0; index < vst3.controller->getParameterCount(); ++index)
+    {
+        using Info = Steinberg::Vst::ParameterInfo;
+        Info info;
+        ASSERT_EQ(vst3.controller->getParameterInfo(index, info), kResultOk);
+        const std::string title = ToUtf8(info.title);
+        const bool hidden = title.starts_with("RESERVED") || title.starts_with("Controller");
+        EXPECT_EQ((info.flags & Info::kIsHidden) != 0, hidden) << title;
+        EXPECT_TRUE(!hidden || (info.flags & Info::kCanAutomate) == 0) << title;
+        if (info.id < 10000)
+        {
+            EXPECT_EQ(vst2.Send(Vst2::EffectOpcode::CanBeAutomated, index), hidden ? 0 : 1) << title;
+        }
+    }
+}
+
+TEST_F(Hostile, TheFactoryPresetsAreProgramsOfTheRoot)
 {
     using namespace Steinberg::Vst;
     const Vst3Instance vst3(vst3Module);
-    SpeakerArrangement stereo = SpeakerArr::kStereo;
-    SpeakerArrangement mono = SpeakerArr::kMono;
-    SpeakerArrangement surround = SpeakerArr::k51;
-    SpeakerArrangement now = 0;
-    EXPECT_EQ(vst3.processor->setBusArrangements(&stereo, 1, &stereo, 1), kResultFalse);
-    EXPECT_EQ(vst3.processor->setBusArrangements(&mono, 1, &stereo, 1), kResultFalse);
-    EXPECT_EQ(vst3.processor->setBusArrangements(&surround, 1, &surround, 1), kResultFalse);
-    EXPECT_EQ(vst3.processor->getBusArrangement(kInput, 0, now), kResultOk);
-    EXPECT_EQ(now, stereo);
-    EXPECT_EQ(vst3.processor->setBusArrangements(&mono, 1, &mono, 1), kResultOk);
-    BusInfo info;
-    EXPECT_EQ(vst3.component->getBusInfo(kAudio, kOutput, 0, info), kResultOk);
-    EXPECT_EQ(info.channelCount, 1);
-    EXPECT_EQ(ToUtf8(info.name), "Stereo Out");
-    EXPECT_EQ(vst3.processor->setBusArrangements(&surround, 1, &surround, 1), kResultFalse);
-    EXPECT_EQ(vst3.processor->getBusArrangement(kOutput, 0, now), kResultOk);
-    EXPECT_EQ(now, stereo);
-    EXPECT_NE(vst3.processor->setBusArrangements(nullptr, 1, nullptr, -1), kResultOk);
-    EXPECT_EQ(vst3.component->getBusCount(kEvent, kInput), 1);
-    EXPECT_EQ(vst3.component->getBusCount(kEvent, kOutput), 0);
-    EXPECT_EQ(vst3.component->getBusCount(7, 9), 0);
-    EXPECT_NE(vst3.component->getBusInfo(kAudio, kInput, 1, info), kResultOk);
-    EXPECT_NE(vst3.component->activateBus(kAudio, kInput, -1, true), kResultOk);
-
-    // Back in stereo both outputs get their own signal.
-    vst3.Start(48000, 64);
-    std::vector<float> left(40000, 0.0f);
-    std::vector<float> right(40000, 0.25f);
-    float* channels[] = { left.data(), right.data() };
-    vst3.Process(channels, channels, 40000);
-    EXPECT_NEAR(left.back(), 0.0f, 1e-6f);
-    EXPECT_NEAR(right.back(), 0.25f, 1e-4f);
+    IUnitInfo* units = nullptr;
+    ASSERT_EQ(vst3.component->queryInterface(IUnitInfo::iid, reinterpret_cast<void**>(&units)), kResultOk);
+    UnitInfo root;
+    ProgramListInfo list;
+    ASSERT_EQ(units->getUnitInfo(0, root), kResultOk);
+    ASSERT_EQ(units->getProgramListCount(), 1);
+    ASSERT_EQ(units->getProgramListInfo(0, list), kResultOk);
+    EXPECT_EQ(root.programListId, list.id);
+    EXPECT_EQ(list.programCount, 36);
+    constexpr ParamID program = 32766;
+    const auto states = [&](int count)
+    {
+        std::vector<Vst3Instance::Bytes> all;
+        for (int index = 1; index <= count; ++index)
+        {
+            String128 name{}, text{};
+            EXPECT_EQ(units->getProgramName(list.id, index, name), kResultOk);
+            EXPECT_NE(name[0], 0);
+            const double value = vst3.controller->plainParamToNormalized(program, index);
+            EXPECT_EQ(vst3.controller->getParamStringByValue(program, value, text), kResultOk);
+            EXPECT_EQ(ToUtf8(text), ToUtf8(name));
+            double back = -1;
+            EXPECT_EQ(vst3.controller->getParamValueByString(program, name, back), kResultOk);
+            EXPECT_NEAR(back, value, 1e-9);
+            EXPECT_EQ(vst3.controller->setParamNormalized(program, value), kResultOk);
+            EXPECT_NEAR(vst3.controller->getParamNormalized(program), value, 1e-9);
+            all.push_back(vst3.State());
+        }
+        return all;
+    };
+    const std::vector<Vst3Instance::Bytes> all = states(list.programCount - 1);
+    for (std::size_t index = 1; index < all.size(); ++index)
+        EXPECT_NE(all[index], all[index - 1]) << index;
+    String128 name{};
+    EXPECT_NE(units->getProgramName(list.id, list.programCount, name), kResultOk);
+    EXPECT_NE(units->getProgramName(list.id, -1, name), kResultOk);
+    // A host that repeats what it read, as after loading a project, leaves edited bands alone.
+    vst3.controller->setParamNormalized(12, 0.3);
+    const Vst3Instance::Bytes edited = vst3.State();
+    const Vst3Instance later(vst3Module);
+    later.SetState(edited);
+    later.controller->setParamNormalized(program, later.controller->getParamNormalized(program));
+    later.controller->setParamNormalized(program, 0);
+    EXPECT_EQ(later.State(), edited);
+    units->release();
 }
 
 TEST_F(Hostile, Vst3TakesTheLastPointOfAQueueAndOnlyThat)
@@ -196,27 +359,33 @@ TEST_F(Hostile, Vst3TakesTheLastPointOfAQueueAndOnlyThat)
     OneChange bypass(32767, { 0.51 });
     vst3.Process(channels, channels, 64, &bypass);
     EXPECT_EQ(vst3.controller->getParamNormalized(32767), 1.0);
-    for (const unsigned id : { 80u, 9999u, 10000u, 10129u, 10130u, 32768u, 0xFFFFFFFFu })
+    for (const unsigned id : { 80u, 9999u, 10000u, 10129u, 10130u, 32766u, 32768u, 0xFFFFFFFFu })
     {
         OneChange unknown(id, { std::nan("") });
         EXPECT_EQ(vst3.Process(channels, channels, 64, &unknown), kResultOk);
     }
-    // A block without buses delivers parameters only; one without samples does nothing.
+    // A block without buses, or without samples, delivers parameters only.
     Steinberg::Vst::ProcessData data;
     data.symbolicSampleSize = Steinberg::Vst::kSample32;
     OneChange later(1, { 0.375 });
     data.inputParameterChanges = &later;
     EXPECT_EQ(vst3.processor->process(data), kResultOk);
-    EXPECT_NEAR(vst3.controller->getParamNormalized(1), 0.625, 1e-6);
+    EXPECT_NEAR(vst3.controller->getParamNormalized(1), 0.375, 1e-6);
+    OneChange off(32767, { 0.0 });
+    data.inputParameterChanges = &off;
+    EXPECT_EQ(vst3.processor->process(data), kResultOk);
+    EXPECT_EQ(vst3.controller->getParamNormalized(32767), 0.0);
+    data.inputParameterChanges = &bypass;
     data.numSamples = 64;
     EXPECT_EQ(vst3.processor->process(data), kResultOk);
-    EXPECT_NEAR(vst3.controller->getParamNormalized(1), 0.375, 1e-6);
-    // While it is active, the controller's side changes nothing that a block would.
-    vst3.controller->setParamNormalized(1, 0.5);
-    EXPECT_NEAR(vst3.controller->getParamNormalized(1), 0.375, 1e-6);
-    vst3.component->setActive(false);
-    vst3.controller->setParamNormalized(1, 0.5);
-    EXPECT_NEAR(vst3.controller->getParamNormalized(1), 0.5, 1e-6);
+    EXPECT_EQ(vst3.controller->getParamNormalized(32767), 1.0);
+    // The controller's side reaches an active plug-in as well.
+    for (const bool active : { true, false })
+    {
+        vst3.component->setActive(active);
+        vst3.controller->setParamNormalized(1, active ? 0.5 : 0.25);
+        EXPECT_NEAR(vst3.controller->getParamNormalized(1), active ? 0.5 : 0.25, 1e-6);
+    }
 }
 
 TEST_F(Hostile, EveryValueIsReadableAndReadsBack)

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <complex>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <map>
@@ -17,6 +18,7 @@
 #include "hosts/offline/OfflineHost.h"
 #include "state/tree/XML.h"
 #include "tools/presets/FactoryPresets.h"
+#include "tools/presets/HostPresets.h"
 
 namespace
 {
@@ -33,6 +35,32 @@ std::string Written(const MAttribute& tree)
     WriteXML(tree, stream, true, "utf-8");
     return { reinterpret_cast<const char*>(stream.Block().Data()),
              static_cast<std::size_t>(stream.Block().Size()) };
+}
+
+TEST(HostPresets, EachPresetIsAFileOfItsOwnStateUnderItsName)
+{
+    const std::string folder = std::string(std::getenv("TONALIGN_TEST_FOLDER")) + "/of/hosts";
+    WriteVst3Presets(folder);
+    std::set<std::string> names, contents;
+    for (const auto& entry : std::filesystem::directory_iterator(folder))
+    {
+        names.insert(entry.path().stem().string());
+        EXPECT_EQ(entry.path().extension(), ".vstpreset");
+        std::ifstream file(entry.path(), std::ios::binary);
+        const std::string bytes{ std::istreambuf_iterator<char>(file), {} };
+        EXPECT_TRUE(bytes.starts_with("VST3"));
+        contents.insert(bytes.substr(48, bytes.find("<?xml") - 48));
+    }
+    // Names as scripts/uninstall finds them.
+    std::set<std::string> wanted;
+    for (FactoryPreset& preset : ParseFactoryPresets(SourceFile("presets.txt"), "presets.txt"))
+    {
+        std::replace(preset.name.begin(), preset.name.end(), '/', '-');
+        wanted.insert(preset.name);
+    }
+    EXPECT_EQ(names, wanted);
+    EXPECT_EQ(contents.size(), wanted.size());
+    EXPECT_THROW(WriteVst3Presets("/dev/null/folder"), MException);
 }
 
 TEST(FactoryPresets, TheKeptFileIsWhatTheDescriptionMakes)
