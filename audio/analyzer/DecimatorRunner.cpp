@@ -1,8 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "audio/analyzer/DecimatorRunner.h"
 
+#include "foundation/vector/VectorOperations.h"
+
 namespace
 {
+// Silence would let the recursion die away into denormal numbers.
+constexpr float denormalGuard = 1e-15f;
+
 struct Taps
 {
     explicit Taps(const MAudioFilters::Filter<float>& section)
@@ -26,6 +31,7 @@ void DecimatorRunner::Prepare(const MAudioFilters::DecimatorCascade& cascade)
 
 void DecimatorRunner::Run(const MAudioFilters::DecimatorCascade& cascade, float* samples, std::int32_t n)
 {
+    MVector::AddConstantInPlace(denormalGuard, samples, n);
     for (std::size_t i = 0; i < static_cast<std::size_t>(cascade.count); ++i)
     {
         const auto& section = cascade.sections[i];

@@ -205,7 +205,7 @@ void MSpectralAnalyzerT<float, 1024>::Analyse(AnalyzerClient& client, const floa
     while (n > 0)
     {
         const std::int32_t count = std::min(n, DecimationChunk);
-        MVector::Copy(samples, scratch, count);
+        MVector::CopyAudio(samples, scratch, count);
         client.inputDecimator.Run(inputDecimator, scratch, count);
         const std::int32_t kept = count / decimation;
         for (std::int32_t i = 1; i < kept; ++i)
@@ -222,7 +222,7 @@ void MSpectralAnalyzerT<float, 1024>::Feed(AnalyzerClient& client, const float* 
     while (n > 0)
     {
         const std::int32_t count = std::min(n, fftSize - level.position);
-        MVector::Copy(samples, level.frame.data() + level.position, count);
+        MVector::CopyAudio(samples, level.frame.data() + level.position, count);
         level.position += count;
         samples += count;
         n -= count;

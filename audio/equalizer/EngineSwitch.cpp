@@ -55,8 +55,7 @@ void EngineSwitch::Process(const float* const* inputs, float* const* outputs, st
         Outputs out{};
         for (std::size_t channel = 0; channel < history.size(); ++channel)
         {
-            MVector::CopyWithin(inputs[channel] + done, EqualizerGeometry::LargestSample,
-                                history[channel].data() + position, n);
+            MVector::CopyAudio(inputs[channel] + done, history[channel].data() + position, n);
             out[channel] = outputs[channel] + done;
         }
         playing->SetEnabled(enabled);

@@ -18,7 +18,8 @@ public:
     virtual void Reset() = 0;
     /// Off, the signal passes unfiltered, as late. The same threads.
     virtual void SetEnabled(bool filtered) = 0;
-    /// Any number of frames; an output may be an input's array. Samples that are not finite are taken as 0.
+    /// Any number of frames; an output may be an input's array. What is no audio (MVector::CopyAudio)
+    /// is taken as 0.
     /// Thread: audio. Never allocates.
     virtual void Process(const float* const* inputs, float* const* outputs, std::int32_t frames) = 0;
 };

@@ -14,9 +14,6 @@ struct EqualizerGeometry
     static constexpr std::int32_t FadeSize = 8192;
     static constexpr std::int32_t MaxChannels = 8;
 
-    /// Samples beyond 200 dB over full scale are no audio and taken as 0, like those that are not finite.
-    static constexpr float LargestSample = 1e10f;
-
     /// Added to each sample that sections have filtered: keeps denormals out of what follows.
     static constexpr float OutputGuard = 1e-15f;
     /// Added to what runs into sections, so that no recursion dies away into denormals. No float beside 1e-22

@@ -104,8 +104,7 @@ void FFTEngine::Process(const float* const* inputs, float* const* outputs, std::
         const std::int32_t n = std::min(frames - done, ShareSize - hopPosition % ShareSize);
         // All inputs are read before any output is written: arrays may be shared, crosswise too.
         for (std::size_t i = 0; i < channels.size(); ++i)
-            MVector::CopyWithin(inputs[i] + done, EqualizerGeometry::LargestSample,
-                                channels[i].input.data() + inputPosition, n);
+            MVector::CopyAudio(inputs[i] + done, channels[i].input.data() + inputPosition, n);
         for (std::size_t i = 0; i < channels.size(); ++i)
             MVector::Copy(channels[i].sum.data() + outputPosition, outputs[i] + done, n);
         inputPosition = (inputPosition + n) % FrameSize;

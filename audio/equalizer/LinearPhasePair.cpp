@@ -98,9 +98,9 @@ void LinearPhasePair::Write(std::int32_t slot, std::int32_t position, const floa
                             std::int32_t n)
 {
     const auto first = static_cast<std::size_t>(2 * slot);
-    MVector::CopyWithin(a, EqualizerGeometry::LargestSample, samples[first].data() + position, n);
+    MVector::CopyAudio(a, samples[first].data() + position, n);
     if (stereo)
-        MVector::CopyWithin(b, EqualizerGeometry::LargestSample, samples[first + 1].data() + position, n);
+        MVector::CopyAudio(b, samples[first + 1].data() + position, n);
 }
 
 const float* LinearPhasePair::Samples(std::int32_t slot, std::int32_t channel, std::int32_t chunk) const

@@ -69,8 +69,7 @@ void NormalEngine::Process(const float* const* inputs, float* const* outputs, st
             RunChunk();
         const std::int32_t n = std::min(frames - done, chunkLength - position);
         for (std::size_t channel = 0; channel < delays.size(); ++channel)
-            MVector::CopyWithin(inputs[channel] + done, EqualizerGeometry::LargestSample,
-                                staging.data() + channel * ChunkSize, n);
+            MVector::CopyAudio(inputs[channel] + done, staging.data() + channel * ChunkSize, n);
         for (std::size_t channel = 0; channel < delays.size(); ++channel)
         {
             delays[channel].Push(staging.data() + channel * ChunkSize, n);

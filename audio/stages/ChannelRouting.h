@@ -4,8 +4,8 @@
 #include <array>
 #include <cstdint>
 
-#include "foundation/text/MString.h"
 #include "audio/stages/MSampleQueue.h"
+#include "foundation/text/MString.h"
 
 /// Which channels an effect gets, and in what form. The numbers are stored by name and never change.
 enum class ChannelMode : std::int32_t

@@ -5,10 +5,10 @@
 #include <cstdint>
 #include <vector>
 
-#include "foundation/threads/MRelaxed.h"
-#include "foundation/vector/BiquadCascade.h"
 #include "audio/stages/MSampleQueue.h"
 #include "audio/stages/SlidingSum.h"
+#include "foundation/threads/MRelaxed.h"
+#include "foundation/vector/BiquadCascade.h"
 
 /// Gives the output of an effect the loudness of its input.
 ///

@@ -5,9 +5,9 @@
 #include <cstddef>
 
 #include "audio/filters/FilterCascade.h"
+#include "audio/stages/GrowBuffer.h"
 #include "foundation/vector/ChannelPairs.h"
 #include "foundation/vector/VectorOperations.h"
-#include "audio/stages/GrowBuffer.h"
 
 namespace
 {
@@ -96,7 +96,7 @@ void MUpsampler::Up(const float* input, std::int32_t sampleCount)
     MVector::Zero(downBuffer.data(), count);
 }
 
-void MUpsampler::Down(float* output, std::int32_t sampleCount, bool add)
+void MUpsampler::Down(float* output, std::int32_t sampleCount)
 {
     const std::int32_t count = setup.factor * sampleCount;
     if (setup.highQuality)
@@ -105,7 +105,7 @@ void MUpsampler::Down(float* output, std::int32_t sampleCount, bool add)
         RunPlain(downBuffer.data(), count, WayDown);
     const float* source = downBuffer.data();
     for (std::int32_t index = 0; index < sampleCount; ++index, source += setup.factor)
-        output[index] = add ? output[index] + *source : *source;
+        output[index] = *source;
 }
 
 void MUpsampler::RunPlain(float* srcDst, std::int32_t sampleCount, Way way)

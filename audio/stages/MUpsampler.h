@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <vector>
 
-#include "foundation/vector/BiquadCascade.h"
 #include "audio/stages/MFIRFilter.h"
+#include "foundation/vector/BiquadCascade.h"
 
 /// Brings one channel to a multiple of the host's rate and back.
 ///
@@ -46,8 +46,8 @@ public:
 
     /// Audio thread; allocates only for a block longer than all before. A null input is silence.
     void Up(const float* input, std::int32_t sampleCount);
-    /// Takes every factor-th sample of the filtered result, `sampleCount` of them; `add` adds them.
-    void Down(float* output, std::int32_t sampleCount, bool add);
+    /// Takes every factor-th sample of the filtered result, `sampleCount` of them.
+    void Down(float* output, std::int32_t sampleCount);
     float* UpSamples() { return upBuffer.data(); }
     float* DownSamples() { return downBuffer.data(); }
 

@@ -267,24 +267,24 @@ void ThresholdHighRun(const float* src, float level, float* dst, std::size_t n)
     WithConstant<MinOp>(src, level, dst, n);
 }
 
-void CopyWithinRun(const float* src, float limit, float* dst, std::size_t n)
+void CopyAudioRun(const float* src, float* dst, std::size_t n)
 {
     const Wide wide;
     const One one;
     const std::size_t lanes = hn::Lanes(wide);
-    const auto largest = hn::Set(wide, limit);
+    const auto copy = [src, dst](auto tag, std::size_t at) HWY_ATTR
+    {
+        const auto v = hn::LoadU(tag, src + at);
+        const auto amount = hn::Abs(v);
+        const auto isAudio = hn::And(hn::Le(amount, hn::Set(tag, MVector::LargestSample)),
+                                     hn::Ge(amount, hn::Set(tag, std::numeric_limits<float>::min())));
+        hn::StoreU(hn::IfThenElseZero(isAudio, v), tag, dst + at);
+    };
     std::size_t i = 0;
     for (; i + lanes <= n; i += lanes)
-    {
-        const auto v = hn::LoadU(wide, src + i);
-        hn::StoreU(hn::IfThenElseZero(hn::Le(hn::Abs(v), largest), v), wide, dst + i);
-    }
+        copy(wide, i);
     for (; i < n; ++i)
-    {
-        const auto v = hn::LoadU(one, src + i);
-        const auto finite = hn::Le(hn::Abs(v), hn::Set(one, limit));
-        hn::StoreU(hn::IfThenElseZero(finite, v), one, dst + i);
-    }
+        copy(one, i);
 }
 
 void AddScaledRun(float* dst, const float* src, float value, std::size_t n)
@@ -424,7 +424,7 @@ KERNEL_TABLE(AddConstantRun);
 KERNEL_TABLE(MultiplyConstantRun);
 KERNEL_TABLE(ThresholdLowRun);
 KERNEL_TABLE(ThresholdHighRun);
-KERNEL_TABLE(CopyWithinRun);
+KERNEL_TABLE(CopyAudioRun);
 KERNEL_TABLE(AddScaledRun);
 KERNEL_TABLE(AddProductRun);
 KERNEL_TABLE(SumRun);
@@ -473,9 +473,9 @@ void Move(const float* src, float* dst, std::int32_t n)
         std::memmove(dst, src, Size(n) * sizeof(float));
 }
 
-void CopyWithin(const float* src, float limit, float* dst, std::int32_t n)
+void CopyAudio(const float* src, float* dst, std::int32_t n)
 {
-    KERNEL(CopyWithinRun)(src, limit, dst, Size(n));
+    KERNEL(CopyAudioRun)(src, dst, Size(n));
 }
 
 void Add(const float* a, const float* b, float* dst, std::int32_t n)

@@ -13,8 +13,11 @@ void Set(float value, float* dst, std::int32_t n);
 /// The arrays do not overlap; Move is for those that do.
 void Copy(const float* src, float* dst, std::int32_t n);
 void Move(const float* src, float* dst, std::int32_t n);
-/// dst[i] = src[i], or 0 where its amount is above `limit` or it is not a number. The same array is allowed.
-void CopyWithin(const float* src, float limit, float* dst, std::int32_t n);
+/// Samples beyond 200 dB over full scale are no audio.
+inline constexpr float LargestSample = 1e10f;
+/// dst[i] = src[i], or 0 where that is no audio: not a number, beyond LargestSample or subnormal. The same
+/// array is allowed.
+void CopyAudio(const float* src, float* dst, std::int32_t n);
 void Add(const float* a, const float* b, float* dst, std::int32_t n);
 void AddInPlace(const float* src, float* srcDst, std::int32_t n);
 void SubInPlace(const float* src, float* srcDst, std::int32_t n);

@@ -129,10 +129,14 @@ void MAudioPlugin::PrepareAnew()
                       .latency = GetLatency() });
     bypassDelayLength = TotalLatency();
     const std::int32_t groups = std::min(GetInputGroups(), GetOutputGroups());
-    for (std::int32_t group = 0; group < groups; ++group)
-        for (std::int32_t channel = 0; channel < inputsPerGroup; ++channel)
-            bypassDelay[static_cast<std::size_t>(group * channelsPerGroup + channel)].SetLength(
-                bypassDelayLength);
+    for (std::int32_t channel = 0; channel < groups * channelsPerGroup; ++channel)
+    {
+        MSampleQueue& delay = bypassDelay[static_cast<std::size_t>(channel)];
+        delay.Clear();
+        delay.Reserve(2 * bypassDelayLength + 8192);
+        delay.PushZeros(bypassDelayLength);
+    }
+    bypassFade.Prepare(sampleRate, bypass);
 }
 
 void MAudioPlugin::RestartGainControl()

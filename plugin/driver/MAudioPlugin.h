@@ -7,6 +7,7 @@
 #include <optional>
 #include <vector>
 
+#include "audio/stages/BypassFade.h"
 #include "audio/stages/ChannelRouting.h"
 #include "audio/stages/MAutomaticGainControl.h"
 #include "audio/stages/MSampleQueue.h"
@@ -47,8 +48,9 @@ public:
 
     /// One block, the only way audio goes. `inputs` and `outputs` are channel pointers in groups,
     /// `groupStride` apart; null pointers stand for channels that aren't connected. Not `replacing` adds to
-    /// the outputs. Audio thread. Throws MException "Could not acquire mutex." when the block is dropped,
-    /// with the outputs untouched.
+    /// the outputs. Every output channel is written in every mode and route; the inputs never are, but an
+    /// output may be an input's array. Audio thread. Throws MException "Could not acquire mutex." when the
+    /// block is dropped, with the outputs untouched.
     void ProcessBlock(float* const* inputs, float* const* outputs, std::int32_t sampleCount, bool replacing);
     /// Prepares for `sampleRate` and the channels set, and forgets all audio. Any thread but the audio
     /// thread; allocates.
@@ -150,7 +152,6 @@ public:
     bool takesMIDI = false;
     bool producesMIDI = false;
     bool outputsAccumulate = false;   ///< Process adds to its outputs
-    bool noInPlace = true;   ///< Process must not get one buffer as input and output
     bool wantsTimeInfo = true;
     MRelaxed<std::int32_t> upsamplingFactor = 1;   ///< in force; see SetUpsamplingFactor
     MRelaxed<bool> highQualityUpsampling = true;   ///< in force from the next InitProcessing on
@@ -222,11 +223,16 @@ private:
         ChannelRouting::Channels pointers{};
     };
 
-    void ProcessDirect(ChannelSet& inputs, ChannelSet& outputs, std::int32_t sampleCount, bool replacing);
-    void ProcessUpsampled(const ChannelSet& inputs, const ChannelSet& outputs, std::int32_t sampleCount,
-                          bool replacing);
+    ChannelSet TakeInputs(float* const* inputs, std::int32_t inputGroups, std::int32_t sampleCount);
+    ChannelSet DelayDry(const ChannelSet& inputs, std::int32_t inputGroups, std::int32_t outputGroups,
+                        std::int32_t sampleCount);
+    bool IsMonoRoute(const ChannelSet& inputs) const;
+    void Deliver(const ChannelSet& wet, const ChannelSet& dry, float* const* outputs,
+                 std::int32_t sampleCount, bool replacing);
+    void ProcessDirect(ChannelSet inputs, ChannelSet outputs, std::int32_t sampleCount);
+    void ProcessUpsampled(const ChannelSet& inputs, const ChannelSet& outputs, std::int32_t sampleCount);
     ChannelSet FeedUpsamplers(const ChannelSet& inputs, std::int32_t sampleCount);
-    ChannelSet EffectOutputs(const ChannelSet& outputs);
+    ChannelSet EffectOutputs();
     void LimitOutputs(const ChannelSet& outputs, std::int32_t sampleCount);
     Prepared WantedSetup() const;
     void FinishChange();
@@ -239,10 +245,7 @@ private:
     void MeasureInput(const ChannelSet& inputs, std::int32_t sampleCount, std::int32_t inputGroups);
     void ProcessChannels(ChannelSet& inputs, ChannelSet& outputs, std::int32_t sampleCount);
     void RunEffect(float** inputs, float** outputs, std::int32_t sampleCount);
-    void ProcessBypassed(const ChannelSet& inputs, const ChannelSet& outputs, std::int32_t sampleCount,
-                         bool replacing);
-    void FixAudioBuffers(ChannelSet& channels, std::int32_t connected, std::int32_t groups, bool isInput,
-                         std::int32_t sampleCount);
+    void FixInputs(ChannelSet& channels, std::int32_t groups, std::int32_t sampleCount);
     float** Scratch(std::vector<std::vector<float>>& buffers, ChannelSet& pointers, std::int32_t channels,
                     std::int32_t sampleCount);
     std::int32_t GroupWidth() const;
@@ -257,10 +260,11 @@ private:
     std::int32_t modeOutputChannels = 2;
     ChannelRouting routing;
     std::int32_t bypassDelayLength = 0;
-    std::array<MSampleQueue, MaxChannels> bypassDelay;
+    std::array<MSampleQueue, MaxChannels> bypassDelay;   // fed at all times
+    BypassFade bypassFade;
     std::array<std::unique_ptr<MUpsampler>, MaxChannels> upsamplers;   // made where a channel needs one
     std::vector<std::vector<float>> inputScratch;
     std::vector<std::vector<float>> outputScratch;
-    std::vector<float> silentInput;
-    std::vector<float> discardOutput;
+    std::vector<std::vector<float>> dryScratch;
+    std::vector<float> silentInput;   // stays zero
 };

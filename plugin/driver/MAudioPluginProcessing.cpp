@@ -6,12 +6,6 @@
 #include "foundation/vector/VectorOperations.h"
 #include "plugin/driver/MAudioPlugin.h"
 
-namespace
-{
-// Keeps recursions out of denormal numbers, whatever the processor's control flags say.
-constexpr float denormalGuard = 1e-15f;
-}   // namespace
-
 float** MAudioPlugin::Scratch(std::vector<std::vector<float>>& buffers, ChannelSet& pointers,
                               std::int32_t channels, std::int32_t sampleCount)
 {
@@ -33,78 +27,115 @@ void MAudioPlugin::ProcessBlock(float* const* inputs, float* const* outputs, std
 
     const std::int32_t inputGroups = inputs != nullptr ? GetInputGroups() : 0;
     const std::int32_t outputGroups = GetOutputGroups();
-    if (sampleCount < 1 || outputs == nullptr || outputs[0] == nullptr || outputGroups < 1)
+    if (sampleCount < 1 || outputs == nullptr || outputGroups < 1)
         return;
 
-    // The groups stand `groupStride` apart in the host's arrays and side by side in these.
-    ChannelSet in;
-    ChannelSet out;
-    const auto gather = [this](ChannelSet& set, float* const* channels, std::int32_t groups)
-    {
-        for (std::int32_t group = 0; group < groups; ++group)
-            for (std::int32_t channel = 0; channel < channelsPerGroup; ++channel)
-                set.pointers[static_cast<std::size_t>(group * channelsPerGroup + channel)] =
-                    channels[group * groupStride + channel];
-    };
-    if (inputGroups > 0)
-    {
-        gather(in, inputs, inputGroups);
-        FixAudioBuffers(in, connectedInputs, inputGroups, true, sampleCount);
-    }
-    gather(out, outputs, outputGroups);
-    FixAudioBuffers(out, connectedOutputs, outputGroups, false, sampleCount);
+    // All work is done in arrays of our own: the host's inputs stay as they are, and its arrays may be shared
+    // in any way.
+    ChannelSet in = TakeInputs(inputs, inputGroups, sampleCount);
+    ChannelSet dry = DelayDry(in, inputGroups, outputGroups, sampleCount);
+    ChannelSet wet;
+    Scratch(outputScratch, wet, outputGroups * channelsPerGroup, sampleCount);
 
-    for (std::int32_t group = 0; group < inputGroups; ++group)
-        for (std::int32_t channel = 0; channel < inputsPerGroup; ++channel)
-            MVector::AddConstantInPlace(
-                denormalGuard, in.pointers[static_cast<std::size_t>(group * channelsPerGroup + channel)],
-                sampleCount);
-
-    if (bypass)
-    {
-        ProcessBypassed(in, out, sampleCount, replacing);
-        return;
-    }
-    ProcessingBegin(in.pointers.data(), out.pointers.data(), sampleCount, replacing);
+    ProcessingBegin(in.pointers.data(), wet.pointers.data(), sampleCount, replacing);
     if (agcActive)
         MeasureInput(in, sampleCount, inputGroups);
-    if (upsamplingFactor == 1 || inputs == nullptr)
-        ProcessDirect(in, out, sampleCount, replacing);
+    if (upsamplingFactor == 1)
+        ProcessDirect(in, wet, sampleCount);
     else
-        ProcessUpsampled(in, out, sampleCount, replacing);
+        ProcessUpsampled(in, wet, sampleCount);
+    // A mono route has no sides to be told apart: what the effect makes of its one channel plays on both.
+    if (IsMonoRoute(in) && effectChannels < outputsPerGroup)
+        MVector::Copy(wet.pointers[0], wet.pointers[1], sampleCount);
     if (agcActive)
-        gainControl.Process(out.pointers.data(), sampleCount, outputsPerGroup);
-    ProcessingEnd(in.pointers.data(), out.pointers.data(), sampleCount, replacing);
+        gainControl.Process(wet.pointers.data(), sampleCount, outputsPerGroup);
+    ProcessingEnd(in.pointers.data(), wet.pointers.data(), sampleCount, replacing);
+
+    bypassFade.Begin(bypass, sampleCount);
+    for (std::int32_t group = 0; group < outputGroups; ++group)
+        for (std::int32_t channel = 0; channel < outputsPerGroup; ++channel)
+        {
+            const auto index = static_cast<std::size_t>(group * channelsPerGroup + channel);
+            bypassFade.Apply(wet.pointers[index], dry.pointers[index]);
+        }
+    Deliver(wet, dry, outputs, sampleCount, replacing);
 }
 
-void MAudioPlugin::ProcessDirect(ChannelSet& inputs, ChannelSet& outputs, std::int32_t sampleCount,
-                                 bool replacing)
+MAudioPlugin::ChannelSet MAudioPlugin::TakeInputs(float* const* inputs, std::int32_t inputGroups,
+                                                  std::int32_t sampleCount)
 {
-    const std::int32_t inputChannels = std::max(GetInputGroups(), 1) * channelsPerGroup;
-    const std::int32_t outputChannels = GetOutputGroups() * channelsPerGroup;
-    if (!replacing && !outputsAccumulate)
+    ChannelSet host;
+    // The groups stand `groupStride` apart in the host's arrays and side by side in ours.
+    for (std::int32_t group = 0; group < inputGroups; ++group)
+        for (std::int32_t channel = 0; channel < channelsPerGroup; ++channel)
+            host.pointers[static_cast<std::size_t>(group * channelsPerGroup + channel)] =
+                inputs[group * groupStride + channel];
+    if (inputGroups > 0)
+        FixInputs(host, inputGroups, sampleCount);
+    ChannelSet own;
+    const std::int32_t groups = std::max(inputGroups, GetOutputGroups());
+    Scratch(inputScratch, own, groups * channelsPerGroup, sampleCount);
+    for (std::size_t index = 0; index < static_cast<std::size_t>(groups * channelsPerGroup); ++index)
     {
-        ChannelSet scratch;
-        Scratch(outputScratch, scratch, outputChannels, sampleCount);
-        ChannelSet routed = scratch;
-        ProcessChannels(inputs, routed, sampleCount);
-        for (std::int32_t channel = 0; channel < outputsPerGroup; ++channel)
-            MVector::AddInPlace(scratch.pointers[static_cast<std::size_t>(channel)],
-                                outputs.pointers[static_cast<std::size_t>(channel)], sampleCount);
-        return;
+        const float* source = host.pointers[index];
+        if (source == nullptr)
+            MVector::Zero(own.pointers[index], sampleCount);
+        else if (index % static_cast<std::size_t>(channelsPerGroup) > 0 && source == host.pointers[index - 1])
+            own.pointers[index] = own.pointers[index - 1];   // a mono route stays one
+        else
+            MVector::CopyAudio(source, own.pointers[index], sampleCount);
     }
-    // A mode that mixes channels works in place, and the host's input is the host's.
-    const bool mixes = activeChannelMode >= ChannelMode::Mid && activeChannelMode < ChannelMode::Surround;
-    if (replacing && (mixes || (noInPlace && inputs.pointers[0] == outputs.pointers[0])))
-    {
-        ChannelSet scratch;
-        Scratch(inputScratch, scratch, inputChannels, sampleCount);
-        for (std::size_t channel = 0; channel < static_cast<std::size_t>(inputChannels); ++channel)
-            if (inputs.pointers[channel] != nullptr)
-                MVector::Copy(inputs.pointers[channel], scratch.pointers[channel], sampleCount);
-        inputs = scratch;
-    }
-    if (replacing && outputsAccumulate)
+    return own;
+}
+
+/// The inputs as late as the effect, at all times: for the bypass, and for channels that nothing processes.
+MAudioPlugin::ChannelSet MAudioPlugin::DelayDry(const ChannelSet& inputs, std::int32_t inputGroups,
+                                                std::int32_t outputGroups, std::int32_t sampleCount)
+{
+    ChannelSet dry;
+    Scratch(dryScratch, dry, outputGroups * channelsPerGroup, sampleCount);
+    for (std::int32_t group = 0; group < outputGroups; ++group)
+        for (std::int32_t channel = 0; channel < channelsPerGroup; ++channel)
+        {
+            const auto index = static_cast<std::size_t>(group * channelsPerGroup + channel);
+            if (group < inputGroups)
+                bypassDelay[index].Delay(inputs.pointers[index], dry.pointers[index], sampleCount);
+            else
+                MVector::Zero(dry.pointers[index], sampleCount);
+        }
+    return dry;
+}
+
+bool MAudioPlugin::IsMonoRoute(const ChannelSet& inputs) const
+{
+    return outputsPerGroup == 2 && inputs.pointers[0] == inputs.pointers[1];
+}
+
+/// Writes every channel that the host has. Of channels that share an array the first is heard.
+void MAudioPlugin::Deliver(const ChannelSet& wet, const ChannelSet& dry, float* const* outputs,
+                           std::int32_t sampleCount, bool replacing)
+{
+    const std::int32_t real =
+        connectedOutputs <= 0 ? channelsPerGroup : std::min(connectedOutputs, channelsPerGroup);
+    for (std::int32_t group = 0; group < GetOutputGroups(); ++group)
+        for (std::int32_t channel = 0; channel < real; ++channel)
+        {
+            float* const* first = outputs + group * groupStride;
+            float* target = first[channel];
+            if (target == nullptr || std::find(first, first + channel, target) != first + channel)
+                continue;
+            const auto index = static_cast<std::size_t>(group * channelsPerGroup + channel);
+            const float* source = channel < outputsPerGroup ? wet.pointers[index] : dry.pointers[index];
+            if (replacing)
+                MVector::Copy(source, target, sampleCount);
+            else
+                MVector::AddInPlace(source, target, sampleCount);
+        }
+}
+
+void MAudioPlugin::ProcessDirect(ChannelSet inputs, ChannelSet outputs, std::int32_t sampleCount)
+{
+    if (outputsAccumulate)
         for (std::int32_t channel = 0; channel < outputsPerGroup; ++channel)
             MVector::Zero(outputs.pointers[static_cast<std::size_t>(channel)], sampleCount);
     ProcessChannels(inputs, outputs, sampleCount);
@@ -178,50 +209,16 @@ void MAudioPlugin::RunEffect(float** inputs, float** outputs, std::int32_t sampl
     }
 }
 
-void MAudioPlugin::ProcessBypassed(const ChannelSet& inputs, const ChannelSet& outputs,
-                                   std::int32_t sampleCount, bool replacing)
+/// Hosts pass null for what nothing is plugged into, and tell how many channels of a group are theirs.
+void MAudioPlugin::FixInputs(ChannelSet& channels, std::int32_t groups, std::int32_t sampleCount)
 {
-    const std::int32_t inputGroups = GetInputGroups();
-    const std::int32_t outputGroups = GetOutputGroups();
-    for (std::int32_t group = 0; group < outputGroups; ++group)
-        for (std::int32_t channel = 0; channel < outputsPerGroup; ++channel)
-        {
-            const auto index = static_cast<std::size_t>(group * channelsPerGroup + channel);
-            float* out = outputs.pointers[index];
-            if (group >= inputGroups || channel >= inputsPerGroup)
-            {
-                if (replacing)
-                    MVector::Zero(out, sampleCount);
-                continue;
-            }
-            const float* in = inputs.pointers[index];
-            if (replacing)
-            {
-                bypassDelay[index].Delay(in, out, sampleCount);
-                continue;
-            }
-            ChannelSet scratch;
-            Scratch(outputScratch, scratch, static_cast<std::int32_t>(index) + 1, sampleCount);
-            bypassDelay[index].Delay(in, scratch.pointers[index], sampleCount);
-            MVector::AddInPlace(scratch.pointers[index], out, sampleCount);
-        }
-}
-
-void MAudioPlugin::FixAudioBuffers(ChannelSet& channels, std::int32_t connected, std::int32_t groups,
-                                   bool isInput, std::int32_t sampleCount)
-{
-    // All channels are connected, unless the host knows better: hosts pass null for what nothing is plugged
-    // into.
     const auto end = channels.pointers.begin() + groups * channelsPerGroup;
-    if (connected == 0 && std::find(channels.pointers.begin(), end, nullptr) == end)
+    if (connectedInputs == 0 && std::find(channels.pointers.begin(), end, nullptr) == end)
         return;
-    std::vector<float>& fillerBuffer = isInput ? silentInput : discardOutput;
-    GrowBuffer(fillerBuffer, sampleCount);
-    if (isInput)
-        MVector::Zero(fillerBuffer.data(), sampleCount);   // the guard constant was added to it last time
-    float* const filler = fillerBuffer.data();
+    GrowBuffer(silentInput, sampleCount);
 
-    const std::int32_t real = connected <= 0 ? channelsPerGroup : std::min(connected, channelsPerGroup);
+    const std::int32_t real =
+        connectedInputs <= 0 ? channelsPerGroup : std::min(connectedInputs, channelsPerGroup);
     for (std::int32_t group = 0; group < groups; ++group)
     {
         float** first = channels.pointers.data() + group * channelsPerGroup;
@@ -229,12 +226,12 @@ void MAudioPlugin::FixAudioBuffers(ChannelSet& channels, std::int32_t connected,
         for (std::int32_t channel = 0; channel < channelsPerGroup; ++channel)
         {
             if (!present || channel >= real)
-                first[channel] = filler;
+                first[channel] = silentInput.data();
             else if (first[channel] == nullptr)
                 first[channel] = first[channel - 1];
         }
         // A mono input plays as dual mono.
-        if (isInput && connected == 1 && channelsPerGroup == 2)
+        if (connectedInputs == 1 && channelsPerGroup == 2)
             first[1] = first[0];
     }
 }

@@ -36,35 +36,31 @@ MAudioPlugin::ChannelSet MAudioPlugin::FeedUpsamplers(const ChannelSet& inputs, 
     return fed;
 }
 
-MAudioPlugin::ChannelSet MAudioPlugin::EffectOutputs(const ChannelSet& outputs)
+MAudioPlugin::ChannelSet MAudioPlugin::EffectOutputs()
 {
     ChannelSet work;
     for (std::int32_t group = 0; group < GetOutputGroups(); ++group)
         for (std::int32_t channel = 0; channel < std::max(inputsPerGroup, outputsPerGroup); ++channel)
         {
             const auto index = static_cast<std::size_t>(group * channelsPerGroup + channel);
-            const bool shared = channel > 0 && outputs.pointers[index] == outputs.pointers[index - 1];
-            work.pointers[index] = shared ? work.pointers[index - 1] : upsamplers[index]->DownSamples();
+            work.pointers[index] = upsamplers[index]->DownSamples();
         }
     return work;
 }
 
 void MAudioPlugin::ProcessUpsampled(const ChannelSet& inputs, const ChannelSet& outputs,
-                                    std::int32_t sampleCount, bool replacing)
+                                    std::int32_t sampleCount)
 {
-    // ProcessChannels moves pointers about; `inputs` and `outputs` remain the host's.
+    // ProcessChannels moves pointers about; `inputs` and `outputs` remain as they are.
     ChannelSet in = FeedUpsamplers(inputs, sampleCount);
-    ChannelSet out = EffectOutputs(outputs);
+    ChannelSet out = EffectOutputs();
     ProcessChannels(in, out, upsamplingFactor * sampleCount);
 
     for (std::int32_t group = 0; group < GetOutputGroups(); ++group)
         for (std::int32_t channel = 0; channel < outputsPerGroup; ++channel)
         {
             const auto index = static_cast<std::size_t>(group * channelsPerGroup + channel);
-            float* output = outputs.pointers[index];
-            const bool shared = channel > 0 && output == outputs.pointers[index - 1];
-            if (output != nullptr && !shared)
-                upsamplers[index]->Down(output, sampleCount, !replacing);
+            upsamplers[index]->Down(outputs.pointers[index], sampleCount);
         }
     LimitOutputs(outputs, sampleCount);
 }

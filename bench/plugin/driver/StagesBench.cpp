@@ -37,7 +37,7 @@ struct Pair
             upsampler->Up(input.data(), frames);
             std::copy_n(upsampler->UpSamples(), upsampler->CurrentSetup().factor * frames,
                         upsampler->DownSamples());
-            upsampler->Down(output.data(), frames, false);
+            upsampler->Down(output.data(), frames);
         }
     }
     MUpsampler left, right;

@@ -394,4 +394,32 @@ TEST(AnalyzerFrequencyMap, InterpolatesBelowAndTakesMaximaAbove)
     EXPECT_GT(out[900], 0.0f);
     EXPECT_EQ(out[1023], 0.0f);
 }
+TEST(SpectralAnalyzer, OneBadSampleIsASampleOfSilenceAndNothingMore)
+{
+    for (const double sampleRate : { 48000.0, 192000.0 })
+        for (const bool superResolution : { false, true })
+        {
+            MSpectralAnalyzer analyzer;
+            analyzer.Setup(sampleRate, superResolution ? 2048 : 4096, 20000, 0);
+            AnalyzerClientParameters parameters = Parameters();
+            parameters.superResolution = superResolution;
+            AnalyzerClient clean, dirty;
+            std::vector<float> samples = Noise(200000, 4);
+            std::vector<float> bad = samples;
+            const float values[] = { std::nanf(""), INFINITY, -INFINITY, 3e38f };
+            for (std::size_t i = 0; i < 4; ++i)
+            {
+                samples[3000 + 10 * i] = 0.0f;
+                bad[3000 + 10 * i] = values[i];
+            }
+            for (AnalyzerClient* client : { &clean, &dirty })
+            {
+                analyzer.ConfigureClient(*client, parameters);
+                Feed(analyzer, *client, client == &clean ? samples : bad);
+            }
+            for (std::int32_t processor = 0; processor < 4; ++processor)
+                EXPECT_EQ(Spectrum(analyzer, dirty, processor), Spectrum(analyzer, clean, processor))
+                    << sampleRate << superResolution << processor;
+        }
+}
 }   // namespace

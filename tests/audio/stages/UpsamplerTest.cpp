@@ -54,7 +54,7 @@ std::vector<float> DownOfSine(MUpsampler& upsampler, std::int32_t factor, std::i
         upsampler.Up(nullptr, frame);
         for (std::int32_t index = 0; index < factor * frame; ++index)
             upsampler.DownSamples()[index] = Sine(static_cast<double>(k) / (factor * frame), index);
-        upsampler.Down(output.data(), frame, false);
+        upsampler.Down(output.data(), frame);
     }
     return output;
 }
@@ -83,7 +83,7 @@ std::vector<float> RoundTrip(MUpsampler& upsampler, const std::vector<float>& in
             static_cast<std::size_t>(lengths[turn % lengths.size()]), input.size() - done));
         upsampler.Up(input.data() + done, run);
         std::copy_n(upsampler.UpSamples(), factor * run, upsampler.DownSamples());
-        upsampler.Down(output.data() + done, run, false);
+        upsampler.Down(output.data() + done, run);
         done += static_cast<std::size_t>(run);
     }
     return output;
@@ -222,19 +222,6 @@ TEST(Upsampler, PlainLeavesTheWayDownToTheEffectWhereThatFilters)
     EXPECT_LT(LevelDb(DownOfSine(upsampler, 2, k), 0.75), -90);
     upsampler.SetDownFiltered(false);
     EXPECT_NEAR(LevelDb(DownOfSine(upsampler, 2, k), 0.75), 0, 0.01) << "aliases to a quarter";
-}
-
-TEST(Upsampler, AddsToTheOutputWhenAsked)
-{
-    MUpsampler upsampler;
-    upsampler.Init({ 48000, 2, true });
-    std::vector<float> output(4, 1.0f);
-    upsampler.Up(nullptr, 4);
-    upsampler.Down(output.data(), 4, true);
-    EXPECT_FLOAT_EQ(output[3], 1);
-    upsampler.Up(nullptr, 4);
-    upsampler.Down(output.data(), 4, false);
-    EXPECT_NEAR(output[3], 0, 1e-12) << "replaces: nothing but the guard against denormal numbers";
 }
 
 TEST(Upsampler, RecoversFromSamplesThatAreNoNumbers)

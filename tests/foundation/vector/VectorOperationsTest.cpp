@@ -297,26 +297,34 @@ TEST(VectorOperations, ReductionsFindTheirValueForEveryCountAndStart)
         });
 }
 
-TEST(VectorOperations, CopyWithinReplacesOnlyWhatIsNotANumberOrBeyondTheLimit)
+TEST(VectorOperations, CopyAudioReplacesOnlyWhatIsNoAudio)
 {
     ForEveryTarget(
         []
         {
-            const float infinity = std::numeric_limits<float>::infinity();
-            std::vector<float> source = { 1.0f,     -0.0f,     std::numeric_limits<float>::max(),
-                                          infinity, -infinity, std::numeric_limits<float>::quiet_NaN(),
-                                          -1e9f };
-            while (source.size() < 40)
-                source.push_back(source[source.size() - 7]);
+            constexpr float infinity = std::numeric_limits<float>::infinity();
+            constexpr float smallest = std::numeric_limits<float>::min();
+            const float values[] = { 1.0f,
+                                     smallest,
+                                     MVector::LargestSample,
+                                     -0.5f,
+                                     infinity,
+                                     -infinity,
+                                     std::numeric_limits<float>::quiet_NaN(),
+                                     2e10f,
+                                     -3e38f,
+                                     -0.5f * smallest };
+            std::vector<float> source;
+            for (std::size_t i = 0; i < 40; ++i)
+                source.push_back(values[i % std::size(values)]);
             for (std::int32_t n = 0; n < 40; ++n)
             {
                 std::vector<float> target(40, 3.0f);
-                MVector::CopyWithin(source.data(), 1e9f, target.data(), n);
+                MVector::CopyAudio(source.data(), target.data(), n);
                 for (std::size_t i = 0; i < 40; ++i)
                 {
                     const bool copied = i < static_cast<std::size_t>(n);
-                    ASSERT_EQ(target[i], !copied ? 3.0f : std::abs(source[i]) <= 1e9f ? source[i] : 0.0f) << i;
-                    ASSERT_TRUE(!copied || i % 7 != 1 || std::signbit(target[i])) << "sign of zero";
+                    ASSERT_EQ(target[i], !copied ? 3.0f : i % std::size(values) < 4 ? source[i] : 0.0f) << i;
                 }
             }
         });

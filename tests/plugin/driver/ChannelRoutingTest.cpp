@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include <cmath>
 #include <numeric>
 #include <vector>
 
@@ -10,11 +11,6 @@
 
 namespace
 {
-struct Stereo
-{
-    std::vector<float> left, right;
-};
-
 // An effect that doubles what it gets, late by nothing: what comes out doubled went through it.
 class Doubling : public TestEffect
 {
@@ -77,32 +73,116 @@ protected:
 };
 }   // namespace
 
-TEST_F(Routing, EachModeHandsTheEffectItsChannels)
+// Every mode by every route, at both rates, replacing and adding, in place and crosswise, bypassed or not:
+// each output channel is written with what belongs there, and no input is.
+TEST_F(Routing, EveryChannelIsWrittenInEveryModeAndRoute)
 {
     // In: left 1, right 0.25, so mid 0.625 and side 0.375; the effect doubles what it gets.
-    struct Case
+    constexpr double ofMode[7][2] = { { 2, 0.5 },        { 2, 0.25 }, { 1, 0.5 }, { 1.625, 0.875 },
+                                      { 1.375, -0.125 }, { 2, 0.5 },  { 2, -0.5 } };
+    constexpr std::int32_t effectChannels[7] = { 2, 1, 1, 1, 1, 2, 2 };
+    enum Route
     {
-        ChannelMode mode;
-        std::int32_t channels;
-        double left, right;
+        Stereo,
+        MonoToStereo,
+        OneInputTwice,
+        MonoToMono,
+        LeftOutputOnly,
+        RightOutputOnly,
+        OneOutputTwice,
+        InPlace,
+        Crosswise,
+        NoInput,
+        Surround,
+        FiveOne,
+        RouteCount
     };
-    const Case cases[] = {
-        { ChannelMode::LeftAndRight, 2, 2, 0.5 },
-        { ChannelMode::Left, 1, 2, 0.25 },
-        { ChannelMode::Right, 1, 1, 0.5 },
-        { ChannelMode::Mid, 1, 1.25 + 0.375, 1.25 - 0.375 },
-        { ChannelMode::Side, 1, 0.625 + 0.75, -0.125 },
-        { ChannelMode::MidAndSide, 2, 2, 0.5 },
-        { ChannelMode::LeftAndInvertedRight, 2, 2, -0.5 },
-    };
-    for (const Case& each : cases)
+    constexpr std::size_t count = 3000;
+    std::vector<int> cases(7 * RouteCount * 8);
+    std::iota(cases.begin(), cases.end(), 0);
+    for (const int number : cases)
     {
-        SCOPED_TRACE(InfoOf(each.mode).longName);
-        Make(each.mode);
-        const auto output = Run({ std::vector<float>(8, 1.0f), std::vector<float>(8, 0.25f) });
-        EXPECT_EQ(effect->channelGroups, each.channels);
-        EXPECT_NEAR(output[0][3], each.left, 1e-6);
-        EXPECT_NEAR(output[1][3], each.right, 1e-6);
+        const int mode = number % 7;
+        const int route = number / 7 % RouteCount;
+        const bool upsampled = number / 7 / RouteCount % 2 == 1;
+        const bool replacing = number / 7 / RouteCount / 2 % 2 == 0;
+        const bool bypassed = number / 7 / RouteCount / 4 == 1;
+        const bool wide = route == Surround || route == FiveOne;
+        SCOPED_TRACE(::testing::Message() << InfoOf(static_cast<ChannelMode>(mode)).longName << ", route "
+                                          << route << (upsampled ? ", upsampled" : "")
+                                          << (replacing ? "" : ", adding") << (bypassed ? ", bypassed" : ""));
+        Make(static_cast<ChannelMode>(mode), 100, wide ? 8 : 2);
+        plugin->upsampling = upsampled ? 2 : 1;
+        plugin->UpdateUpsamplingFactor();
+        if (route == MonoToStereo)
+            plugin->SetConnectedChannels(1, 2);
+        if (route == MonoToMono)
+            plugin->SetConnectedChannels(1, 1);
+        if (route == FiveOne)
+            plugin->SetConnectedChannels(6, 6);
+        plugin->bypass = bypassed;
+        plugin->InitProcessing();
+        const std::size_t width = wide ? 8 : 2;
+        std::vector<std::vector<float>> input, output;
+        std::vector<float*> in, out;
+        for (std::size_t channel = 0; channel < width; ++channel)
+        {
+            input.emplace_back(count, channel == 0 ? 1.0f : 0.25f * static_cast<float>(channel));
+            output.emplace_back(count, replacing ? std::nanf("") : 100.0f);
+        }
+        for (std::size_t channel = 0; channel < width; ++channel)
+        {
+            in.push_back(input[channel].data());
+            out.push_back(output[channel].data());
+        }
+        if (route == InPlace || route == Crosswise)
+        {
+            out = route == InPlace ? in : std::vector<float*>{ in[1], in[0] };
+            if (!replacing)
+                continue;   // a host can't add to what it wants read
+        }
+        const bool mono = route == MonoToStereo || route == OneInputTwice || route == MonoToMono;
+        if (mono)
+            in[1] = route == OneInputTwice ? in[0] : nullptr;
+        if (route == LeftOutputOnly || route == MonoToMono)
+            out[1] = nullptr;
+        if (route == RightOutputOnly)
+            out[0] = nullptr;
+        if (route == OneOutputTwice)
+            out[1] = out[0];
+        const auto before = input;
+        plugin->ProcessBlock(route == NoInput ? nullptr : in.data(), out.data(), count, replacing);
+
+        if (route != InPlace && route != Crosswise)
+        {
+            EXPECT_TRUE(input == before) << "the host's inputs stay";
+        }
+        const std::size_t latency = static_cast<std::size_t>(plugin->TotalLatency());
+        for (std::size_t channel = 0; channel < (route == FiveOne ? 6 : width); ++channel)
+        {
+            if (out[channel] == nullptr || (route == OneOutputTwice && channel == 1))
+                continue;
+            double expected = channel < 2 ? ofMode[mode][channel] : input[channel][0];
+            if (mono)
+                expected = 2;   // no sides: the effect works on the one channel in every mode
+            if (bypassed)
+                expected = before[mono ? 0 : channel][0];
+            if (route == NoInput)
+                expected = 0;
+            // The filters of upsampling pass a constant within 0.1 %.
+            EXPECT_NEAR(out[channel][count - 1] - (replacing ? 0 : 100), expected, upsampled ? 2e-3 : 1e-5)
+                << "channel " << channel;
+            for (std::size_t i = 0; i < count; ++i)
+                ASSERT_TRUE(std::isfinite(out[channel][i])) << "channel " << channel << " at " << i;
+            if (bypassed && latency > 0)
+            {
+                EXPECT_EQ(out[channel][latency - 1], replacing ? 0.0f : 100.0f) << "as late as the effect";
+            }
+        }
+        if (!bypassed && !mono && route != NoInput)
+        {
+            EXPECT_EQ(effect->channelGroups, effectChannels[mode]);
+        }
     }
 }
 
@@ -118,19 +198,6 @@ TEST_F(Routing, WhatTheEffectLeavesOutRunsAsLate)
         EXPECT_FLOAT_EQ(other[2047], 0);
         EXPECT_FLOAT_EQ(other[2048 + 100], 100);
     }
-}
-
-TEST_F(Routing, AMonoHostIsNotConverted)
-{
-    Make(ChannelMode::MidAndSide);
-    plugin->connectedInputs = 1;
-    plugin->connectedOutputs = 1;
-    plugin->InitProcessing();
-    std::vector<float> in(8, 1.0f), out(8), discarded(8);
-    float* inputs[] = { in.data(), nullptr };
-    float* outputs[] = { out.data(), discarded.data() };
-    plugin->ProcessBlock(inputs, outputs, 8, true);
-    EXPECT_NEAR(out[3], 2, 1e-6);
 }
 
 TEST_F(Routing, SurroundSelectsChannels)

@@ -9,9 +9,11 @@
 #include "plugin/driver/MQuorvaneAudioEffectPlugin.h"
 #include "plugin/driver/PluginState.h"
 #include "state/tree/XML.h"
+#include "tests/Signals.h"
 #include "tests/plugin/driver/TestEffect.h"
 
 using ::testing::ElementsAre;
+using namespace Signals;
 
 namespace
 {
@@ -79,25 +81,6 @@ TEST_F(Driver, PassesChannelsAndReportsTheLatencyOnce)
     EXPECT_EQ(plugin.inputNames[1].ToUTF8(), "In R");
 }
 
-TEST_F(Driver, AddsToTheOutputsWhenNotReplacing)
-{
-    outLeft.assign(8, 100);
-    outRight.assign(8, 100);
-    Run(8, 1, false);
-    EXPECT_FLOAT_EQ(outLeft[0], 101);
-    EXPECT_FLOAT_EQ(outRight[7], 92);
-}
-
-TEST_F(Driver, InPlaceBuffersGiveTheSameResult)
-{
-    std::vector<float> buffer(32, 0.5f);
-    std::vector<float> other(32, -0.5f);
-    float* channels[] = { buffer.data(), other.data() };
-    plugin.ProcessBlock(channels, channels, 32, true);
-    EXPECT_FLOAT_EQ(buffer[31], 0.5f);
-    EXPECT_FLOAT_EQ(other[31], -0.5f);
-}
-
 TEST_F(Driver, RampsAHostsChangeAcrossTheBlockInSteps)
 {
     Run(1024);   // the first block takes the values as they are
@@ -163,38 +146,79 @@ TEST_F(Driver, PendingUpdatesRunOnceBeforeTheBlock)
     EXPECT_EQ(effect->updateCount, 1) << "a parameter without the flag needs no update";
 }
 
-TEST_F(Driver, MonoAndMissingChannelsPlay)
+// Both ways at any time: no gap, no old sound, no click, and the same in blocks of any lengths.
+TEST_F(Driver, BypassFadesBetweenWhatRunsOnAnyway)
 {
-    plugin.SetConnectedChannels(1, 1);
-    EXPECT_EQ(effect->channelGroups, 1);
-    std::vector<float> in(8, 0.25f), out(8, 9);
-    float* inputs[] = { in.data(), nullptr };
-    float* outputs[] = { out.data(), nullptr };
-    plugin.ProcessBlock(inputs, outputs, 8, true);
-    EXPECT_FLOAT_EQ(out[7], 0.25f);
-
-    plugin.SetConnectedChannels(2, 2);
-    plugin.ProcessBlock(inputs, outputs, 8, true);
-    EXPECT_FLOAT_EQ(out[7], 0.25f) << "a null channel copies its neighbour";
-    float* nothing[] = { nullptr, nullptr };
-    out.assign(8, 9);
-    plugin.ProcessBlock(inputs, nothing, 8, true);
-    plugin.ProcessBlock(nothing, outputs, 8, true);
-    EXPECT_NEAR(out[7], 0, 1e-12) << "no input is silence";
-}
-
-TEST_F(Driver, BypassDelaysByTheLatencyWithoutTheEffect)
-{
-    plugin.bypass = true;
-    effect->runs.clear();
-    Run(2048);
-    EXPECT_FLOAT_EQ(outLeft[2047], 0);
-    Run(16, 5000);
-    EXPECT_FLOAT_EQ(outLeft[0], 1) << "what went in 2048 samples ago";
-    EXPECT_TRUE(effect->runs.empty());
-    plugin.bypass = false;
-    Run(16);
-    EXPECT_EQ(effect->runs.size(), 1u) << "switching back needs no preparation";
+    class Late : public TestEffect
+    {
+    public:
+        static std::int64_t Entry(MPlugin* instance, std::int64_t command, MPluginArgument* arguments)
+        {
+            if (instance == nullptr)
+                instance = new Late;
+            if (command == PluginCommand::GetInstance)
+                return static_cast<std::int64_t>(reinterpret_cast<std::intptr_t>(instance));
+            return instance->Dispatch(command, arguments);
+        }
+        std::int32_t GetLatency() override { return 700; }
+        void Process(const MProcessContext&, float** inputs, float** outputs, std::int32_t count) override
+        {
+            for (std::size_t channel = 0; channel < 2; ++channel)
+                for (std::int32_t index = 0; index < count; ++index)
+                {
+                    history[channel].push_back(inputs[channel][index]);
+                    const std::size_t size = history[channel].size();
+                    outputs[channel][index] = size > 700 ? 3 * history[channel][size - 701] : 0.0f;
+                }
+        }
+        std::vector<float> history[2];
+    };
+    constexpr std::size_t count = 40000;
+    constexpr std::size_t fade = 960;   // 20 ms
+    const std::size_t turns[] = { 5000, 11000, 11300, 20000, 20000 + fade, 30011 };
+    const Channels input = NoiseChannels(2, count, 3);
+    for (const std::vector<std::size_t>& lengths :
+         { std::vector<std::size_t>{ 480 }, { 1, 64, 333 }, { 4096 }, { 17 } })
+    {
+        MQuorvaneAudioEffectPlugin late;
+        late.Initialize("Test", "Quorvane", &Late::Entry, 800, 560);
+        late.sampleRate = 48000;
+        late.groupStride = 2;
+        late.InitProcessing();
+        Channels output(2, std::vector<float>(count));
+        std::size_t turn = 0;
+        std::size_t block = 0;
+        for (std::size_t position = 0; position < count;)
+        {
+            const std::size_t next = turn < std::size(turns) ? turns[turn] : count;
+            if (position == next)
+            {
+                late.bypass = !late.bypass;
+                ++turn;
+                continue;
+            }
+            const std::size_t run = std::min(lengths[block++ % lengths.size()], next - position);
+            float* inputs[] = { const_cast<float*>(input[0].data()) + position,
+                                const_cast<float*>(input[1].data()) + position };
+            float* targets[] = { output[0].data() + position, output[1].data() + position };
+            late.ProcessBlock(inputs, targets, static_cast<std::int32_t>(run), true);
+            position += run;
+        }
+        double share = 0;   // of the dry signal
+        bool bypassed = false;
+        turn = 0;
+        for (std::size_t i = 0; i < count; ++i)
+        {
+            if (turn < std::size(turns) && turns[turn] == i)
+            {
+                bypassed = !bypassed;
+                ++turn;
+            }
+            const double dry = i < 700 ? 0 : input[0][i - 700];
+            ASSERT_NEAR(output[0][i], dry * share + 3 * dry * (1 - share), 2e-6) << i;
+            share = std::clamp(share + (bypassed ? 1.0 : -1.0) / fade, 0.0, 1.0);
+        }
+    }
 }
 
 TEST_F(Driver, ABlockDuringPreparationIsDroppedAndLeavesTheOutputs)

@@ -190,8 +190,8 @@ TEST_F(Stages, MidAndSideComeBackAsLeftAndRight)
 
 TEST_F(Stages, BypassKeepsTheUpsampledLatency)
 {
-    Upsample(2, true);
     plugin.bypass = true;
+    Upsample(2, true);
     Stereo impulse(2048);
     impulse.left[5] = 1;
     EXPECT_FLOAT_EQ(Run(impulse, 300).left[5 + 768], 1);
