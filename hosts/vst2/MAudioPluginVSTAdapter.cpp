@@ -397,7 +397,7 @@ void MAudioPluginVSTAdapter::PerformProcessing(float** inputs, float** outputs, 
         inputs = unconnected.data();
     if (width == 8 || (inputGroups <= 1 && outputGroups == 1))
     {
-        plugin->ProcessBlock(inputs, outputs, frames, replacing);
+        plugin->ProcessBlockOrSilence(inputs, outputs, frames, replacing);
     }
     else
     {
@@ -417,7 +417,7 @@ void MAudioPluginVSTAdapter::PerformProcessing(float** inputs, float** outputs, 
         };
         spread(in, inputs, inputGroups);
         spread(out, outputs, outputGroups);
-        plugin->ProcessBlock(in.data(), out.data(), frames, replacing);
+        plugin->ProcessBlockOrSilence(in.data(), out.data(), frames, replacing);
     }
     SendOutgoingEvents();
 }

@@ -649,7 +649,7 @@ void MAudioPluginVST3Adapter::ProcessAudio(ProcessData& data)
     std::array<float*, MAudioPlugin::MaxChannels> outputs{};
     Spread(inputs, data.inputs, data.numInputs);
     Spread(outputs, data.outputs, data.numOutputs);
-    plugin->ProcessBlock(inputs.data(), outputs.data(), data.numSamples, true);
+    plugin->ProcessBlockOrSilence(inputs.data(), outputs.data(), data.numSamples, true);
     for (int32 bus = 0; data.outputs != nullptr && bus < data.numOutputs; ++bus)
         FlagSilence(data.outputs[bus], data.numSamples);
     SendOutgoingEvents(data.outputEvents);

@@ -39,8 +39,8 @@ void MAudioEffectPluginToAudioPluginAdapter::Initialize(const MString& effectNam
     maker = makerName;
     defaultEditorWidth = editorWidth;
     defaultEditorHeight = editorHeight;
-    // No event does anything yet, and hosts treat a plug-in with an event input as an instrument: Ardour then connects
-    // the first of two audio inputs only.
+    // No event does anything yet, and hosts treat a plug-in with an event input as an instrument: Ardour then
+    // connects the first of two audio inputs only.
     takesMIDI = false;
     SetSurround(false);
     host->driver = this;

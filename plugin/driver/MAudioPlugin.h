@@ -52,6 +52,10 @@ public:
     /// output may be an input's array. Audio thread. Throws MException "Could not acquire mutex." when the
     /// block is dropped, with the outputs untouched.
     void ProcessBlock(float* const* inputs, float* const* outputs, std::int32_t sampleCount, bool replacing);
+    /// The same for the edge to a host: what was dropped, or failed, is silence, since a host plays whatever
+    /// stands in its buffers. Answers whether the block was processed. Thread: audio.
+    bool ProcessBlockOrSilence(float* const* inputs, float* const* outputs, std::int32_t sampleCount,
+                               bool replacing) noexcept;
     /// Prepares for `sampleRate` and the channels set, and forgets all audio. Any thread but the audio
     /// thread; allocates.
     void InitProcessing();

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "audio/stages/GrowBuffer.h"
+#include "foundation/text/Boundary.h"
 #include "foundation/vector/VectorOperations.h"
 #include "plugin/driver/MAudioPlugin.h"
 
@@ -59,6 +60,24 @@ void MAudioPlugin::ProcessBlock(float* const* inputs, float* const* outputs, std
             bypassFade.Apply(wet.pointers[index], dry.pointers[index]);
         }
     Deliver(wet, dry, outputs, sampleCount, replacing);
+}
+
+bool MAudioPlugin::ProcessBlockOrSilence(float* const* inputs, float* const* outputs,
+                                         std::int32_t sampleCount, bool replacing) noexcept
+{
+    const bool processed = AtBoundary("MAudioPlugin::ProcessBlock", false,
+                                      [&]
+                                      {
+                                          ProcessBlock(inputs, outputs, sampleCount, replacing);
+                                          return true;
+                                      });
+    if (processed || !replacing || outputs == nullptr || sampleCount < 1)
+        return processed;
+    for (std::int32_t group = 0; group < GetOutputGroups(); ++group)
+        for (std::int32_t channel = 0; channel < channelsPerGroup; ++channel)
+            if (float* target = outputs[group * groupStride + channel])
+                MVector::Zero(target, sampleCount);
+    return false;
 }
 
 MAudioPlugin::ChannelSet MAudioPlugin::TakeInputs(float* const* inputs, std::int32_t inputGroups,

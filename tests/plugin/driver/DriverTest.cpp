@@ -246,9 +246,18 @@ TEST_F(Driver, ABlockDuringPreparationIsDroppedAndLeavesTheOutputs)
     {
         EXPECT_EQ(exception.Message.ToUTF8(), "Could not acquire mutex.");
     }
+    EXPECT_FLOAT_EQ(outLeft[0], 3);
+    // A format's adapter gives the host silence instead of what stood in its buffers; what is added to stays.
+    float* inputs[] = { left.data(), nullptr };
+    float* outputs[] = { outLeft.data(), outRight.data() };
+    EXPECT_FALSE(plugin.ProcessBlockOrSilence(inputs, outputs, 4, false));
+    EXPECT_FLOAT_EQ(outLeft[0], 3);
+    EXPECT_FALSE(plugin.ProcessBlockOrSilence(inputs, outputs, 3, true));
+    EXPECT_THAT(outLeft, ElementsAre(0, 0, 0, 3));
+    EXPECT_THAT(outRight, ElementsAre(0, 0, 0, 3));
     done = true;
     preparing.join();
-    EXPECT_FLOAT_EQ(outLeft[0], 3);
+    EXPECT_TRUE(plugin.ProcessBlockOrSilence(inputs, outputs, 4, true));
 }
 
 TEST_F(Driver, StateHoldsTheStandardSettingsInTheirForms)
