@@ -47,7 +47,7 @@ void MAudioEffectPluginToAudioPluginAdapter::Initialize(const MString& effectNam
     RebuildParameters();
     UpdateMaxBufferSize();
     environment.editor = EditorPresence::Closed;
-    presets.prefix = name;
+    presets.SetPrefix(name);
     presets.name = name;
     // Damaged ones leave the list empty: no reason to go without the plug-in.
     AtBoundary("MAudioPlugin::Initialize", [this] { presets.ReadFactoryPresets(); });
