@@ -1,40 +1,27 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The stored settings of the effect, both directions, in a fixed order of keys.
-#include <algorithm>
-
 #include "effect/TonalignAudioEffectPlugin.h"
-#include "state/tree/MAttribute.h"
-#include "state/tree/MStoreParams.h"
+#include "state/tree/StoredNode.h"
 
 namespace
 {
-void StoreFlag(const MStoreParams& params, const MString& key, MRelaxed<bool>& value)
+void StoreAnalysisArray(StoredNode& node, const MString& key, AnalysisArray& analysis)
 {
-    if (params.saving)
-        params.item->SetAttribute(key, value ? "1" : "0");
-    else if (params.item->HasAttribute(key))
-        value = params.item->GetCachedAttribute().ToInt() != 0;
-}
-
-void StoreAnalysisArray(const MStoreParams& params, const MString& key, AnalysisArray& analysis)
-{
-    if (params.saving)
-        StoreAnalysis(params.item->GetSubItem(key), analysis);
-    else if (params.item->HasSubItem(key))
-        analysis = ReadAnalysis(params.item->GetCachedSubItem());
+    node.ChildIfPresent(key,
+                        [&analysis](StoredNode& child)
+                        {
+                            if (child.IsSaving())
+                                StoreAnalysis(child.Item(), analysis);
+                            else
+                                analysis = ReadAnalysis(child.Item());
+                        });
 }
 
 // Runs a nested store on a child: always there when saving, only if present when reading.
 template <typename Stored>
-void StoreChild(const MStoreParams& params, const MString& key, Stored& stored)
+void StoreChild(StoredNode& node, const MString& key, Stored& stored)
 {
-    MStoreParams child{ .saving = params.saving, .item = nullptr };
-    if (params.saving)
-        child.item = &params.item->GetSubItem(key);
-    else if (params.item->HasSubItem(key))
-        child.item = &params.item->GetCachedSubItem();
-    if (child.item != nullptr)
-        stored.Store(child);
+    node.ChildIfPresent(key, [&stored](StoredNode& child) { stored.Store(child.Params()); });
 }
 }   // namespace
 
@@ -51,12 +38,13 @@ void TonalignAudioEffectPlugin::StoreAnalyses(const MStoreParams& params)
         target = { TargetAnalysis, TargetAnalysisDefined };
         source = { SourceAnalysis, SourceAnalysisDefined };
     }
-    StoreFlag(params, "TargetAnalysisDefined", target.defined);
+    StoredNode node(params);
+    node.Always("TargetAnalysisDefined", target.defined);
     if (target.defined)
-        StoreAnalysisArray(params, "TargetAnalysis", target.analysis);
-    StoreFlag(params, "SourceAnalysisDefined", source.defined);
+        StoreAnalysisArray(node, "TargetAnalysis", target.analysis);
+    node.Always("SourceAnalysisDefined", source.defined);
     if (source.defined)
-        StoreAnalysisArray(params, "SourceAnalysis", source.analysis);
+        StoreAnalysisArray(node, "SourceAnalysis", source.analysis);
     if (params.saving)
         return;
     const MSynchronizerGuard guard(lock);
@@ -68,7 +56,8 @@ void TonalignAudioEffectPlugin::StoreAnalyses(const MStoreParams& params)
 
 void TonalignAudioEffectPlugin::StoreCurvesAndBands(const MStoreParams& params)
 {
-    StoreChild(params, "AutoEqEnvelope", settings.autoEqEnvelope);
+    StoredNode node(params);
+    StoreChild(node, "AutoEqEnvelope", settings.autoEqEnvelope);
     if (params.saving)
     {
         equalizer.SavePoints(params.item->GetSubItem("graph"));
@@ -79,15 +68,16 @@ void TonalignAudioEffectPlugin::StoreCurvesAndBands(const MStoreParams& params)
         equalizer.LoadPoints(params.item->GetCachedSubItem());
         equalizer.UpdateAllBandControls();
     }
-    StoreChild(params, "Areas", areas);
-    StoreChild(params, "SourceAnalysisEnvelope", SourceAnalysisEnvelope);
+    StoreChild(node, "Areas", areas);
+    StoreChild(node, "SourceAnalysisEnvelope", SourceAnalysisEnvelope);
 }
 
 void TonalignAudioEffectPlugin::Store(const MStoreParams& params)
 {
     if (params.saving)
         BringAnalyzerUpToDate();
-    StoreChild(params, "Analyzer", analyzer);
+    StoredNode node(params);
+    StoreChild(node, "Analyzer", analyzer);
     StoreAnalyses(params);
     {
         const MSynchronizerGuard guard(lock);

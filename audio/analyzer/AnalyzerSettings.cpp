@@ -5,7 +5,7 @@
 #include <span>
 
 #include "audio/fft/MSignalWindowType.h"
-#include "state/tree/MAttribute.h"
+#include "state/tree/StoredNode.h"
 
 namespace
 {
@@ -13,153 +13,20 @@ constexpr double LogLowestHz = 1.3010299956639813;   // log10 of 20
 constexpr double LogHighestHz = 4.301029995663981;   // log10 of 20000
 constexpr double PrefilterLowDb = -90;
 constexpr double PrefilterHighDb = 20;
-constexpr int StoredDigits = 12;
 constexpr std::int32_t ComparisonBytes = 1024 * sizeof(float);
 
-double Parse(const MString& text, double fallback)
+void StoreCurve(StoredNode& node, AnalyzerCurveSettings& curve)
 {
-    int used = 0;
-    const double value = text.ToDouble(&used);
-    return used > 0 ? value : fallback;
+    node.Always("Fill", curve.fill);
+    node.Always("Peaks", curve.peaks);
+    node.Always("ShowColorValues", curve.showColorValues);
+    node.Always("ShowColorValuesFill", curve.showColorValuesFill);
+    node.Always("OverrideColor", curve.overrideColor);
+    node.Color("Color", curve.color);
 }
-
-std::int32_t Parse(const MString& text, std::int32_t fallback)
-{
-    int used = 0;
-    const std::int64_t value = text.ToInt(10, &used);
-    return used > 0 ? static_cast<std::int32_t>(value) : fallback;
-}
-
-bool Parse(const MString& text, bool fallback)
-{
-    return Parse(text, fallback ? 1 : 0) != 0;
-}
-
-MString Print(double value)
-{
-    return MString::FromDouble(value, StoredDigits);
-}
-
-MString Print(std::int32_t value)
-{
-    return MString::FromInt(value);
-}
-
-MString Print(bool value)
-{
-    return MString(value ? "1" : "0");
-}
-
-bool Equal(double a, double b)
-{
-    return std::abs(a - b) < 1e-50;
-}
-
-bool Equal(std::int32_t a, std::int32_t b)
-{
-    return a == b;
-}
-
-// One element of the tree, in either direction.
-class Node
-{
-public:
-    Node(MAttribute& storedItem, bool isSaving) : item(storedItem), saving(isSaving) {}
-
-    /// Always written; an absent key leaves the value alone.
-    template <typename Value>
-    void Always(const char* key, Value& value)
-    {
-        if (saving)
-            item.SetAttribute(key, Print(value));
-        else if (item.HasAttribute(key))
-            value = Parse(item.GetCachedAttribute(), value);
-    }
-
-    /// Not written at its default, which is what an absent key means.
-    template <typename Value>
-    void Optional(const char* key, Value& value, Value defaultValue)
-    {
-        if (!saving)
-            value = item.HasAttribute(key) ? Parse(item.GetCachedAttribute(), defaultValue) : defaultValue;
-        else if (Equal(value, defaultValue))
-            item.RemoveAttribute(key);
-        else
-            item.SetAttribute(key, Print(value));
-    }
-
-    template <typename Value>
-    void Always(const char* key, MRelaxed<Value>& value)
-    {
-        Value plain = value;
-        Always(key, plain);
-        value = plain;
-    }
-
-    template <typename Value>
-    void Optional(const char* key, MRelaxed<Value>& value, Value defaultValue)
-    {
-        Value plain = value;
-        Optional(key, plain, defaultValue);
-        value = plain;
-    }
-
-    /// By its name, always written.
-    void Name(const char* key, std::int32_t& value, std::span<const char* const> names, std::int32_t absent,
-              std::int32_t unknown)
-    {
-        if (saving)
-        {
-            const bool known = value >= 0 && value < static_cast<std::int32_t>(names.size());
-            item.SetAttribute(key, names[static_cast<std::size_t>(known ? value : unknown)]);
-            return;
-        }
-        value = absent;
-        if (!item.HasAttribute(key))
-            return;
-        value = unknown;
-        for (std::size_t i = 0; i < names.size(); ++i)
-            if (item.GetCachedAttribute().EqualsNoCase(names[i]))
-                value = static_cast<std::int32_t>(i);
-    }
-
-    void Color(const MString& key, AnalyzerColor& color)
-    {
-        if (saving)
-            item.SetAttribute(key, AnalyzerColorToText(color));
-        else if (item.HasAttribute(key))
-            color = AnalyzerColorFromText(item.GetCachedAttribute());
-    }
-
-    void Curve(AnalyzerCurveSettings& curve)
-    {
-        Always("Fill", curve.fill);
-        Always("Peaks", curve.peaks);
-        Always("ShowColorValues", curve.showColorValues);
-        Always("ShowColorValuesFill", curve.showColorValuesFill);
-        Always("OverrideColor", curve.overrideColor);
-        Color("Color", curve.color);
-    }
-
-    /// Calls visit(child). What isn't there reads like an empty one, and the tree stays as it is.
-    template <typename Visit>
-    void Child(const MString& name, Visit&& visit)
-    {
-        MAttribute empty;
-        const bool exists = saving || item.HasSubItem(name);
-        Node child(exists ? item.GetSubItem(name) : empty, saving);
-        visit(child);
-    }
-
-    MAttribute& Item() { return item; }
-
-private:
-    MAttribute& item;
-    bool saving;
-};
 
 // An older version kept the sizes themselves instead of their logarithms.
-void ReadOlderSize(MAttribute& item, const char* key, std::int32_t& power)
+void ReadOlderSize(MAttribute& item, const MString& key, std::int32_t& power)
 {
     if (!item.HasAttribute(key))
         return;
@@ -168,22 +35,6 @@ void ReadOlderSize(MAttribute& item, const char* key, std::int32_t& power)
         ++power;
 }
 }   // namespace
-
-MString AnalyzerColorToText(AnalyzerColor color)
-{
-    return MString::FromUnsigned((color << 8) | (color >> 24), 16, 8, '0');
-}
-
-AnalyzerColor AnalyzerColorFromText(const MString& text)
-{
-    if (text.Length() == 8)
-    {
-        const auto value = static_cast<std::uint32_t>(text.ToInt(16));
-        return (value >> 8) | (value << 24);
-    }
-    const MString rgb = text.SubString(0, text.Length() < 6 ? text.Length() : 6);
-    return (static_cast<std::uint32_t>(rgb.ToInt(16)) & 0x00FFFFFFu) | 0xFF000000u;
-}
 
 AnalyzerSettings::AnalyzerSettings()
 {
@@ -204,11 +55,24 @@ AnalyzerSettings::AnalyzerSettings()
     prefilter.Edit([](MArray<MEnvelopePoint>& points) { points.Clear(); });
 }
 
+void AnalyzerSettings::StoreComparison(StoredNode& node)
+{
+    if (node.IsSaving())
+    {
+        node.Item().SetBinary(comparison.data(), ComparisonBytes, false);
+    }
+    else
+    {
+        comparison.fill(0.0f);
+        if (node.Item().Text().Length() == 2 * ComparisonBytes)
+            node.Item().GetBinary(comparison.data(), ComparisonBytes, false);
+    }
+    StoreCurve(node, comparisonCurve);
+}
+
 void AnalyzerSettings::Store(const MStoreParams& params)
 {
-    const bool saving = params.saving != 0;
-    MAttribute& item = *params.item;
-    Node node(item, saving);
+    StoredNode node(params);
     node.Always("Enabled", enabled);
     node.Always("UseSideChain", useSideChain);
     node.Always("Pre", pre);
@@ -216,8 +80,8 @@ void AnalyzerSettings::Store(const MStoreParams& params)
     node.Optional("Gain", gain, 0.0);
     node.Optional("Deharmonize", deharmonize, 0.0);
     node.Optional("Decay", decay, 0.0);
-    node.Name("AnalyzerChannelMode", channelMode, SpectralAnalyzerChannelModeNames, ChannelModeMix,
-              ChannelModeMix);
+    node.Label("AnalyzerChannelMode", channelMode, SpectralAnalyzerChannelModeNames, ChannelModeMix,
+               ChannelModeMix);
     node.Optional("Normalize", normalize, true);
     node.Optional("Freeze", freeze, false);
     node.Optional("SuperResolution", superResolution, false);
@@ -233,53 +97,40 @@ void AnalyzerSettings::Store(const MStoreParams& params)
     node.Optional("ResolutiondB", resolutionDb, -60);
     node.Optional("FFTSizePow", fftSizePow, 12);
     node.Optional("OverlapPow", overlapPow, 2);
-    node.Name("WindowType", windowType, MSignalWindowType::Names, MSignalWindowType::Hann,
-              MSignalWindowType::Rectangular);
-    if (!saving)
+    node.Label("WindowType", windowType, MSignalWindowType::Names, MSignalWindowType::Hann,
+               MSignalWindowType::Rectangular);
+    if (!node.IsSaving())
     {
-        ReadOlderSize(item, "FFTSize", fftSizePow);
-        ReadOlderSize(item, "Overlap", overlapPow);
+        ReadOlderSize(node.Item(), "FFTSize", fftSizePow);
+        ReadOlderSize(node.Item(), "Overlap", overlapPow);
     }
     node.Child("Prefiltering",
-               [&](Node& child)
+               [&](StoredNode& child)
                {
-                   MStoreParams childParams{ params.saving, &child.Item() };
-                   prefilter.Store(childParams);
+                   prefilter.Store(child.Params());
                    child.Optional("Depth", prefilterDepth, 1.0);
                });
     for (std::size_t p = 0; p < AnalyzerProcessorCount; ++p)
         node.Child(MString("Processor") + MString::FromUnsigned(p),
-                   [&](Node& child)
+                   [&](StoredNode& child)
                    {
                        child.Always("Enabled", processors[p].enabled);
-                       child.Curve(processors[p]);
+                       StoreCurve(child, processors[p]);
                    });
     node.Optional("ComparisonEnable", comparisonEnable, false);
-    if (!saving)
+    if (!node.IsSaving())
         node.Always("ShowComparison", comparisonEnable);   // its name in older versions
-    if (comparisonEnable)
-        node.Child("Comparison",
-                   [&](Node& child)
-                   {
-                       if (saving)
-                           child.Item().SetBinary(comparison.data(), ComparisonBytes, false);
-                       else
-                       {
-                           comparison.fill(0.0f);
-                           if (child.Item().Text().Length() == 2 * ComparisonBytes)
-                               child.Item().GetBinary(comparison.data(), ComparisonBytes, false);
-                       }
-                       child.Curve(comparisonCurve);
-                   });
+    if (comparisonEnable && !(node.IsOverlay() && !node.HasChild("Comparison")))
+        node.Child("Comparison", [this](StoredNode& child) { StoreComparison(child); });
     node.Child("Sonogram",
-               [&](Node& child)
+               [&](StoredNode& child)
                {
                    child.Always("Enabled", sonogramEnabled);
                    // New objects start at 1, but what was never stored is 0.5.
                    child.Optional("Alpha", sonogramAlpha, 0.5);
                });
     node.Child("Colors",
-               [&](Node& child)
+               [&](StoredNode& child)
                {
                    for (std::size_t i = 0; i < colors.size(); ++i)
                        child.Color(MString("Color") + MString::FromUnsigned(i), colors[i]);

@@ -23,13 +23,10 @@ enum MSpectralAnalyzerChannelMode : std::int32_t
 inline constexpr std::array<const char*, 4> SpectralAnalyzerChannelModeNames = { "Left", "Right", "Mix",
                                                                                  "Left and right" };
 
+class StoredNode;
+
 /// A colour as 0xAARRGGBB.
 using AnalyzerColor = std::uint32_t;
-
-/// Eight hexadecimal digits: red, green, blue, alpha.
-MString AnalyzerColorToText(AnalyzerColor color);
-/// The reverse, capitals or not. A text of any other length counts as red, green and blue with alpha 255.
-AnalyzerColor AnalyzerColorFromText(const MString& text);
 
 /// How one curve looks; data for whoever draws it.
 struct AnalyzerCurveSettings
@@ -96,4 +93,7 @@ struct AnalyzerSettings
     bool sonogramEnabled = false;
     double sonogramAlpha = 1;
     std::array<AnalyzerColor, 5> colors = { 0x00000000, 0x80000000, 0xFF0000FF, 0xFF00FF00, 0xFFFF0000 };
+
+private:
+    void StoreComparison(StoredNode& node);
 };

@@ -4,8 +4,7 @@
 #include <algorithm>
 #include <atomic>
 
-#include "control/envelope/StoredKeys.h"
-#include "state/tree/MAttribute.h"
+#include "state/tree/StoredNode.h"
 
 namespace
 {
@@ -90,44 +89,49 @@ void MEnvelope::Normalize()
     points.Swap(kept);
 }
 
-void MEnvelope::Store(MStoreParams& params)
+void MEnvelope::Store(const MStoreParams& params)
 {
-    StoredKeys keys(params);
-    keys.Bool("DrawingMode", DrawingMode);
-    keys.Bool("SnapToGridX", SnapToGridX);
-    keys.Bool("SnapToGridY", SnapToGridY);
-    keys.Int("OverrideUnitsX", OverrideUnitsX);
-    keys.Int("OverrideUnitsY", OverrideUnitsY);
+    StoredNode node(params);
+    node.Optional("DrawingMode", DrawingMode, false);
+    node.Optional("SnapToGridX", SnapToGridX, false);
+    node.Optional("SnapToGridY", SnapToGridY, false);
+    node.Optional("OverrideUnitsX", OverrideUnitsX, 0);
+    node.Optional("OverrideUnitsY", OverrideUnitsY, 0);
     if (StoresLimits)
     {
-        keys.DoubleOrUnchanged("MinX", minX);
-        keys.DoubleOrUnchanged("MinY", minY);
-        keys.DoubleOrUnchanged("MaxX", maxX);
-        keys.DoubleOrUnchanged("MaxY", maxY);
+        // Left out at 0, as every number is, but absent they stay.
+        for (const auto& [key, limit] : { std::pair<const char*, double&>{ "MinX", minX },
+                                          { "MinY", minY },
+                                          { "MaxX", maxX },
+                                          { "MaxY", maxY } })
+            node.Optional(MString::Literal(key), limit, node.IsSaving() ? 0.0 : limit);
     }
-    StorePoints(params);
+    StorePoints(node);
 }
 
-void MEnvelope::StorePoints(MStoreParams& params)
+void MEnvelope::StorePoints(StoredNode& node)
 {
-    if (params.saving != 0)
+    if (node.IsSaving())
     {
-        params.item->RemoveSubItems("Point");
+        node.Item().RemoveSubItems("Point");
         for (MEnvelopePoint& point : points)
-        {
-            MStoreParams pointParams = params;
-            pointParams.item = &params.item->AddSubItem("Point");
-            point.Store(pointParams);
-        }
+            point.Store(node.Params().At(node.Item().AddSubItem("Point")));
+        return;
+    }
+    if (node.IsOverlay() && !node.HasChild("Point"))
+    {
+        Normalize();
         return;
     }
     MArray<MEnvelopePoint> loaded;
-    for (int index = 0; index < params.item->SubItemCount(); ++index)
+    // A point's own keys have their defaults when they are absent: it comes as a whole.
+    MStoreParams params = node.Params();
+    params.mode = MLoadMode::Plain;
+    for (int index = 0; index < node.Item().SubItemCount(); ++index)
     {
-        MStoreParams pointParams = params;
-        pointParams.item = &params.item->SubItemAt(index);
-        if (pointParams.item->Name().EqualsNoCase("Point"))
-            loaded.Emplace().Store(pointParams);
+        MAttribute& item = node.Item().SubItemAt(index);
+        if (item.Name().EqualsNoCase("Point"))
+            loaded.Emplace().Store(params.At(item));
     }
     points.Swap(loaded);
     Normalize();

@@ -6,6 +6,8 @@
 #include "control/envelope/MEnvelopePoint.h"
 #include "foundation/text/MArray.h"
 
+class StoredNode;
+
 /// A curve as the user edits it: points in a rectangle, ascending by x. MEnvelopeComputer evaluates it, and
 /// MPublishedEnvelope brings it to the audio thread. One thread at a time.
 class MEnvelope
@@ -39,7 +41,7 @@ public:
     void Normalize();
     /// Both directions. Saving leaves out what is 0 or false; loading takes that for a missing key, and
     /// limits what it reads to what the curve can have.
-    void Store(MStoreParams& params);
+    void Store(const MStoreParams& params);
 
     bool DrawingMode = false;
     bool SnapToGridX = false;
@@ -62,7 +64,7 @@ private:
         MEnvelope& envelope;
     };
 
-    void StorePoints(MStoreParams& params);
+    void StorePoints(StoredNode& node);
 
     MArray<MEnvelopePoint> points;
     double minX = 0.0;

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "control/envelope/StoredKeys.h"
+#include "state/tree/StoredNode.h"
 
 const MEnvelopeSegmentInfo MEnvelopeSegments[MEnvelopeSegmentCount] = {
     { "Mode 1", "Fastest, minimal curvature freedom." },
@@ -34,36 +34,35 @@ std::int32_t UsualType(double curvature)
 }
 }   // namespace
 
-void MEnvelopePoint::Store(MStoreParams& params)
+void MEnvelopePoint::Store(const MStoreParams& params)
 {
-    constexpr std::int32_t NeverDefault = -1;
-    StoredKeys keys(params);
-    keys.Double("x", x);
-    keys.Double("y", y);
-    keys.Double("c", curvature);
-    keys.Double("cx", curvatureX);
+    StoredNode node(params);
+    node.Optional("x", x, 0.0);
+    node.Optional("y", y, 0.0);
+    node.Optional("c", curvature, 0.0);
+    node.Optional("cx", curvatureX, 0.0);
     curvature = std::clamp(curvature, -1.0, 1.0);
     curvatureX = std::clamp(curvatureX, -1.0, 1.0);
-    keys.Int("Type", type, UsualType(curvature));
+    node.Optional("Type", type, UsualType(curvature));
 
     std::int32_t flagBits = flags;
-    if (keys.IsSaving() || keys.Has("Flags"))
+    if (node.IsSaving() || node.Has("Flags"))
     {
-        keys.Int("Flags", flagBits, NeverDefault);
+        node.Always("Flags", flagBits);
     }
     else
     {
         // Files of the time before there were flags.
-        keys.Int("fixed", flagBits);
+        node.Optional("fixed", flagBits, 0);
         flagBits |= LockSides | Proportional;
     }
     flags = static_cast<std::uint8_t>(flagBits);
 
-    keys.Int("SmoothingType", smoothingType);
-    keys.Double("SmoothX1", smoothLeft);
+    node.Optional("SmoothingType", smoothingType, BezierWherePossible);
+    node.Optional("SmoothX1", smoothLeft, 0.0);
     smoothLeft = std::clamp(smoothLeft, 0.0, 1.0);
-    double storedRight = Has(LockSides) && keys.IsSaving() ? 0.0 : smoothRight;
-    keys.Double("SmoothX2", storedRight);
-    if (!keys.IsSaving())
+    double storedRight = Has(LockSides) && node.IsSaving() ? 0.0 : smoothRight;
+    node.Optional("SmoothX2", storedRight, 0.0);
+    if (!node.IsSaving())
         smoothRight = Has(LockSides) ? smoothLeft : std::clamp(storedRight, 0.0, 1.0);
 }

@@ -60,5 +60,5 @@ struct MEnvelopePoint
     double SmoothRight() const { return Has(LockSides) ? smoothLeft : smoothRight; }
 
     /// One function for both directions; see MEnvelope::Store.
-    void Store(MStoreParams& params);
+    void Store(const MStoreParams& params);
 };

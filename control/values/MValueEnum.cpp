@@ -31,9 +31,9 @@ MValueEnumBase::MValueEnumBase(IndexVariable boundVariable, int initialDefault,
 int MValueEnumBase::IndexOf(const MString& text) const
 {
     const std::uint32_t hash = LabelHash(text);
-    for (std::size_t index = 0; index < labels.size(); ++index)
-        if (LabelHash(labels[index]) == hash && text.EqualsNoCase(labels[index]))
-            return static_cast<int>(index);
+    for (int index = 0; index < LabelCount(); ++index)
+        if (const MString label = LabelAt(index); LabelHash(label) == hash && text.EqualsNoCase(label))
+            return index;
     return 0;
 }
 

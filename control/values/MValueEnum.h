@@ -13,7 +13,10 @@ public:
     MValueEnumBase(IndexVariable boundVariable, int initialDefault, std::span<const char* const> labelTable);
 
     int LabelCount() const override { return static_cast<int>(labels.size()); }
-    MString LabelAt(int index) const override { return labels[static_cast<std::size_t>(index)]; }
+    MString LabelAt(int index) const override
+    {
+        return MString::Literal(labels[static_cast<std::size_t>(index)]);
+    }
 
 protected:
     TextResult TakeText(const MString& text) override;

@@ -25,7 +25,7 @@ public:
     MValueList(IndexVariable boundVariable, const char* const* labelTable, int labelCount,
                int initialDefault = 0);
     int LabelCount() const override { return count; }
-    MString LabelAt(int index) const override { return labels[index]; }
+    MString LabelAt(int index) const override { return MString::Literal(labels[index]); }
 
 private:
     const char* const* labels;

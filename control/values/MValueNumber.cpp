@@ -47,7 +47,7 @@ bool ReadAsNumber(const MString& text, V& value)
 }
 
 template <typename V>
-void ReadKey(MAttribute& item, const char* key, V& value)
+void ReadKey(MAttribute& item, const MString& key, V& value)
 {
     if (item.HasAttribute(key))
         ReadAsNumber(item.GetCachedAttribute(), value);

@@ -179,5 +179,5 @@ MString NoteText(int key)
         "C", "C#", "D", "D#", "E", "F", "F#", "G", "G#", "A", "A#", "B"
     };
     const int note = ((key % 12) + 12) % 12;
-    return MString(Notes[note]) + MString::FromInt((key - note) / 12);
+    return MString::Literal(Notes[note]) + MString::FromInt((key - note) / 12);
 }

@@ -31,7 +31,7 @@ std::string SystemPath(const MString& path)
     throw MException(text + " " + SystemErrorText(errorNumber));
 }
 
-void CheckSuccess(bool isSuccess, const char* format, const MString& path)
+void CheckSuccess(bool isSuccess, const MString& format, const MString& path)
 {
     const int errorNumber = errno;
     if (!isSuccess)

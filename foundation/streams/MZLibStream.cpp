@@ -9,7 +9,7 @@
 
 namespace
 {
-constexpr const char* InvalidContent = "Source compressed stream has invalid content.";
+constexpr char InvalidContent[] = "Source compressed stream has invalid content.";
 }   // namespace
 
 MZLibStream::MZLibStream() = default;

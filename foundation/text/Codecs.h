@@ -52,7 +52,7 @@ class TableCodec final : public MEncoding::Codec
 {
 public:
     explicit TableCodec(const CodePage& codePage) : page(&codePage) {}
-    MString GetName() const override { return page->names[0]; }
+    MString GetName() const override { return MString::Literal(page->names[0]); }
     MString Decode(std::string_view bytes) const override;
     MDataBlock Encode(const MString& text, bool withTerminator) const override;
 

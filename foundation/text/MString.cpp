@@ -233,7 +233,7 @@ MString MString::SubString(int start, int count) const
     if (end == first)
         return result;
     if (IsLiteral() && end == length)
-        return MString(literal + first);
+        return Literal(literal + first);
     result.ReserveFor(end - first);
     CopyCharacters(result.shared, first, end - first);
     result.SetLength(end - first);

@@ -1,10 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <concepts>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <string>
 #include <string_view>
+
+template <typename T>
+concept CharacterPointer = std::same_as<T, const char*> || std::same_as<T, char*>;
 
 /// Text as a value: 12 to 16 bytes that are copied freely, also on the audio thread.
 ///
@@ -15,12 +20,20 @@
 class MString
 {
 public:
-    MString() noexcept : MString("") {}
-    /// Literal form: `constant` must live as long as the program (a string constant). Null is the empty text.
-    MString(const char* constant) noexcept
-        : literal(constant != nullptr ? constant : ""),
-          length(constant != nullptr ? static_cast<std::int32_t>(std::strlen(constant)) : 0),
-          flags(LiteralFlag)
+    MString() noexcept : literal(""), length(0), flags(LiteralFlag) {}
+    /// Literal form, of a string literal: the array has to live as long as the program.
+    template <std::size_t Size>
+    MString(const char (&constant)[Size]) noexcept : MString(Literal(constant))
+    {
+    }
+    /// Shared form: what stands in a buffer, or where a pointer points to, may go away. Null is the empty
+    /// text.
+    template <std::size_t Size>
+    MString(char (&buffer)[Size]) : MString(Copy(buffer))
+    {
+    }
+    template <CharacterPointer Pointer>
+    MString(Pointer text) : MString(text != nullptr ? Copy(text) : MString())
     {
     }
     MString(const MString& other) noexcept;
@@ -31,7 +44,19 @@ public:
     MString& operator=(const MString& other) noexcept;
     MString& operator=(MString&& other) noexcept;
 
-    /// Shared form from 8-bit text that may go away: each byte is one character (ASCII, Latin-1).
+    /// Literal form, of a pointer to a constant that lives as long as the program, as tables hold them. Null
+    /// is the empty text.
+    static MString Literal(const char* constant) noexcept
+    {
+        MString text;
+        if (constant != nullptr)
+        {
+            text.literal = constant;
+            text.length = static_cast<std::int32_t>(std::strlen(constant));
+        }
+        return text;
+    }
+    /// Shared form: each byte is one character (ASCII, Latin-1).
     static MString Copy(std::string_view text);
     /// Shared form from UTF-8, decoded by the rules of UTF8Codec.
     static MString FromUTF8(std::string_view text);

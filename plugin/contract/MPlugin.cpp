@@ -228,13 +228,13 @@ std::int8_t MPlugin::SaveSettings(MAttribute& node)
     return 1;
 }
 
-std::int8_t MPlugin::LoadSettings(MAttribute& node)
+std::int8_t MPlugin::LoadSettings(MAttribute& node, MLoadMode mode)
 {
     for (std::int32_t index = 0; index < description.parameterCount; ++index)
         LoadParameterValue(description.parameters[index], node, SettingsKey(description.parameters[index]));
     {
         const MSynchronizerGuard guard(lock);
-        Store({ .saving = 0, .item = &node });
+        Store({ .saving = 0, .item = &node, .mode = mode });
     }
     OnSettingsLoaded();
     Update();

@@ -7,10 +7,10 @@
 #include "foundation/threads/MMutex.h"
 #include "plugin/contract/MPluginDescription.h"
 #include "plugin/contract/PluginCommands.h"
+#include "state/tree/MStoreParams.h"
 
 class MAttribute;
 class MControl;
-struct MStoreParams;
 
 /// An effect as its driver sees it: a static description of parameters, numbered commands, and settings.
 ///
@@ -46,7 +46,7 @@ public:
     virtual std::int8_t SaveSettings(MAttribute& node);
     /// A missing parameter keeps its value; numbers are clamped to their range. Answers 1. No block runs
     /// meanwhile. Thread: main.
-    virtual std::int8_t LoadSettings(MAttribute& node);
+    virtual std::int8_t LoadSettings(MAttribute& node, MLoadMode mode = MLoadMode::Plain);
     virtual void Store(const MStoreParams& params);
     /// The parameters from `first` up to the next group, ids without digits and blanks at their ends. Thread:
     /// GUI, these and all that follow.

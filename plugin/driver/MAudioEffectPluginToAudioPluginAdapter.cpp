@@ -13,7 +13,7 @@
 #include "plugin/driver/StoreScope.h"
 #include "state/presets/DefaultSettings.h"
 #include "state/tree/MAttribute.h"
-#include "state/tree/MStoreParams.h"
+#include "state/tree/StoredNode.h"
 
 MAudioEffectPluginToAudioPluginAdapter::~MAudioEffectPluginToAudioPluginAdapter()
 {
@@ -47,7 +47,7 @@ void MAudioEffectPluginToAudioPluginAdapter::Initialize(const MString& effectNam
     RebuildParameters();
     UpdateMaxBufferSize();
     environment.editor = EditorPresence::Closed;
-    presets.prefix = name;
+    presets.SetPrefix(name);
     presets.name = name;
     // Damaged ones leave the list empty: no reason to go without the plug-in.
     AtBoundary("MAudioPlugin::Initialize", [this] { presets.ReadFactoryPresets(); });
@@ -199,31 +199,6 @@ void MAudioEffectPluginToAudioPluginAdapter::Process(float** inputs, float** out
     effect->Process(context, inputs, outputs, sampleCount);
 }
 
-namespace
-{
-void StoreNumber(const MStoreParams& params, const MString& key, std::int32_t& value)
-{
-    if (params.saving)
-        params.item->SetAttribute(key, MString::FromInt(value));
-    else if (params.item->HasAttribute(key))
-        value = static_cast<std::int32_t>(params.item->GetCachedAttribute().ToInt());
-}
-
-// Left out at its default, which an absent key also reads as.
-void StoreUnlessDefault(const MStoreParams& params, const MString& key, std::int32_t& value,
-                        std::int32_t defaultValue)
-{
-    if (!params.saving)
-        value = params.item->HasAttribute(key)
-                    ? static_cast<std::int32_t>(params.item->GetCachedAttribute().ToInt())
-                    : defaultValue;
-    else if (value == defaultValue)
-        params.item->RemoveAttribute(key);
-    else
-        params.item->SetAttribute(key, MString::FromInt(value));
-}
-}   // namespace
-
 void MAudioEffectPluginToAudioPluginAdapter::StoreChannelMode(const MStoreParams& params)
 {
     MAttribute& item = *params.item;
@@ -266,14 +241,11 @@ void MAudioEffectPluginToAudioPluginAdapter::StoreChannelMode(const MStoreParams
 void MAudioEffectPluginToAudioPluginAdapter::Store(const MStoreParams& params)
 {
     StoreScope scope(*this, params);
-    if (!params.saving)
-        version = FirstVersion;
-    StoreNumber(params, "Version", version);
+    StoredNode node(params);
+    node.AlwaysOr("Version", version, FirstVersion);
     StoreChannelMode(params);
-    std::int32_t bypassed = bypass ? 1 : 0;
-    StoreUnlessDefault(params, "Bypass", bypassed, 0);
-    bypass = bypassed != 0;
-    StoreUnlessDefault(params, "MaxLFOBlockSize", maxLFOBlockSize, 256);
+    node.Optional("Bypass", bypass, false);
+    node.Optional("MaxLFOBlockSize", maxLFOBlockSize, 256);
     StoreSettings(params);
     scope.Finish();
 }
@@ -287,7 +259,7 @@ void MAudioEffectPluginToAudioPluginAdapter::StoreSettings(const MStoreParams& p
         presets.StoreCurrentIndex(params);
         return;
     }
-    effect->LoadSettings(*params.item);
+    effect->LoadSettings(*params.item, params.mode);
     presets.StoreCurrentIndex(params);
     interpolator.SkipNextRamp();
     environment.changes.Mark(Change::Settings);

@@ -5,22 +5,7 @@
 
 #include "foundation/text/Boundary.h"
 #include "plugin/driver/StoreScope.h"
-#include "state/tree/MAttribute.h"
-#include "state/tree/MStoreParams.h"
-
-namespace
-{
-template <typename Number>
-void StoreNumber(const MStoreParams& params, const MString& key, Number& value, std::int32_t minimum,
-                 std::int32_t maximum)
-{
-    if (params.saving)
-        params.item->SetAttribute(key, MString::FromInt(value));
-    else if (params.item->HasAttribute(key))
-        value = static_cast<std::int32_t>(
-            std::clamp<std::int64_t>(params.item->GetCachedAttribute().ToInt(), minimum, maximum));
-}
-}   // namespace
+#include "state/tree/StoredNode.h"
 
 /// The gain control on for a scope, whatever ends it.
 class MQuorvaneAudioEffectPlugin::AGCScope
@@ -118,16 +103,14 @@ std::int32_t MQuorvaneAudioEffectPlugin::ComputeAGCOfPresets(const PresetBank& b
 void MQuorvaneAudioEffectPlugin::Store(const MStoreParams& params)
 {
     StoreScope scope(*this, params);
-    StoreNumber(params, "upsampling", upsampling, 1, MaxUpsamplingFactor);
-    std::int32_t highQuality = params.saving && !highQualityUpsampling ? 0 : 1;
-    StoreNumber(params, "hqupsampling", highQuality, 0, 1);
+    StoredNode node(params);
+    node.Always("upsampling", upsampling, { 1, MaxUpsamplingFactor });
+    node.AlwaysOr("hqupsampling", highQualityUpsampling, true);
     if (!params.saving)
-    {
-        highQualityUpsampling = highQuality != 0;
         UpdateUpsamplingFactor();
-    }
-    StoreNumber(params, "AGC", agc, 0, 1);
-    StoreNumber(params, "PresetIndex", presetIndex, 0, 7);
+    node.Always("AGC", agc, { 0, 1 });
+    if (params.scope == MStoreScope::State)
+        node.Always("PresetIndex", presetIndex, { 0, 7 });
     MAudioEffectPluginToAudioPluginAdapter::Store(params);
     scope.Finish();
 }

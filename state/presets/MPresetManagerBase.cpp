@@ -2,15 +2,16 @@
 #include "state/presets/MPresetManagerBase.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <limits>
 #include <mutex>
+#include <new>
 
 #include "foundation/module/MModule.h"
 #include "foundation/streams/MFile.h"
 #include "foundation/text/Boundary.h"
 #include "foundation/text/MStringFormat.h"
 #include "foundation/text/Translate.h"
+#include "state/tree/StoredNode.h"
 #include "state/tree/XML.h"
 
 namespace
@@ -53,28 +54,13 @@ void MakeUserFolder()
     MFile::CreatePath(MFile::GetSpecialFolder(MFile::UserData));
 }
 
-void MergeEarlierFile(const MString& earlier, const MString& path)
+constexpr const char OverlayMark[] = "Overlay";   // of a preset that names a part of the object only
+
+// What SaveToFile writes, or a preset that was written by itself.
+void CheckIsSettings(const MAttribute& settings)
 {
-    MAttribute old;
-    const bool isReadable = AtBoundary("MPresetManagerBase::GetPresetFileName", false,
-                                       [&]
-                                       {
-                                           LoadPresetTree(old, earlier);
-                                           return true;
-                                       });
-    if (!isReadable)
-        return;
-    MAttribute current("presets");
-    if (MFile::Exists(path))
-        LoadPresetTree(current, path);
-    if (MergePresets(current, old, 0) > 0)
-    {
-        MakeUserFolder();
-        SavePresetTree(current, path);
-    }
-    // Another instance may have been quicker.
-    if (MFile::Exists(earlier))
-        MFile::Delete(earlier);
+    if (!settings.Name().EqualsNoCase("settings") && !IsPreset(settings))
+        throw MException("Invalid file contents. The document holds no settings.", MErrorCode::Content);
 }
 
 MPresetDialogs::FileRequest FolderRequest(bool forSaving)
@@ -105,6 +91,59 @@ struct MPresetManagerBase::FactoryPresets
     std::vector<MString> names;
 };
 
+// Managers of one file tell each other of its changes.
+struct MPresetManagerBase::Managers
+{
+    MLock lock;
+    MArray<MPresetManagerBase*> all;
+};
+
+MPresetManagerBase::Managers& MPresetManagerBase::AllManagers()
+{
+    // Never destroyed: objects may outlive what a library's end destroys.
+    alignas(Managers) static unsigned char storage[sizeof(Managers)];
+    static Managers& managers = *new (storage) Managers;
+    return managers;
+}
+
+MPresetManagerBase::MPresetManagerBase()
+{
+    Managers& managers = AllManagers();
+    const MSynchronizerGuard guard(managers.lock);
+    managers.all.Add(this);
+}
+
+MPresetManagerBase::~MPresetManagerBase()
+{
+    Managers& managers = AllManagers();
+    const MSynchronizerGuard guard(managers.lock);
+    managers.all.Delete(
+        static_cast<int>(std::find(managers.all.begin(), managers.all.end(), this) - managers.all.begin()));
+}
+
+void MPresetManagerBase::SetPrefix(const MString& filePrefix)
+{
+    const MSynchronizerGuard guard(AllManagers().lock);
+    prefix = filePrefix;
+}
+
+void MPresetManagerBase::AnnounceChange() const
+{
+    Managers& managers = AllManagers();
+    const MSynchronizerGuard guard(managers.lock);
+    for (MPresetManagerBase* manager : managers.all)
+        if (manager->prefix == prefix)
+            manager->onChanged.Post(GlobalEventProcessor(), {});
+}
+
+void MPresetManagerBase::Announce(int index, const MString& presetName)
+{
+    PresetSelectedParams selected;
+    selected.index = index;
+    selected.name = presetName;
+    onSelected.Post(GlobalEventProcessor(), selected);
+}
+
 bool MPresetManagerBase::IsConfirmed(const MString& question) const
 {
     return dialogs == nullptr || dialogs->Confirm(question);
@@ -125,6 +164,40 @@ void MPresetManagerBase::Report(const MString& text) const
     if (dialogs == nullptr)
         throw MException(text);
     dialogs->ShowMessage(text);
+}
+
+void MPresetManagerBase::CopyFactoryPresets(MAttribute& root) const
+{
+    root.Clear();
+    if (factory != nullptr)
+        root.CopyFrom(factory->tree);
+    root.SetName("presets");
+}
+
+void MPresetManagerBase::MergeEarlierFile(const MString& earlier, const MString& path) const
+{
+    MAttribute old;
+    const bool isReadable = AtBoundary("MPresetManagerBase::GetPresetFileName", false,
+                                       [&]
+                                       {
+                                           LoadPresetTree(old, earlier);
+                                           return true;
+                                       });
+    if (!isReadable)
+        return;
+    MAttribute current;
+    if (MFile::Exists(path))
+        LoadPresetTree(current, path);
+    else
+        CopyFactoryPresets(current);
+    if (MergePresets(current, old, {}) > 0)
+    {
+        MakeUserFolder();
+        SavePresetTree(current, path);
+    }
+    // Another instance may have been quicker.
+    if (MFile::Exists(earlier))
+        MFile::Delete(earlier);
 }
 
 MString MPresetManagerBase::GetPresetFileName()
@@ -148,10 +221,7 @@ void MPresetManagerBase::LoadPresets(MAttribute& root)
         LoadPresetTree(root, path);
         return;
     }
-    root.Clear();
-    if (factory != nullptr)
-        root.CopyFrom(factory->tree);
-    root.SetName("presets");
+    CopyFactoryPresets(root);
 }
 
 std::shared_ptr<const MPresetManagerBase::FactoryPresets> MPresetManagerBase::ReadFactoryResource()
@@ -196,9 +266,11 @@ bool MPresetManagerBase::LoadFactoryPreset(int index)
 {
     if (index < 0 || index >= FactoryPresetCount())
         return false;
-    MAttribute preset("preset");   // looking for attributes changes a tree, and this one is shared
-    preset.CopyFrom(*factory->presets[static_cast<std::size_t>(index)]);
-    ApplyPreset(preset, index);
+    MAttribute settings;
+    ReadPreset(*factory->presets[static_cast<std::size_t>(index)], settings);
+    Apply(settings, MLoadMode::Overlay);
+    SetCurrentPresetIndex(index);
+    Announce(index, FactoryPresetName(index));
     return true;
 }
 
@@ -212,14 +284,40 @@ void MPresetManagerBase::SavePresets(MAttribute& root)
 void MPresetManagerBase::Change(MAttribute& item, const std::function<void(MAttribute&)>& change)
 {
     MAttribute present;
+    change(CounterpartOf(item, present));
+    SavePresets(present);
+    RootOf(item).CopyFrom(present);
+    AnnounceChange();
+}
+
+MAttribute& MPresetManagerBase::CounterpartOf(const MAttribute& item, MAttribute& present)
+{
     LoadPresets(present);
     MAttribute* counterpart = FindCounterpart(item, present);
     if (counterpart == nullptr)
         throw MException(Format("\"{0}\" does not exist anymore.", item.GetAttribute("name")));
-    change(*counterpart);
-    SavePresets(present);
-    RootOf(item).CopyFrom(present);
-    onChanged.Post(GlobalEventProcessor(), {});
+    return *counterpart;
+}
+
+void MPresetManagerBase::SaveObject(MAttribute& item)
+{
+    StoreObject({ .saving = 1, .item = &item, .scope = MStoreScope::Preset });
+}
+
+void MPresetManagerBase::Apply(MAttribute& settings, MLoadMode mode)
+{
+    MAttribute before;
+    SaveObject(before);
+    try
+    {
+        StoreObject({ .item = &settings, .mode = mode, .scope = MStoreScope::Preset });
+    }
+    catch (...)
+    {
+        AtBoundary("MPresetManagerBase::Apply",
+                   [&] { StoreObject({ .item = &before, .scope = MStoreScope::Preset }); });
+        throw;
+    }
 }
 
 void MPresetManagerBase::AddPreset(MAttribute& folder, const MString& presetName)
@@ -228,7 +326,7 @@ void MPresetManagerBase::AddPreset(MAttribute& folder, const MString& presetName
            [&](MAttribute& target)
            {
                MAttribute& preset = target.AddSubItem("preset");
-               StoreObject({ .saving = 1, .item = &preset });
+               SaveObject(preset);
                preset.SetAttribute("name", presetName);
            });
 }
@@ -241,9 +339,12 @@ void MPresetManagerBase::ReplacePreset(MAttribute& preset)
            [&](MAttribute& target)
            {
                const MString presetName = target.GetAttribute("name");
+               const MString exchangeIndex = target.GetAttribute("ExchangeIndex");
                target.Clear();
-               StoreObject({ .saving = 1, .item = &target });
+               SaveObject(target);
                target.SetAttribute("name", presetName);
+               if (!exchangeIndex.IsEmpty())
+                   target.SetAttribute("ExchangeIndex", exchangeIndex);
            });
 }
 
@@ -284,8 +385,9 @@ void MPresetManagerBase::ExportFolder(MAttribute& folder)
 
 void MPresetManagerBase::ExportFolder(MAttribute& folder, const MString& path)
 {
+    MAttribute present;
     MAttribute exported("presets");
-    ReplaceContent(exported, folder);
+    ReplaceContent(exported, CounterpartOf(folder, present));
     CompressPresets(exported);
     SaveCompressedXML(exported, path, "utf-8");
 }
@@ -318,30 +420,28 @@ int MPresetManagerBase::MergeFile(const MString& path, int exchangeIndex)
     if (addedCount > 0)
     {
         SavePresets(target);
-        onChanged.Post(GlobalEventProcessor(), {});
+        AnnounceChange();
     }
     return addedCount;
 }
 
-void MPresetManagerBase::ApplyPreset(MAttribute& preset, int index)
+void MPresetManagerBase::ApplyPreset(const MAttribute& preset, int index)
 {
     MAttribute settings;
     ReadPreset(preset, settings);   // as a whole, before anything in the object changes
-    const MString presetName = preset.GetAttribute("name");
-    StoreObject({ .saving = 0, .item = &settings });
+    Apply(settings, settings.FindAttribute(OverlayMark) != nullptr ? MLoadMode::Overlay : MLoadMode::Plain);
     SetCurrentPresetIndex(index);
-    PresetSelectedParams selected;
-    selected.index = index;
-    selected.name = presetName;
-    onSelected.Post(GlobalEventProcessor(), selected);
+    Announce(index, preset.GetAttribute("name"));
 }
 
 void MPresetManagerBase::LoadPreset(MAttribute& preset)
 {
+    MAttribute present;
+    const MAttribute& counterpart = CounterpartOf(preset, present);
     std::vector<MAttribute*> presets;
-    CollectPresets(RootOf(preset), presets);
-    const auto place = std::find(presets.begin(), presets.end(), &preset);
-    ApplyPreset(preset, place == presets.end() ? 0 : static_cast<int>(place - presets.begin()));
+    CollectPresets(present, presets);
+    const auto place = std::find(presets.begin(), presets.end(), &counterpart);
+    ApplyPreset(counterpart, place == presets.end() ? 0 : static_cast<int>(place - presets.begin()));
 }
 
 void MPresetManagerBase::StepPreset(int direction)
@@ -371,7 +471,9 @@ void MPresetManagerBase::LoadFromFile(const MString& path)
     {
         MAttribute settings;
         LoadXML(settings, path);
-        StoreObject({ .saving = 0, .item = &settings });
+        CheckIsSettings(settings);
+        Apply(settings, MLoadMode::Plain);
+        Announce(-1, path);
     }
     catch (const MException&)
     {
@@ -391,7 +493,7 @@ void MPresetManagerBase::SaveToFile(const MString& path)
     try
     {
         MAttribute settings("settings");
-        StoreObject({ .saving = 1, .item = &settings });
+        SaveObject(settings);
         SaveCompressedXML(settings, path, "utf-8");
     }
     catch (const MException&)
@@ -402,9 +504,7 @@ void MPresetManagerBase::SaveToFile(const MString& path)
 
 void MPresetManagerBase::StoreCurrentIndex(const MStoreParams& params)
 {
-    if (params.saving)
-        params.item->SetAttribute("CurrentPresetIndex", MString::FromInt(CurrentPresetIndex()));
-    else if (params.item->HasAttribute("CurrentPresetIndex"))
-        SetCurrentPresetIndex(static_cast<int>(std::clamp<std::int64_t>(
-            params.item->GetCachedAttribute().ToInt(), 0, std::numeric_limits<int>::max())));
+    if (params.scope == MStoreScope::State)
+        StoredNode(params).Always("CurrentPresetIndex", currentPresetIndex,
+                                  { 0, std::numeric_limits<std::int32_t>::max() });
 }

@@ -14,8 +14,8 @@
 /// What a handler of a preset's selection gets: which preset stands at which place of the flat order.
 struct PresetSelectedParams : MEventParams
 {
-    int index = 0;
-    MString name;
+    int index = 0;   ///< -1 for a file of its own
+    MString name;   ///< of the preset, or the file's path
 };
 
 /// Presets of one object, in folders, in the file `<prefix>presets.xml` in the user's data folder.
@@ -26,16 +26,26 @@ struct PresetSelectedParams : MEventParams
 /// counterpart in the file's present tree by its folders and name, changes that, saves, and brings the given
 /// tree up to date. All elements of that tree are new afterwards.
 ///
+/// A factory preset changes what it names and nothing else of the object. Any preset leaves alone what
+/// belongs to the object's place in its session (see MStoreScope).
+///
 /// Whatever is thrown, the file is as it was, and so is the object. Thread: main, but the current index.
 class MPresetManagerBase : public MObject
 {
 public:
-    MString prefix;   ///< of the file's name
+    MPresetManagerBase();
+    ~MPresetManagerBase() override;
+    MPresetManagerBase(const MPresetManagerBase&) = delete;
+    MPresetManagerBase& operator=(const MPresetManagerBase&) = delete;
+
+    /// Of the file's name.
+    void SetPrefix(const MString& filePrefix);
     MString name;   ///< title that the user sees
     MPresetDialogs* dialogs = nullptr;
-    /// Raised after a preset was applied. Handlers run where GlobalEventProcessor is drained.
+    /// Raised after a preset or a file of its own was applied. Handlers run where GlobalEventProcessor is
+    /// drained.
     MEvent<PresetSelectedParams> onSelected;
-    /// Raised after the file was changed by this manager.
+    /// Raised after the file was changed by this manager or another one of the same file.
     MEvent<MOnNotifyParams> onChanged;
 
     /// Reads the module's resource of factory presets, in whichever form it has; managers that live at the
@@ -51,7 +61,8 @@ public:
     bool LoadFactoryPreset(int index);
 
     /// The path of the file. A file of the same name beside the maker's folder, where earlier versions kept
-    /// it, is merged into it and deleted first; one that can't be read stays where it is.
+    /// it, is merged into it, or without one into the factory presets, and deleted first; one that can't be
+    /// read stays where it is.
     MString GetPresetFileName();
     /// A missing file gives the factory presets, or nothing. A broken one throws MException.
     void LoadPresets(MAttribute& root);
@@ -59,13 +70,14 @@ public:
 
     /// A new preset with the object's present state at the folder's end.
     void AddPreset(MAttribute& folder, const MString& presetName);
+    /// The object's present state under the preset's name and exchange index.
     void ReplacePreset(MAttribute& preset);
     /// Presets and folders.
     void RenameItem(MAttribute& item, const MString& newName);
     void RenameFolder(MAttribute& folder);
     void CreateFolder(MAttribute& parent);
     void DeleteItem(MAttribute& item);
-    /// Writes the folder's content to a ".qpresets" file; the forms without a path ask for it.
+    /// Writes the folder's present content to a ".qpresets" file; the forms without a path ask for it.
     void ExportFolder(MAttribute& folder);
     void ExportFolder(MAttribute& folder, const MString& path);
     /// Replaces the folder's content by a file's.
@@ -75,7 +87,7 @@ public:
     /// added presets.
     int MergeFile(const MString& path, int exchangeIndex);
 
-    /// Applies a preset of a tree that LoadPresets gave.
+    /// Applies a preset, as it stands in the file now, of a tree that LoadPresets gave.
     void LoadPreset(MAttribute& preset);
     /// Applies the preset `direction` places behind the current one in the flat order, around the ends.
     /// Does nothing without presets.
@@ -98,7 +110,17 @@ protected:
     virtual void StoreObject(const MStoreParams& params) = 0;
 
 private:
-    void ApplyPreset(MAttribute& preset, int index);
+    struct Managers;
+    static Managers& AllManagers();
+
+    void Apply(MAttribute& settings, MLoadMode mode);
+    void ApplyPreset(const MAttribute& preset, int index);
+    void SaveObject(MAttribute& item);
+    void MergeEarlierFile(const MString& earlier, const MString& path) const;
+    void CopyFactoryPresets(MAttribute& root) const;
+    MAttribute& CounterpartOf(const MAttribute& item, MAttribute& present);
+    void Announce(int index, const MString& presetName);
+    void AnnounceChange() const;
     void Change(MAttribute& item, const std::function<void(MAttribute&)>& change);
     bool IsConfirmed(const MString& question) const;
     bool AskText(const MString& prompt, MString& text) const;
@@ -108,6 +130,7 @@ private:
     struct FactoryPresets;
     static std::shared_ptr<const FactoryPresets> ReadFactoryResource();
 
+    MString prefix;   // guarded by the managers' lock
     std::shared_ptr<const FactoryPresets> factory;   // never changes: many threads read it
     MRelaxed<int> currentPresetIndex = 0;
 };

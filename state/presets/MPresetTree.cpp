@@ -22,10 +22,8 @@ struct WithoutCase
 const MString& NameOf(const MAttribute& item)
 {
     static const MString none;
-    for (int index = 0; index < item.AttributeCount(); ++index)
-        if (item.AttributeAt(index).key.EqualsNoCase("name"))
-            return item.AttributeAt(index).value;
-    return none;
+    const MString* name = item.FindAttribute("name");
+    return name != nullptr ? *name : none;
 }
 
 // A preset's own tree may hold anything, also elements that are called "preset": no walk enters it.
@@ -119,9 +117,9 @@ void CompressPresets(MAttribute& root)
     }
 }
 
-void ReadPreset(MAttribute& preset, MAttribute& settings)
+void ReadPreset(const MAttribute& preset, MAttribute& settings)
 {
-    if (!preset.HasAttribute("compressed"))
+    if (preset.FindAttribute("compressed") == nullptr)
     {
         settings.CopyFrom(preset);
         return;
@@ -131,7 +129,7 @@ void ReadPreset(MAttribute& preset, MAttribute& settings)
     ReadCompressedXML(settings, stream);
 }
 
-int MergePresets(MAttribute& target, const MAttribute& source, int exchangeIndex)
+int MergePresets(MAttribute& target, const MAttribute& source, std::optional<int> exchangeIndex)
 {
     std::set<MString, WithoutCase> presets;
     std::map<MString, MAttribute*, WithoutCase> folders;
@@ -151,7 +149,8 @@ int MergePresets(MAttribute& target, const MAttribute& source, int exchangeIndex
             continue;
         MAttribute& added = target.AddSubItem(item.Name());
         added.CopyFrom(item);
-        added.SetAttribute("ExchangeIndex", MString::FromInt(exchangeIndex));
+        if (exchangeIndex)
+            added.SetAttribute("ExchangeIndex", MString::FromInt(*exchangeIndex));
         ++addedCount;
     }
     for (int index = 0; index < source.SubItemCount(); ++index)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <optional>
 #include <vector>
 
 #include "foundation/streams/MStream.h"
@@ -19,10 +20,11 @@ void CollectPresets(const MAttribute& item, std::vector<MAttribute*>& presets);
 /// Brings every plain preset that has a name into the compressed form. A preset without a name ends the walk.
 void CompressPresets(MAttribute& root);
 /// The stored tree of a preset, whichever form it has. Throws MException for one that is damaged.
-void ReadPreset(MAttribute& preset, MAttribute& settings);
+void ReadPreset(const MAttribute& preset, MAttribute& settings);
 /// Adds the presets and folders of `source` whose names `target` doesn't have, without regard to case.
-/// What is added gets `exchangeIndex` as its ExchangeIndex. Answers the count of added presets.
-int MergePresets(MAttribute& target, const MAttribute& source, int exchangeIndex);
+/// What is added gets `exchangeIndex` as its ExchangeIndex; without one it keeps its own. Answers the count
+/// of added presets.
+int MergePresets(MAttribute& target, const MAttribute& source, std::optional<int> exchangeIndex);
 /// The element of `tree` that stands where `item` stands in its own tree: the same folders by name, the same
 /// name, among equal names the same one. Null when there is none.
 MAttribute* FindCounterpart(const MAttribute& item, MAttribute& tree);

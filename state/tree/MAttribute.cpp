@@ -58,6 +58,12 @@ MAttributePair* MAttribute::PairOf(const MString& key) const
     return found ? attributes[index] : nullptr;
 }
 
+const MString* MAttribute::FindAttribute(const MString& key) const
+{
+    const MAttributePair* pair = PairOf(key);
+    return pair != nullptr ? &pair->value : nullptr;
+}
+
 bool MAttribute::HasAttribute(const MString& key)
 {
     attributeCache = PairOf(key);
@@ -72,13 +78,13 @@ const MString& MAttribute::GetCachedAttribute() const
     return attributeCache->value;
 }
 
-MString MAttribute::GetAttribute(const MString& key, const MString& defaultValue)
+MString MAttribute::GetAttribute(const MString& key, const MString& defaultValue) const
 {
     const MAttributePair* pair = PairOf(key);
     return pair != nullptr ? pair->value : defaultValue;
 }
 
-const MString& MAttribute::RequireAttribute(const MString& key)
+const MString& MAttribute::RequireAttribute(const MString& key) const
 {
     const MAttributePair* pair = PairOf(key);
     if (pair == nullptr)
@@ -117,7 +123,7 @@ MAttribute& MAttribute::SubItemAt(int index) const
     return *subItems[index];
 }
 
-MAttribute* MAttribute::FirstSubItem(const MString& itemName) const
+MAttribute* MAttribute::FindSubItem(const MString& itemName) const
 {
     for (MAttribute* item : subItems)
         if (item->name.EqualsNoCase(itemName))
@@ -127,7 +133,7 @@ MAttribute* MAttribute::FirstSubItem(const MString& itemName) const
 
 bool MAttribute::HasSubItem(const MString& itemName)
 {
-    subItemCache = FirstSubItem(itemName);
+    subItemCache = FindSubItem(itemName);
     return subItemCache != nullptr;
 }
 
@@ -141,7 +147,7 @@ MAttribute& MAttribute::GetCachedSubItem() const
 
 MAttribute& MAttribute::GetSubItem(const MString& itemName)
 {
-    MAttribute* item = FirstSubItem(itemName);
+    MAttribute* item = FindSubItem(itemName);
     return item != nullptr ? *item : AddSubItem(itemName);
 }
 
@@ -172,15 +178,15 @@ void MAttribute::RemoveSubItems(const MString& itemName)
     }
 }
 
-MAttribute& MAttribute::RequireSubItem(const MString& itemName)
+MAttribute& MAttribute::RequireSubItem(const MString& itemName) const
 {
-    MAttribute* item = FirstSubItem(itemName);
+    MAttribute* item = FindSubItem(itemName);
     if (item == nullptr)
         throw MException(Format("Could not find required subitem ({0}).", itemName));
     return *item;
 }
 
-MAttribute* MAttribute::FindSubItem(const MString& itemName, const MString& key, const MString& value)
+MAttribute* MAttribute::FindSubItem(const MString& itemName, const MString& key, const MString& value) const
 {
     for (MAttribute* item : subItems)
     {

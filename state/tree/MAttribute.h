@@ -38,16 +38,20 @@ public:
 
     int AttributeCount() const;
     const MAttributePair& AttributeAt(int index) const;
+    /// The value; null when there is none. Changes nothing, so that many threads may look at one tree.
+    const MString* FindAttribute(const MString& key) const;
     bool HasAttribute(const MString& key);
     /// The value that the last HasAttribute found, as long as it stays in the tree; throws without one.
     const MString& GetCachedAttribute() const;
-    MString GetAttribute(const MString& key, const MString& defaultValue = {});
-    const MString& RequireAttribute(const MString& key);
+    MString GetAttribute(const MString& key, const MString& defaultValue = {}) const;
+    const MString& RequireAttribute(const MString& key) const;
     void SetAttribute(const MString& key, const MString& value);
     void RemoveAttribute(const MString& key);
 
     int SubItemCount() const;
     MAttribute& SubItemAt(int index) const;
+    /// The first child of that name; null when there is none. Changes nothing.
+    MAttribute* FindSubItem(const MString& itemName) const;
     bool HasSubItem(const MString& itemName);
     MAttribute& GetCachedSubItem() const;
     /// The first child of that name, or a new one at the end.
@@ -55,8 +59,8 @@ public:
     /// Always a new child at the end.
     MAttribute& AddSubItem(const MString& itemName);
     void RemoveSubItems(const MString& itemName);
-    MAttribute& RequireSubItem(const MString& itemName);
-    MAttribute* FindSubItem(const MString& itemName, const MString& key, const MString& value);
+    MAttribute& RequireSubItem(const MString& itemName) const;
+    MAttribute* FindSubItem(const MString& itemName, const MString& key, const MString& value) const;
 
     void Clear();
     /// Attributes, text and descendants of `item`; the name stays.
@@ -65,7 +69,8 @@ public:
     /// Binary data as upper-case hexadecimal digits in the text, through zlib first if asked for.
     void SetBinary(MStream& stream, bool compress);
     void SetBinary(const void* buffer, std::int32_t size, bool compress);
-    /// The stream stands where it stood before. Throws "Invalid character to be converted to a number.".
+    /// The stream stands where it stood before. Throws "Invalid character to be converted to a number.", and
+    /// MException for compressed data of more than 64 MB.
     void GetBinary(MStream& stream, bool compressed) const;
     /// Plain: at most size and what is there. Compressed: exactly size, or "Value doesn't have correct
     /// format." is thrown. Answers the bytes written to the buffer.
@@ -82,7 +87,6 @@ private:
     // Where the key stands or would have to stand; `found` tells which.
     int FindPair(const MString& key, bool& found) const;
     MAttributePair* PairOf(const MString& key) const;
-    MAttribute* FirstSubItem(const MString& itemName) const;
     void CopyContent(const MAttribute& item);
 
     MAttribute* parent = nullptr;

@@ -14,6 +14,8 @@ namespace
 {
 constexpr std::int32_t RunSize = 4096;
 constexpr int BestQuality = 100;
+// Far above what is stored; a few bytes of compressed data can stand for gigabytes.
+constexpr std::int64_t LargestInflatedSize = std::int64_t{ 64 } << 20;
 
 void CopyRest(MStream& source, MStream& target)
 {
@@ -74,6 +76,7 @@ void MAttribute::GetBinary(MStream& stream, bool compressed) const
     if (compressed)
     {
         MZLibStream inflated(&bytes, MZLibStream::Direction::Inflate);
+        inflated.SetReadLimit(LargestInflatedSize);
         CopyRest(inflated, stream);
     }
     else

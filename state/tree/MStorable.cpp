@@ -12,6 +12,18 @@ void MStorable::SetText(const MString&) {}
 
 void MStorable::SetDefault() {}
 
+void MStorable::Hold(MObject* object)
+{
+    held = object;
+    kept.reset();
+}
+
+void MStorable::Keep(std::unique_ptr<MObject> object)
+{
+    held = object.get();
+    kept = std::move(object);
+}
+
 void MStorable::Store(MAttribute& item)
 {
     item.SetAttribute(Name, GetText());

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <memory>
+
 #include "foundation/text/MObject.h"
 #include "foundation/text/MString.h"
 
@@ -20,4 +22,15 @@ public:
     virtual void Load(MAttribute& item);
 
     MString Name;
+
+    /// Another object that goes with this one, such as the one whose variable it binds. Held alone stays its
+    /// owner's; kept dies with this one, after it.
+    void Hold(MObject* object);
+    void Keep(std::unique_ptr<MObject> object);
+    /// Null without one.
+    MObject* Held() const { return held; }
+
+private:
+    std::unique_ptr<MObject> kept;
+    MObject* held = nullptr;
 };

@@ -3,9 +3,9 @@
 
 namespace MLibraryInternals
 {
-void ThrowInvalidContents(const char* detail)
+void ThrowInvalidContents(const MString& detail)
 {
-    throw MException("Invalid file contents. " + MString(detail), MErrorCode::Content);
+    throw MException("Invalid file contents. " + detail, MErrorCode::Content);
 }
 
 void MXMLParser::OnElement(const MString& name, const MArray<MAttributePair>& attributes, bool closing)

@@ -32,5 +32,5 @@ private:
     int elementCount = 0;
 };
 
-[[noreturn]] void ThrowInvalidContents(const char* detail);
+[[noreturn]] void ThrowInvalidContents(const MString& detail);
 }   // namespace MLibraryInternals

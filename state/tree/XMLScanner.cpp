@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "state/tree/XMLScanner.h"
 
-#include <algorithm>
-
 #include "state/tree/MXMLParser.h"
 #include "state/tree/XMLEntities.h"
+#include "state/tree/XMLNames.h"
 
 using MLibraryInternals::ThrowInvalidContents;
 
@@ -12,21 +11,11 @@ namespace
 {
 constexpr int LargestAttributeCount = 4096;   // of one element: they are kept sorted by insertion
 
-bool IsBlank(char character)
-{
-    return static_cast<unsigned char>(character) <= ' ';
-}
-
-bool IsSpecial(char character)
-{
-    return std::string_view("<>\"/!=").find(character) != std::string_view::npos;
-}
-
 std::string_view Trimmed(std::string_view text)
 {
-    while (!text.empty() && IsBlank(text.front()))
+    while (!text.empty() && IsXMLBlank(text.front()))
         text.remove_prefix(1);
-    while (!text.empty() && IsBlank(text.back()))
+    while (!text.empty() && IsXMLBlank(text.back()))
         text.remove_suffix(1);
     return text;
 }
@@ -65,7 +54,7 @@ std::string JoinLines(std::string_view text)
     while (!text.empty())
     {
         std::size_t runLength = 0;
-        while (runLength < text.size() && IsBlank(text[runLength]))
+        while (runLength < text.size() && IsXMLBlank(text[runLength]))
             ++runLength;
         const std::string_view run = text.substr(0, runLength);
         if (run.find('\n') != std::string_view::npos)
@@ -79,15 +68,6 @@ std::string JoinLines(std::string_view text)
         text.remove_prefix(1);
     }
     return joined;
-}
-
-// Whether a decoded name can be written again: bad bytes may decode to nothing, to a control character or,
-// in an overlong sequence, to markup.
-bool IsName(const MString& name)
-{
-    const std::string bytes = name.ToUTF8();
-    return !bytes.empty() &&
-           std::none_of(bytes.begin(), bytes.end(), [](char c) { return IsBlank(c) || IsSpecial(c); });
 }
 
 bool IsUTF16(std::string_view document)
@@ -127,7 +107,7 @@ void XMLScanner::Scan()
 
 void XMLScanner::SkipBlanks()
 {
-    while (!IsAtEnd() && IsBlank(Current()))
+    while (!IsAtEnd() && IsXMLBlank(Current()))
         ++position;
 }
 
@@ -196,7 +176,7 @@ void XMLScanner::ScanSpecial()
 std::string_view XMLScanner::ScanName()
 {
     const std::size_t start = position;
-    while (!IsAtEnd() && !IsBlank(Current()) && !IsSpecial(Current()))
+    while (!IsAtEnd() && !IsXMLBlank(Current()) && !IsXMLSpecial(Current()))
         ++position;
     return bytes.substr(start, position - start);
 }
@@ -217,7 +197,7 @@ void XMLScanner::ScanStartTag()
 {
     ++position;
     const MString name = codec->Decode(ScanName());
-    if (!IsName(name))
+    if (!IsXMLName(name))
         ThrowInvalidContents("No element name found.");
     MArray<MAttributePair> attributes;
     for (;;)
@@ -227,7 +207,7 @@ void XMLScanner::ScanStartTag()
         const char character = Current();
         if (character == '>' || character == '/')
             break;
-        if (IsSpecial(character))
+        if (IsXMLSpecial(character))
             ThrowInvalidContents("Special character found where attribute expected.");
         if (attributes.Count() == LargestAttributeCount)
             ThrowInvalidContents("Too many attributes.");
@@ -247,7 +227,7 @@ MAttributePair XMLScanner::ScanAttribute()
     const MString key = codec->Decode(ScanName());
     SkipBlanks();
     RequireMore();
-    if (Current() != '=' || !IsName(key))
+    if (Current() != '=' || !IsXMLName(key))
         ThrowInvalidContents("Invalid character found where attribute expected.");
     ++position;
     SkipBlanks();

@@ -7,9 +7,11 @@
 #include "foundation/streams/MZLibStream.h"
 #include "foundation/streams/StreamAdapters.h"
 #include "foundation/text/MEncoding.h"
+#include "foundation/text/MStringFormat.h"
 #include "state/tree/MAttribute.h"
 #include "state/tree/XML.h"
 #include "state/tree/XMLEntities.h"
+#include "state/tree/XMLNames.h"
 
 namespace
 {
@@ -87,22 +89,30 @@ bool HasContent(const MAttribute& item)
     return item.SubItemCount() > 0 || !item.Text().IsEmpty();
 }
 
+void CheckName(const MString& name)
+{
+    if (!IsXMLName(name))
+        throw MException(Format("\"{0}\" cannot be the name of an XML element or attribute.", name));
+}
+
 void PutStartTag(const MAttribute& item, Output& output)
 {
     if (item.Name().IsEmpty())
         throw MException("XML entity cannot have empty name.");
+    CheckName(item.Name());
     output.Put(u'<');
     output.Put(item.Name());
     for (int index = 0; index < item.AttributeCount(); ++index)
     {
         const MAttributePair& pair = item.AttributeAt(index);
+        CheckName(pair.key);
         output.Put(u' ');
         output.Put(pair.key);
         output.Put("=\"");
         output.PutEscaped(pair.value);
         output.Put(u'"');
     }
-    output.Put(HasContent(item) ? ">" : "/>");
+    output.PutAscii(HasContent(item) ? ">" : "/>");
 }
 
 void PutEndTag(const MAttribute& item, Output& output)

@@ -49,6 +49,7 @@ void StorePreset(MQuorvaneAudioEffectPlugin& plugin, const FactoryPreset& preset
         item.SetAttribute(key, state.RequireAttribute(key));
     item.AddSubItem("graph").CopyFrom(state.RequireSubItem("graph"));
     item.SetAttribute("name", MString::FromUTF8(preset.name));
+    item.SetAttribute("Overlay", "1");
 }
 
 MAttribute& FolderOf(MAttribute& root, const std::string& name)

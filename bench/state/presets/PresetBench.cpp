@@ -62,7 +62,7 @@ struct Folder
         setenv("XDG_DATA_HOME", path.c_str(), 1);
         MAttribute root("presets");
         Fill(root);
-        manager.prefix = "Bench";
+        manager.SetPrefix("Bench");
         manager.SavePresets(root);
     }
     ~Folder()

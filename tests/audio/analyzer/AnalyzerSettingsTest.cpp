@@ -226,18 +226,4 @@ TEST(AnalyzerSettings, ComparisonOfAnotherLengthReadsAsZeros)
                                     "</Comparison></Analyzer>"),
                  MException);
 }
-
-TEST(AnalyzerSettings, ColoursAreRedGreenBlueAlpha)
-{
-    struct Row
-    {
-        const char* text;
-        AnalyzerColor color;
-    };
-    for (const Row& row :
-         { Row{ "0000ACFF", 0xFF0000AC }, Row{ "ac00acff", 0xFFAC00AC }, Row{ "12345678", 0x78123456 },
-           Row{ "123456", 0xFF123456 }, Row{ "1234567890", 0xFF123456 }, Row{ "", 0xFF000000 } })
-        EXPECT_EQ(AnalyzerColorFromText(row.text), row.color) << row.text;
-    EXPECT_EQ(AnalyzerColorToText(0x0512AB00).ToUTF8(), "12AB0005");
-}
 }   // namespace

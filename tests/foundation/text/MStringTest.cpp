@@ -55,6 +55,21 @@ TEST(MString, SharesItsBlockUntilOneOfTheCopiesIsWrittenTo)
     EXPECT_TRUE(literalCopy.IsLiteral());
 }
 
+TEST(MString, PointsAtLiteralsOnlyAndCopiesWhatMayGoAway)
+{
+    char buffer[8] = "abc";
+    const char* pointer = buffer;
+    MString appended;
+    appended.Append(buffer);
+    const MString texts[] = { buffer, pointer, appended, "abc" + MString(), MString() + pointer };
+    buffer[0] = 'x';
+    for (const MString& text : texts)
+        EXPECT_EQ(text.ToUTF8(), "abc");
+    EXPECT_TRUE(MString("abc").IsLiteral());
+    EXPECT_TRUE(MString::Literal(pointer).IsLiteral());
+    EXPECT_TRUE(MString::Literal(nullptr).IsEmpty());
+}
+
 TEST(MString, ReservesWithoutShrinkingAnOwnBlockAndCutsWhatItCopies)
 {
     MString own = MString::Copy("0123456789");

@@ -36,18 +36,23 @@ struct Knob
 {
     int number = 0;
     std::string text;
-    int storeCount = 0;
+    int loadCount = 0;
+    MLoadMode mode = MLoadMode::Plain;
 
     void Store(const MStoreParams& params)
     {
-        ++storeCount;
+        EXPECT_EQ(params.scope, MStoreScope::Preset);
         if (params.saving)
         {
             params.item->SetAttribute("number", MString::FromInt(number));
             params.item->GetSubItem("child").SetText(MString::FromUTF8(text));
             return;
         }
+        ++loadCount;
+        mode = params.mode;
         number = static_cast<int>(params.item->GetAttribute("number", "-1").ToInt());
+        if (number == 13)
+            throw MException("13");   // halfway through
         text = params.item->GetSubItem("child").Text().ToUTF8();
     }
 };
@@ -59,7 +64,7 @@ protected:
     {
         fs::remove_all(folder.parent_path());
         fs::create_directories(folder);
-        manager.prefix = "Knob";
+        manager.SetPrefix("Knob");
     }
 
     bool Confirm(const MString& question) override
@@ -246,7 +251,7 @@ TEST_F(Presets, AChangeKeepsWhatAnotherInstanceWroteMeanwhile)
 {
     Knob otherKnob;
     MPresetManagerT<Knob> other(otherKnob);
-    other.prefix = "Knob";
+    other.SetPrefix("Knob");
     MAttribute mine;
     MAttribute theirs;
     manager.LoadPresets(mine);
@@ -272,7 +277,7 @@ TEST_F(Presets, AChangeKeepsWhatAnotherInstanceWroteMeanwhile)
 TEST_F(Presets, SteppingGoesAroundBothEnds)
 {
     manager.StepPreset(1);
-    EXPECT_EQ(knob.storeCount, 0);   // nothing to step to
+    EXPECT_EQ(knob.loadCount, 0);   // nothing to step to
     MAttribute root;
     manager.LoadPresets(root);
     for (int number = 0; number < 3; ++number)
@@ -301,18 +306,61 @@ TEST_F(Presets, TellWhoListens)
     {
         void OnSelected(const PresetSelectedParams& params)
         {
-            heard += params.name.ToUTF8() + std::to_string(params.index);
+            heard += params.name.ToUTF8() + std::to_string(params.index) + " ";
         }
+        void OnChanged(const MOnNotifyParams&) { heard += "changed "; }
         std::string heard;
-    } listener;
+    } listener, other;
+    Knob otherKnob;
+    MPresetManagerT<Knob> sameFile(otherKnob);
+    sameFile.SetPrefix("Knob");
+    MPresetManagerT<Knob> otherFile(otherKnob);
+    otherFile.SetPrefix("Other");
     manager.onSelected.AddHandler<&Listener::OnSelected>(listener);
+    for (auto* changing : { &manager, &otherFile })
+        changing->onChanged.AddHandler<&Listener::OnChanged>(listener);
+    sameFile.onChanged.AddHandler<&Listener::OnChanged>(other);
     MAttribute root;
     manager.LoadPresets(root);
     Add(root, "A", 1);
     Add(root, "B", 2);
     manager.StepPreset(1);
+    manager.LoadPreset(*root.FindSubItem("preset", "name", "A"));
+    manager.SaveToFile(Path("f.xml"));
+    manager.LoadFromFile(Path("f.xml"));
+    EXPECT_EQ(manager.CurrentPresetIndex(), 0);
     GlobalEventProcessor().Process();
-    EXPECT_EQ(listener.heard, "B1");
+    EXPECT_EQ(listener.heard, "changed changed B1 A0 " + Path("f.xml").ToUTF8() + "-1 ");
+    EXPECT_EQ(other.heard, "changed changed ");
+}
+
+// What a window shows may be older than the file.
+TEST_F(Presets, AreLoadedAndExportedAsTheyStandInTheFile)
+{
+    MAttribute shown;
+    manager.LoadPresets(shown);
+    Add(shown, "A", 1);
+    PutFile(
+        "<presets><preset name='0' number='5'/><preset name='A' number='8' ExchangeIndex='4'/></presets>");
+    manager.LoadPreset(*shown.FindSubItem("preset", "name", "A"));
+    EXPECT_EQ(knob.number, 8);
+    EXPECT_EQ(knob.mode, MLoadMode::Plain);
+    EXPECT_EQ(manager.CurrentPresetIndex(), 1);
+    manager.ExportFolder(shown, Path("e.qpresets"));
+    MAttribute exported;
+    LoadPresetTree(exported, Path("e.qpresets"));
+    EXPECT_EQ(Names(exported), "0,A");
+    // Replaced, it stays the same one for whoever it was exchanged with.
+    knob.number = 9;
+    manager.ReplacePreset(*shown.FindSubItem("preset", "name", "A"));
+    EXPECT_EQ(shown.FindSubItem("preset", "name", "A")->GetAttribute("ExchangeIndex").ToUTF8(), "4");
+    PutFile("<presets><preset name='part' Overlay='1' number='3'/></presets>");
+    manager.StepPreset(0);
+    EXPECT_EQ(knob.mode, MLoadMode::Overlay);
+    PutFile("<presets/>");
+    EXPECT_THROW(manager.LoadPreset(*shown.FindSubItem("preset", "name", "A")), MException);
+    EXPECT_THROW(manager.ExportFolder(*shown.FindSubItem("preset", "name", "A"), Path("e.qpresets")),
+                 MException);
 }
 
 TEST_F(Presets, FoldersTravelInFilesOfTheirOwn)
@@ -442,8 +490,13 @@ TEST_F(Presets, ADamagedPresetLeavesTheObjectAsItWas)
         PutFile("<presets><preset name='A' compressed='1'>" + text + "</preset></presets>");
         EXPECT_THROW(manager.StepPreset(0), MException) << text.substr(0, 60);
         EXPECT_EQ(knob.number, 77);
-        EXPECT_EQ(knob.storeCount, 0);
+        EXPECT_EQ(knob.loadCount, 0);
     }
+    knob.text = "before";
+    PutFile("<presets><preset name='A' number='13'><child>half</child></preset></presets>");
+    EXPECT_THROW(manager.StepPreset(0), MException);
+    EXPECT_EQ(knob.number, 77);
+    EXPECT_EQ(knob.text, "before");
 }
 
 TEST_F(Presets, NothingIsSavedThatCouldNotBeReadAgain)
@@ -516,6 +569,9 @@ TEST_F(Presets, StatesTravelInFilesAndFailWithTheirNames)
     manager.LoadFromFile(Path("state.xml"));
     EXPECT_EQ(knob.number, 5);
     EXPECT_EQ(knob.text, "five");
+    std::ofstream(folder / "page.xml") << "<html/>";
+    EXPECT_THROW(manager.LoadFromFile(Path("page.xml")), MException);
+    EXPECT_EQ(knob.number, 5);
     manager.dialogs = this;
     manager.LoadFromFile(Path("none.xml"));
     EXPECT_EQ(asked, "Error loading file \"" + Path("none.xml").ToUTF8() + "\".");
@@ -526,8 +582,10 @@ TEST_F(Presets, StatesTravelInFilesAndFailWithTheirNames)
 TEST_F(Presets, DefaultSettingsSurviveAndBrokenOnesDoNotMatter)
 {
     StartModule();
-    const StoreOperation store = [&](const MStoreParams& params)
+    const StoreOperation store = [&](MStoreParams params)
     {
+        EXPECT_EQ(params.scope, MStoreScope::State);
+        params.scope = MStoreScope::Preset;
         knob.Store(params);
     };
     EXPECT_FALSE(LoadDefaultSettings(store));
@@ -543,7 +601,7 @@ TEST_F(Presets, DefaultSettingsSurviveAndBrokenOnesDoNotMatter)
         << Quoted("<Configuration><DefaultSettings compressed='1'>78DA</DefaultSettings></Configuration>");
     knob = {};
     EXPECT_FALSE(LoadDefaultSettings(store));
-    EXPECT_EQ(knob.storeCount, 0);
+    EXPECT_EQ(knob.loadCount, 0);
     EXPECT_FALSE(LoadDefaultSettings([](const MStoreParams&) { throw 1; }));
 }
 }   // namespace

@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "foundation/streams/MMemoryStream.h"
+#include "foundation/streams/MZLibStream.h"
 #include "state/tree/MStorable.h"
 
 namespace
@@ -237,5 +238,20 @@ TEST(MStorable, StoresItselfAsOneAttribute)
     storable.value = "forgotten";
     storable.Load(item);
     EXPECT_EQ(storable.value.ToUTF8(), "changed");
+}
+
+// A few bytes that stand for hundreds of megabytes come from a damaged or a hostile file.
+TEST(MAttribute, InflatesNoMoreThanAnythingStoredIsLong)
+{
+    MMemoryStream bomb;
+    MZLibStream stream(&bomb, MZLibStream::Direction::Compress, 100);
+    const std::string zeros(1 << 20, '\0');
+    for (int part = 0; part < 80; ++part)
+        stream.Write(zeros.data(), 1 << 20);
+    stream.Finish();
+    MAttribute item;
+    item.SetBinary(bomb, false);
+    MMemoryStream target;
+    EXPECT_THROW(item.GetBinary(target, true), MException);
 }
 }   // namespace

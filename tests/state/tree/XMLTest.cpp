@@ -118,19 +118,45 @@ TEST(XML, IsWrittenIndented)
     EXPECT_EQ(DescribedXML(Written(root, false)), Described(root));
 }
 
-TEST(XML, CannotBeWrittenWithoutAName)
+// Whatever stands in a name: it is refused, or it comes back.
+TEST(XML, WritesOnlyNamesThatItReads)
 {
-    MAttribute root("settings");
-    root.AddSubItem("");
-    try
-    {
-        Written(root, true);
-        FAIL();
-    }
-    catch (const MException& error)
-    {
-        EXPECT_EQ(error.Message.ToUTF8(), "XML entity cannot have empty name.");
-    }
+    int refused = 0;
+    for (int character = 0; character < 0x300; ++character)
+        for (const char* rest : { "", "b" })
+            for (const bool isKey : { false, true })
+            {
+                SCOPED_TRACE(testing::Message() << character << rest << isKey);
+                MAttribute root("settings");
+                const MString name = MString(static_cast<char16_t>(character)) + rest;
+                if (isKey)
+                    root.SetAttribute(name, "value");
+                else
+                    root.AddSubItem(name);
+                for (const bool isCompact : { false, true })
+                {
+                    std::string document;
+                    try
+                    {
+                        document = Written(root, isCompact);
+                    }
+                    catch (const MException& error)
+                    {
+                        EXPECT_NE(error.Message.Find("cannot"), -1);
+                        ++refused;
+                        continue;
+                    }
+                    MAttribute read;
+                    MMemoryStream stream =
+                        MMemoryStream::Borrow(document.data(), static_cast<std::int32_t>(document.size()));
+                    ReadXML(read, stream);
+                    EXPECT_EQ(Described(read), Described(root));
+                }
+            }
+    EXPECT_LT(refused, 8 * 45);   // controls, the blank and a few signs
+    MAttribute nameless("settings");
+    nameless.AddSubItem("");
+    EXPECT_THROW(Written(nameless, true), MException);
 }
 
 TEST(XML, IsReadByItsRules)

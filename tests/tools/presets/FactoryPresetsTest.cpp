@@ -13,6 +13,7 @@
 
 #include <gtest/gtest.h>
 
+#include "foundation/streams/MFile.h"
 #include "foundation/streams/MMemoryStream.h"
 #include "foundation/text/MException.h"
 #include "hosts/offline/OfflineHost.h"
@@ -79,10 +80,6 @@ TEST(FactoryPresets, AreTheProgramsAndPutTheirBandsIntoThePlugIn)
     ASSERT_GE(described.size(), 24u);
     ASSERT_EQ(plugin->presets.FactoryPresetCount(), static_cast<int>(described.size()));
     std::set<std::string> names;
-    // What isn't the preset's business stays.
-    EffectOf(*plugin).TargetAnalysisDefined = true;
-    plugin->agc = 1;
-    plugin->bypass = false;
     for (int index = 0; index < plugin->presets.FactoryPresetCount(); ++index)
     {
         const FactoryPreset& preset = described[static_cast<std::size_t>(index)];
@@ -108,10 +105,85 @@ TEST(FactoryPresets, AreTheProgramsAndPutTheirBandsIntoThePlugIn)
             EXPECT_NEAR(got.q, wanted.q, 1e-5);   // 6 decimals are kept
         }
     }
-    EXPECT_TRUE(EffectOf(*plugin).TargetAnalysisDefined);
-    EXPECT_EQ(plugin->agc, 1);
     EXPECT_FALSE(plugin->presets.LoadFactoryPreset(-1));
     EXPECT_FALSE(plugin->presets.LoadFactoryPreset(plugin->presets.FactoryPresetCount()));
+}
+
+// The state without what a factory preset names.
+std::string Rest(MQuorvaneAudioEffectPlugin& plugin)
+{
+    MAttribute state("settings");
+    plugin.Store({ .saving = 1, .item = &state });
+    state.RemoveSubItems("graph");
+    for (const char* key :
+         { "parametergain", "parameterdepth", "parameterSoftSaturation", "CurrentPresetIndex" })
+    {
+        EXPECT_TRUE(state.HasAttribute(key)) << key;
+        state.RemoveAttribute(key);
+    }
+    return Written(state);
+}
+
+TEST(FactoryPresets, ChangeTheirBandsAndNothingElse)
+{
+    // Every setting differs from its default, so that one that is set back shows.
+    const auto plugin = CreateInstance();
+    TonalignAudioEffectPlugin& effect = EffectOf(*plugin);
+    for (std::int32_t index = 0; index < plugin->GetParameterCount(); ++index)
+        plugin->SetParameter(index, plugin->GetParameter(index) < 0.4f ? 0.7f : 0.2f);
+    effect.settings.maxAdaptionBars = 10;
+    effect.settings.neverAmplify = true;
+    effect.settings.adaptionFrequencyMin = 300;
+    effect.settings.adaptionFrequencyMax = 3000;
+    effect.settings.spaceInMixLimit = -70;
+    effect.settings.autoEqEnvelope.Reset(0.2, 0.4);
+    effect.TargetAnalysisDefined = true;
+    effect.analyzer.settings.slope = 1.5;
+    effect.analyzer.settings.channelMode = ChannelModeLeft;
+    effect.analyzer.settings.prefilterDepth = 0.5;
+    plugin->upsampling = 2;
+    plugin->highQualityUpsampling = false;
+    plugin->agc = 1;
+    plugin->presetIndex = 3;
+    plugin->bypass = true;
+    plugin->maxLFOBlockSize = 512;
+    plugin->channelMode = ChannelMode::Left;
+    // Once through a state, so that what follows from the parameters follows already.
+    MAttribute state("settings");
+    plugin->Store({ .saving = 1, .item = &state });
+    plugin->Store({ .item = &state });
+    const std::string before = Rest(*plugin);
+
+    ASSERT_TRUE(plugin->presets.LoadFactoryPreset(2));
+    EXPECT_TRUE(Rest(*plugin) == before);
+    plugin->presets.StepPreset(1);   // the list is that of the factory as long as there is no file
+    EXPECT_TRUE(Rest(*plugin) == before);
+    // A file of an earlier version joins that list, and its presets are the user's own.
+    const MString folder = MFile::GetSpecialFolder(MFile::UserData);
+    MFile::CreatePath(folder);
+    std::ofstream(folder.ToUTF8() + "/../TonalignLinearPhasepresets.xml")
+        << "<presets><preset name=\"mine\"/></presets>";
+    MAttribute root;
+    plugin->presets.LoadPresets(root);
+    std::vector<MAttribute*> list;
+    CollectPresets(root, list);
+    EXPECT_EQ(list.size(), static_cast<std::size_t>(plugin->presets.FactoryPresetCount()) + 1);
+    const MAttribute* mine = root.FindSubItem("preset", "name", "mine");
+    ASSERT_NE(mine, nullptr);
+    EXPECT_EQ(mine->FindAttribute("ExchangeIndex"), nullptr);
+    plugin->presets.StepPreset(3);   // now out of that file
+    EXPECT_TRUE(Rest(*plugin) == before);
+
+    // A preset of the user's own holds everything but the instance's place in its session.
+    MAttribute& folderOfPresets = root;
+    plugin->presets.AddPreset(folderOfPresets, "everything");
+    plugin->presetIndex = 5;
+    plugin->maxLFOBlockSize = 64;
+    plugin->bypass = false;
+    plugin->presets.LoadPreset(*root.FindSubItem("preset", "name", "everything"));
+    EXPECT_EQ(plugin->presetIndex, 5);
+    plugin->presetIndex = 3;
+    EXPECT_TRUE(Rest(*plugin) == before);
 }
 
 // The response of the whole plug-in to an impulse, by a plain sum at each frequency.
