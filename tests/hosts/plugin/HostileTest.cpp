@@ -7,6 +7,7 @@
 #include <thread>
 
 #include <gtest/gtest.h>
+#include <sys/mman.h>
 
 #include "HeapCount.h"
 #include "Vst2Host.h"
@@ -245,6 +246,45 @@ TEST_F(Hostile, Vst2PlaysAMonoInputOnBothOutputs)
         EXPECT_NEAR(left.back(), 0.25f, 1e-4f) << announced;
         EXPECT_EQ(right.back(), left.back()) << announced;
     }
+}
+
+TEST_F(Hostile, InputsAreNeverWritten)
+{
+    // A page that faults when written to.
+    constexpr std::size_t frames = 1024;
+    const auto page = [](float value)
+    {
+        void* memory =
+            mmap(nullptr, frames * sizeof(float), PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+        std::fill_n(static_cast<float*>(memory), frames, value);
+        mprotect(memory, frames * sizeof(float), PROT_READ);
+        return static_cast<float*>(memory);
+    };
+    float* inputs[] = { page(0.0f), page(0.125f) };
+    const Vst2Instance vst2(vst2Module);
+    const Vst3Instance vst3(vst3Module);
+    for (int mode = 0; mode < 8; ++mode)
+        for (const char* upsampling : { "1", "2" })
+        {
+            const std::string state = "<settings ChannelMode=\"" + std::to_string(mode) + "\" upsampling=\"" +
+                                      upsampling + "\" AGC=\"1\"/>";
+            vst2.SetState({ state.begin(), state.end() });
+            vst3.SetState({ state.begin(), state.end() });
+            vst2.Start(48000, frames);
+            vst3.Start(48000, frames);
+            std::vector<float> left(frames), right(frames);
+            float* outputs[] = { left.data(), right.data() };
+            for (const float bypass : { 0.0f, 1.0f })
+            {
+                vst2.Send(Vst2::EffectOpcode::SetBypass, 0, bypass > 0 ? 1 : 0);
+                vst3.controller->setParamNormalized(32767, static_cast<double>(bypass));
+                vst2.Process(inputs, outputs, frames);
+                vst2.effect->process(vst2.effect, inputs, outputs, frames);
+                vst3.Process(inputs, outputs, frames);
+            }
+        }
+    for (float* each : inputs)
+        munmap(each, frames * sizeof(float));
 }
 
 TEST_F(Hostile, Vst3FlagsSilenceAndOnlySilence)
