@@ -163,6 +163,9 @@ std::intptr_t MAudioPluginVSTAdapter::Dispatch(AEffect* effect, std::int32_t opc
 std::intptr_t MAudioPluginVSTAdapter::Answer(std::int32_t opcode, std::int32_t index, std::intptr_t value,
                                              void* pointer, float option)
 {
+    // Parameters may be set on any thread; what asks for a text or a state comes on the host's own.
+    if (opcode != EffectOpcode::ProcessEvents)
+        plugin->ApplyChoices();
     switch (opcode)
     {
     case EffectOpcode::GetParamLabel:
@@ -259,7 +262,7 @@ std::intptr_t MAudioPluginVSTAdapter::AnswerParameter(std::int32_t opcode, std::
                                             index, MString::FromUTF8(static_cast<const char*>(pointer))));
         return 1;
     default:
-        return plugin->IsParameterHidden(index) ? 0 : 1;
+        return plugin->IsParameterAutomatable(index) ? 1 : 0;
     }
     CopyText(pointer, text, textSize);
     return 1;

@@ -112,8 +112,10 @@ tresult EditControllerFacet::getParameterInfo(int32 index, ParameterInfo& info)
                                   plugin.GetParameterType(index) == AutomationAdapter::Type::Boolean ? 1 : 0;
                               info.defaultNormalizedValue = plugin.GetParameterDefaultValue(index);
                               info.unitId = parameterUnits[static_cast<std::size_t>(index)];
-                              info.flags = plugin.IsParameterHidden(index) ? ParameterInfo::kIsHidden
-                                                                           : ParameterInfo::kCanAutomate;
+                              if (plugin.IsParameterHidden(index))
+                                  info.flags = ParameterInfo::kIsHidden;
+                              else if (plugin.IsParameterAutomatable(index))
+                                  info.flags = ParameterInfo::kCanAutomate;
                           }
                           else if (index == ownCount)
                           {
@@ -231,6 +233,7 @@ tresult EditControllerFacet::setParamNormalized(ParamID id, ParamValue value)
         !(id >= FirstControllerId && id - FirstControllerId < ControllerCount))
         return kResultFalse;
     adapter.ApplyParameterChange(id, value);
+    AtBoundary("MAudioPluginVST3Adapter::setParamNormalized", [this] { adapter.Plugin().ApplyChoices(); });
     return kResultOk;
 }
 

@@ -44,6 +44,7 @@ void MAudioEffectPluginToAudioPluginAdapter::Initialize(const MString& effectNam
     takesMIDI = false;
     SetSurround(false);
     host->driver = this;
+    automation.Add(&channelModeAdapter);
     RebuildParameters();
     UpdateMaxBufferSize();
     environment.editor = EditorPresence::Closed;

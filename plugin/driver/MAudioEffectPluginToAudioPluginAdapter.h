@@ -5,6 +5,7 @@
 
 #include "plugin/contract/MAudioEffectPlugin.h"
 #include "plugin/contract/MPluginHost.h"
+#include "plugin/driver/ChannelModeAdapter.h"
 #include "plugin/driver/MAudioPlugin.h"
 #include "state/presets/MPresetManagerT.h"
 
@@ -70,6 +71,7 @@ private:
     void StoreChannelMode(const MStoreParams& params);
     void FillContext();
 
+    ChannelModeAdapter channelModeAdapter{ *this };
     MString name;
     MString maker;
     std::int32_t defaultEditorWidth = 0;

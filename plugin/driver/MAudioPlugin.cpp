@@ -7,6 +7,7 @@
 
 #include "control/parameters/ParameterAdapters.h"
 #include "foundation/text/Boundary.h"
+#include "plugin/driver/ChannelModeAdapter.h"
 
 MAudioPlugin::MAudioPlugin() = default;
 
@@ -205,6 +206,23 @@ std::int32_t MAudioPlugin::TotalTailSize()
     return tail / upsamplingFactor + (upsamplingFactor >= 2 ? upsamplingTail : 0);
 }
 
+void MAudioPlugin::ChooseChannelMode(ChannelMode mode)
+{
+    constexpr std::int32_t leastSurround = 3;
+    channelMode =
+        mode == ChannelMode::Surround && channelsPerGroup < leastSurround ? ChannelMode::LeftAndRight : mode;
+    choicesPending = true;
+}
+
+void MAudioPlugin::ApplyChoices()
+{
+    if (!choicesPending.exchange(false))
+        return;
+    ProcessingChange change(*this);
+    change.Prepare(ProcessingChange::Preparation::WhereNeeded);
+    change.Finish();
+}
+
 void MAudioPlugin::CheckLatency()
 {
     const std::int32_t latency = TotalLatency();
@@ -371,6 +389,15 @@ void MAudioPlugin::GetParameterHelp(MString& out, std::int32_t index) const noex
                     if (const auto* parameter = dynamic_cast<const ParameterMainBase*>(&target))
                         out = parameter->info->help;
                 });
+}
+
+bool MAudioPlugin::IsParameterAutomatable(std::int32_t index) const noexcept
+{
+    bool prepares = false;
+    WithAdapter(automation, index, "MAudioPlugin::IsParameterAutomatable",
+                [&](AutomationAdapter& target, std::int32_t)
+                { prepares = dynamic_cast<const ChannelModeAdapter*>(&target) != nullptr; });
+    return !prepares && !IsParameterHidden(index);
 }
 
 bool MAudioPlugin::IsParameterHidden(std::int32_t index) const noexcept

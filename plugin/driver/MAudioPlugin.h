@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -77,6 +78,8 @@ public:
     bool IsParameterDiscrete(std::int32_t index) const noexcept;
     void GetParameterHelp(MString& out, std::int32_t index) const noexcept;
     AutomationAdapter::Type GetParameterType(std::int32_t index) const noexcept;
+    /// Whether a host may move it while the song plays.
+    bool IsParameterAutomatable(std::int32_t index) const noexcept;
     /// Kept for its number and its id; nobody is to see or to move it.
     bool IsParameterHidden(std::int32_t index) const noexcept;
     double GetParameterDefaultValue(std::int32_t index) const noexcept;
@@ -129,6 +132,12 @@ public:
     virtual bool SetAGC(double gainRatio);
     /// The gain that the gain control applies now, as a ratio. Any thread.
     double CurrentAGCGain() const { return gainControl.Gain(); }
+
+    /// Surround where the host has the channels for it. Thread: any; see ApplyChoices.
+    void ChooseChannelMode(ChannelMode mode);
+    /// Prepares processing for what was chosen by ChooseChannelMode since the last call. Adapters do it in
+    /// what hosts call on their GUI thread. Thread: GUI, no lock held.
+    void ApplyChoices();
 
     /// Tells the adapter when the latency isn't what was last reported.
     virtual void CheckLatency();
@@ -255,6 +264,7 @@ private:
     std::int32_t GroupWidth() const;
 
     HostReporter reporter{ *this, environment.changes };
+    std::atomic<bool> choicesPending = false;
     // Of the outermost ProcessingChange, under `processLock`.
     bool changing = false;
     std::optional<ProcessingChange::Preparation> wantedPreparation;

@@ -121,7 +121,7 @@ TEST(OfflineHost, HostParametersReachTheBands)
     OfflineHost host;
     host.Prepare(48000, 2);
     MQuorvaneAudioEffectPlugin& plugin = host.Plugin();
-    ASSERT_EQ(plugin.GetParameterCount(), 80);
+    ASSERT_EQ(plugin.GetParameterCount(), 81);
     const char* names[] = { "Dry/wet",        "Gain",      "Soft saturation", "Smoothness",
                             "Average length", "RESERVED1", "RESERVED2",       "RESERVED3",
                             "RESERVED4",      "RESERVED5", "Enable 1",        "Frequency 1" };

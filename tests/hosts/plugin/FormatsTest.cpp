@@ -47,10 +47,11 @@ void SetOfflineState(OfflineHost& host, const Bytes& state)
     ReadPluginState(host.Plugin(), stream);
 }
 
-// Values that survive being stored: a third of the way up for every parameter.
+// Values that survive being stored, for every parameter that the first state kept.
 void Disturb(const Vst2Instance& instance)
 {
-    for (std::int32_t index = 0; index < instance.effect->numParams; ++index)
+    constexpr std::int32_t firstParameters = 80;
+    for (std::int32_t index = 0; index < firstParameters; ++index)
         instance.effect->setParameter(instance.effect, index,
                                       0.2f + 0.6f * static_cast<float>(index % 7) / 6);
 }

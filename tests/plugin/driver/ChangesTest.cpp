@@ -230,7 +230,7 @@ TEST_F(Changes, AdaptersOfOthersOutliveThoseOfTheEffect)
     kept->plugin = &plugin;
     plugin.automation.Add(kept);
     plugin.automation.AssignIndices();
-    ASSERT_EQ(plugin.GetParameterCount(), TestEffect::Count + 1);
+    ASSERT_EQ(plugin.GetParameterCount(), TestEffect::Count + 2) << "and the channel mode";
     MString id;
     plugin.GetParameterID(id, TestEffect::Choice);
     EXPECT_EQ(plugin.FindParameter(id), TestEffect::Choice);
@@ -244,7 +244,7 @@ TEST_F(Changes, AdaptersOfOthersOutliveThoseOfTheEffect)
     EXPECT_EQ(name.ToUTF8(), "Kept");
     EXPECT_EQ(plugin.FindParameter(id), TestEffect::Choice);
     effect->SendToHost(HostCommand::DestroyTemporaryAdapters);
-    EXPECT_EQ(plugin.GetParameterCount(), TestEffect::Count + 1);
+    EXPECT_EQ(plugin.GetParameterCount(), TestEffect::Count + 2);
     EXPECT_TRUE(screen.Drain() && screen.Has(Change::ParameterList));
     EXPECT_EQ(effect->SendToHost(HostCommand::EqualizerParametersChanged), 0);
     EXPECT_TRUE(screen.Drain() && screen.Has(Change::Response));

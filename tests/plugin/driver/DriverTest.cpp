@@ -313,9 +313,9 @@ TEST_F(Driver, StateIsAZlibStreamAndADamagedOneChangesNothing)
 
 TEST_F(Driver, ParametersOutOfRangeAnswerNeutrally)
 {
-    EXPECT_EQ(plugin.GetParameterCount(), 5);
+    EXPECT_EQ(plugin.GetParameterCount(), TestEffect::Count + 1) << "and the channel mode";
     MString text("kept");
-    for (const std::int32_t index : { -1, 5, 1000000 })
+    for (const std::int32_t index : { -1, TestEffect::Count + 1, 1000000 })
     {
         plugin.SetParameter(index, 0.5);
         EXPECT_EQ(plugin.GetParameter(index), 0);
