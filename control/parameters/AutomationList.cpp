@@ -114,15 +114,48 @@ void AutomationList::AssignIndices()
     };
     if (sortingEnabled)
         std::stable_sort(adapters.begin(), adapters.end(), before);
+    std::vector<ReservedPlaces> free = reserved;
+    std::int32_t unreserved = 0;
     parameterCount = 0;
     hostParameterCount = 0;
     for (AutomationAdapter* adapter : adapters)
     {
-        adapter->firstIndex = parameterCount;
-        parameterCount += adapter->targetCount;
+        const auto range =
+            std::find_if(free.begin(), free.end(),
+                         [adapter](const ReservedPlaces& each) { return each.sortKey == adapter->sortKey; });
+        if (range != free.end() && !adapter->temporary)
+        {
+            if (range->count < adapter->targetCount)
+                throw MException("More parameters than there are numbers for them.");
+            adapter->firstIndex = range->first;
+            range->first += adapter->targetCount;
+            range->count -= adapter->targetCount;
+        }
+        else
+        {
+            // The first gap between the ranges that has room.
+            for (bool moved = true; moved;)
+            {
+                moved = false;
+                for (const ReservedPlaces& each : reserved)
+                    if (unreserved < each.first + each.count &&
+                        each.first < unreserved + adapter->targetCount)
+                    {
+                        unreserved = each.first + each.count;
+                        moved = true;
+                    }
+            }
+            adapter->firstIndex = unreserved;
+            unreserved += adapter->targetCount;
+        }
+        const std::int32_t end = adapter->firstIndex + adapter->targetCount;
+        parameterCount = std::max(parameterCount, end);
         if (!adapter->temporary)
-            hostParameterCount += adapter->targetCount;
+            hostParameterCount = std::max(hostParameterCount, end);
     }
+    std::sort(adapters.begin(), adapters.end(),
+              [](const AutomationAdapter* a, const AutomationAdapter* b)
+              { return a->firstIndex < b->firstIndex; });
 }
 
 template <typename Predicate>
@@ -171,13 +204,13 @@ AutomationAdapter* AutomationList::Find(std::int32_t index, std::int32_t& sub) c
 {
     if (adapters.empty())
         return nullptr;
-    // The last adapter that starts at or before the index; the first one for anything below.
+    // The last adapter that starts at or before the index.
     const auto after = std::upper_bound(adapters.begin(), adapters.end(), index,
                                         [](std::int32_t wanted, const AutomationAdapter* adapter)
                                         { return wanted < adapter->firstIndex; });
     AutomationAdapter* found = after == adapters.begin() ? adapters.front() : *(after - 1);
     sub = index - found->firstIndex;
-    return found;
+    return sub >= 0 && sub < found->targetCount ? found : nullptr;
 }
 
 AutomationAdapter* AutomationList::FindParameter(std::int32_t parameterIndex) const

@@ -22,6 +22,15 @@ public:
         MString prefix;
     };
 
+    /// Numbers that are kept for the adapters of one sort key, whether they exist yet or not: projects keep
+    /// the numbers, and parts of a plug-in may come in any order.
+    struct ReservedPlaces
+    {
+        std::int32_t sortKey;
+        std::int32_t first;
+        std::int32_t count;
+    };
+
     AutomationList() = default;
     AutomationList(const AutomationList&) = delete;
     AutomationList& operator=(const AutomationList&) = delete;
@@ -31,14 +40,19 @@ public:
     /// Throws MException "Invalid plugin parameter type.".
     void Build(MPlugin& effect, const BuildContext& context);
     void Add(AutomationAdapter* adapter);
-    /// Sorts by `sortKey`, numbers the targets and counts them.
+    /// In force from the next AssignIndices on. Adapters of other keys follow behind all of these, or in
+    /// front of them where they fit. The ranges must not overlap.
+    void Reserve(std::vector<ReservedPlaces> ranges) { reserved = std::move(ranges); }
+    /// Sorts by `sortKey`, numbers the targets and counts them. Throws MException where a reserved range is
+    /// too short.
     void AssignIndices();
     void RemoveTemporary();
     /// Removes what Build added; the adapters of others stay.
     void RemoveBuilt();
     void Clear();
 
-    /// The adapter whose targets hold a host index; null in an empty list. `sub` gets its number in it.
+    /// The adapter whose targets hold a host index; null for one that none holds. `sub` gets its number in
+    /// it.
     AutomationAdapter* Find(std::int32_t index, std::int32_t& sub) const;
     /// The adapter of a record of the description, null if it has none.
     AutomationAdapter* FindParameter(std::int32_t parameterIndex) const;
@@ -62,6 +76,7 @@ private:
     void BuildSpecial(MPlugin& effect, const BuildContext& context);
 
     std::vector<AutomationAdapter*> adapters;
+    std::vector<ReservedPlaces> reserved;
     std::array<std::vector<BucketEntry>, 8> buckets;   // by parameter index & 7
     std::int32_t parameterCount = 0;
     std::int32_t hostParameterCount = 0;

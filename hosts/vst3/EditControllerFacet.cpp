@@ -270,8 +270,7 @@ void EditControllerFacet::ChooseProgram(int32 program)
         return;
     firstProgramChosen = program == 1;
     adapter.Plugin().presets.LoadFactoryPreset(program - 1);
-    if (handler != nullptr)
-        handler->restartComponent(kParamValuesChanged);
+    adapter.Plugin().ReportChanges();
 }
 
 tresult EditControllerFacet::setComponentHandler(IComponentHandler* newHandler)

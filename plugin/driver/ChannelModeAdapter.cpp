@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 #include "audio/stages/ChannelRouting.h"
 #include "plugin/driver/MAudioPlugin.h"
@@ -26,8 +25,7 @@ ChannelModeAdapter::ChannelModeAdapter(MAudioPlugin& owner) : driver(owner)
 {
     plugin = &owner;
     owned = false;
-    sortKey =
-        std::numeric_limits<std::int32_t>::max();   // projects keep numbers: behind all that will ever come
+    sortKey = SortKey;
 }
 
 void ChannelModeAdapter::SetValue(std::int32_t sub, double value01, bool silent)

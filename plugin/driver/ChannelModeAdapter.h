@@ -12,6 +12,9 @@ class MAudioPlugin;
 class ChannelModeAdapter : public AutomationAdapter
 {
 public:
+    /// Behind the effect's own parameters, in front of those of the standard layer.
+    static constexpr std::int32_t SortKey = 1;
+
     explicit ChannelModeAdapter(MAudioPlugin& plugin);
 
     void SetValue(std::int32_t sub, double value01, bool silent) override;

@@ -264,6 +264,12 @@ void MAudioEffectPluginToAudioPluginAdapter::StoreSettings(const MStoreParams& p
     presets.StoreCurrentIndex(params);
     interpolator.SkipNextRamp();
     environment.changes.Mark(Change::Settings);
+    // A state comes from the host, which reads the values again by itself; a preset comes from inside.
+    if (params.scope == MStoreScope::Preset)
+    {
+        environment.changes.Mark(Change::SettingsInside);
+        environment.changes.Mark(Change::Preset);
+    }
     OnSettingsChanged();
     scope.Finish();
 }

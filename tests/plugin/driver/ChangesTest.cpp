@@ -240,7 +240,7 @@ TEST_F(Changes, AdaptersOfOthersOutliveThoseOfTheEffect)
     effect->SendToHost(HostCommand::RebuildParameters);
     EXPECT_TRUE(screen.Drain() && screen.Has(Change::ParameterList));
     MString name;
-    plugin.GetParameterName(name, TestEffect::Count);
+    plugin.GetParameterName(name, TestEffect::Count + 1);
     EXPECT_EQ(name.ToUTF8(), "Kept");
     EXPECT_EQ(plugin.FindParameter(id), TestEffect::Choice);
     effect->SendToHost(HostCommand::DestroyTemporaryAdapters);
