@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "effect/AutoEqSettings.h"
 
-#include <array>
-
 #include "control/values/MValueFrequency.h"
 #include "control/values/MValueQuantities.h"
 #include "state/tree/StoredNode.h"
@@ -24,10 +22,4 @@ void AutoEqSettings::Store(const MStoreParams& params)
     std::int32_t algorithm = adaptionAlgorithm;
     node.Always("AdaptionAlgorithm", algorithm);
     adaptionAlgorithm = algorithm == MFAOptimized ? MFAOptimized : MFADefault;
-}
-
-const char* AlgorithmLabel(MFAAlgorithm algorithm)
-{
-    static constexpr std::array labels = { "Default", "Optimized" };
-    return labels[static_cast<std::size_t>(algorithm)];
 }

@@ -5,6 +5,7 @@
 
 #include "control/envelope/MEnvelope.h"
 #include "effect/FilterFitter.h"
+#include "foundation/text/MEnumLabels.h"
 #include "foundation/threads/MRelaxed.h"
 
 struct MStoreParams;
@@ -27,5 +28,8 @@ struct AutoEqSettings
     void Store(const MStoreParams& params);
 };
 
-/// "Default", "Optimized".
-const char* AlgorithmLabel(MFAAlgorithm algorithm);
+template <>
+struct MEnumLabels<MFAAlgorithm>
+{
+    static constexpr const char* Labels[] = { "Default", "Optimized" };
+};

@@ -80,8 +80,8 @@ void AnalyzerSettings::Store(const MStoreParams& params)
     node.Optional("Gain", gain, 0.0);
     node.Optional("Deharmonize", deharmonize, 0.0);
     node.Optional("Decay", decay, 0.0);
-    node.Label("AnalyzerChannelMode", channelMode, SpectralAnalyzerChannelModeNames, ChannelModeMix,
-               ChannelModeMix);
+    node.Label("AnalyzerChannelMode", channelMode, MEnumLabels<MSpectralAnalyzerChannelMode>::Labels,
+               ChannelModeMix, ChannelModeMix);
     node.Optional("Normalize", normalize, true);
     node.Optional("Freeze", freeze, false);
     node.Optional("SuperResolution", superResolution, false);

@@ -6,6 +6,7 @@
 
 #include "audio/analyzer/AnalyzerClient.h"
 #include "control/envelope/MEnvelope.h"
+#include "foundation/text/MEnumLabels.h"
 #include "foundation/text/MString.h"
 #include "foundation/threads/MRelaxed.h"
 #include "state/tree/MStoreParams.h"
@@ -20,8 +21,12 @@ enum MSpectralAnalyzerChannelMode : std::int32_t
     ChannelModeMix = 2,
     ChannelModeLeftAndRight = 3
 };
-inline constexpr std::array<const char*, 4> SpectralAnalyzerChannelModeNames = { "Left", "Right", "Mix",
-                                                                                 "Left and right" };
+
+template <>
+struct MEnumLabels<MSpectralAnalyzerChannelMode>
+{
+    static constexpr const char* Labels[] = { "Left", "Right", "Mix", "Left and right" };
+};
 
 class StoredNode;
 

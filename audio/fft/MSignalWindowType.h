@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "foundation/text/MEnumLabels.h"
+
 /// A window: its shape and the array that it fills. Shapes run over x = i / (size - 1).
 class MSignalWindowType
 {
@@ -51,4 +53,10 @@ private:
     std::int32_t size = 0;
     float sum = 0;
     float sumOfSquares = 0;
+};
+
+template <>
+struct MEnumLabels<MSignalWindowType::Type>
+{
+    static constexpr auto& Labels = MSignalWindowType::Names;
 };

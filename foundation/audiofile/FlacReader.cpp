@@ -13,9 +13,8 @@
 
 namespace
 {
-constexpr float FullScale32 = 4.6566134e-10f;   // 1 / 2147483647
-// Chosen: digital silence, the best case of the format, decodes to some 2300 times its size.
-constexpr std::int64_t MostBytesPerFileByte = 4096;
+// The best case of the format: a frame of 65535 times the same 8 channels takes 34 bytes.
+constexpr std::int64_t MostBytesPerFileByte = 65536;
 // Usual material takes a third or more of its plain size; this is the room made on the header's word alone.
 constexpr std::int64_t TrustedBytesPerFileByte = 16;
 
@@ -171,15 +170,14 @@ private:
         const auto count = static_cast<std::int32_t>(header.blocksize);
         if (!decoded->Append(count, out.data()))
             return FLAC__STREAM_DECODER_WRITE_STATUS_ABORT;
-        // To the full range of 32 bits first, so that full scale is the same for every depth.
-        const float factor =
-            static_cast<float>(std::int64_t{ 1 } << (bits < 32 ? 32 - bits : 0)) * FullScale32;
+        // The greatest sample is 1, as in files without compression, and in double as there.
+        const double factor = 1.0 / static_cast<double>((std::int64_t{ 1 } << (bits - 1)) - 1);
         for (std::size_t channel = 0; channel < static_cast<std::size_t>(channels); ++channel)
         {
             const FLAC__int32* source = samples[channel];
             float* channelOut = out[channel];
             for (std::int32_t i = 0; i < count; ++i)
-                channelOut[i] = static_cast<float>(source[i]) * factor;
+                channelOut[i] = static_cast<float>(source[i] * factor);
         }
         return FLAC__STREAM_DECODER_WRITE_STATUS_CONTINUE;
     }

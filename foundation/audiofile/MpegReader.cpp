@@ -152,11 +152,15 @@ std::int64_t AnnouncedSamples(mp3dec::binfile& source)
     return 0;
 }
 
-void Decode(AudioSampleBuffer& buffer, mp3dec::binfile& source, const LoadProgress& progress)
+using Extent = mp3dec::ampegdecoder::Extent;
+
+// False when frames follow behind the announced end: two files were joined, or the count is wrong.
+bool DecodeExtent(AudioSampleBuffer& buffer, mp3dec::binfile& source, Extent extent,
+                  const LoadProgress& progress)
 {
     const std::int64_t announced = AnnouncedSamples(source);
     mp3dec::ampegdecoder decoder;
-    if (!decoder.Open(source))
+    if (!decoder.Open(source, extent))
         ThrowInvalidContents("Error initializing MPEG decoder.");
     RequireChannels(decoder.Channels());
     if (!decoder.OpenForReading())
@@ -178,6 +182,8 @@ void Decode(AudioSampleBuffer& buffer, mp3dec::binfile& source, const LoadProgre
             ThrowInvalidContents("Error decompressing MPEG stream.");
         DeinterleaveSamples(block.data(), frameCount, layout, out.data());
     }
+    if (extent == Extent::Announced && decoder.HasMore())
+        return false;
     decoded.MoveTo(buffer);
     // The delay of encoder and decoder, up to some frames, isn't part of the audio.
     constexpr std::int64_t longestDelay = 4 * 1152;
@@ -185,6 +191,15 @@ void Decode(AudioSampleBuffer& buffer, mp3dec::binfile& source, const LoadProgre
         ThrowInvalidContents("The MPEG stream ends before its last frame.");
     buffer.sampleRate = decoder.SampleRate();
     buffer.bitsPerSample = 16;
+    return true;
+}
+
+void Decode(AudioSampleBuffer& buffer, mp3dec::binfile& source, const LoadProgress& progress)
+{
+    if (DecodeExtent(buffer, source, Extent::Announced, progress))
+        return;
+    source.Seek(0);
+    DecodeExtent(buffer, source, Extent::AllBytes, progress);
 }
 }   // namespace
 

@@ -11,10 +11,11 @@
 
 namespace
 {
-// Full scale of a positive integer sample is 1.
+// The greatest integer sample is 1. What is 24 bits wide has to come back the same when it is multiplied and
+// rounded: the nearest float is just near enough, and only a product in double is always that.
 constexpr float Scale8 = 1.0f / 127.0f;
 constexpr float Scale16 = 1.0f / 32767.0f;
-constexpr float Scale24 = 1.0f / 8388607.0f;
+constexpr double Scale24 = 1.0 / 8388607.0;
 constexpr float Scale32 = 4.6566134e-10f;   // 1 / 2147483647
 constexpr std::int32_t BlockBytes = 1 << 18;
 
@@ -22,7 +23,8 @@ constexpr std::int32_t BlockBytes = 1 << 18;
 struct Load8
 {
     static constexpr std::int32_t Size = 1;
-    static float At(const std::uint8_t* p) { return static_cast<float>(*p - 127) * Scale8; }
+    // Unsigned: 128 is silence.
+    static float At(const std::uint8_t* p) { return static_cast<float>(*p - 128) * Scale8; }
 };
 
 struct Load16
@@ -43,7 +45,7 @@ struct Load24
     {
         const auto bits =
             static_cast<std::uint32_t>(p[0] << 8 | p[1] << 16) | static_cast<std::uint32_t>(p[2]) << 24;
-        return static_cast<float>(static_cast<std::int32_t>(bits) >> 8) * Scale24;
+        return static_cast<float>((static_cast<std::int32_t>(bits) >> 8) * Scale24);
     }
 };
 

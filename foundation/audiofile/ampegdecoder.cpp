@@ -3,6 +3,7 @@
 
 #include <cstdio>
 #include <mutex>
+#include <vector>
 
 #include <mpg123.h>
 
@@ -63,14 +64,15 @@ ampegdecoder::ampegdecoder()
 
 ampegdecoder::~ampegdecoder() = default;
 
-bool ampegdecoder::Open(binfile& source)
+bool ampegdecoder::Open(binfile& source, Extent extent)
 {
     if (!handle)
         return false;
     file = &source;
     mpg123_handle* mpg = handle.get();
-    // Never prints, never resamples, and doesn't follow a stream that turns into another.
-    mpg123_param(mpg, MPG123_ADD_FLAGS, MPG123_QUIET | MPG123_NO_FRANKENSTEIN | MPG123_SKIP_ID3V2, 0.0);
+    // Never prints and never resamples. A stream that turns into one of another rate is refused in Read.
+    const long toTheEnd = extent == Extent::AllBytes ? MPG123_IGNORE_STREAMLENGTH : 0;
+    mpg123_param(mpg, MPG123_ADD_FLAGS, MPG123_QUIET | MPG123_SKIP_ID3V2 | toTheEnd, 0.0);
     mpg123_param(mpg, MPG123_REMOVE_FLAGS, MPG123_AUTO_RESAMPLE, 0.0);
     mpg123_replace_reader_handle(mpg, ReaderCallbacks::Read, ReaderCallbacks::Seek, nullptr);
     long rate = 0;
@@ -92,8 +94,15 @@ bool ampegdecoder::Open(binfile& source)
 bool ampegdecoder::OpenForReading()
 {
     mpg123_handle* mpg = handle.get();
-    return mpg123_format_none(mpg) == MPG123_OK &&
-           mpg123_format(mpg, sampleRate, channels, MPG123_ENC_SIGNED_16) == MPG123_OK;
+    // Every rate, so that a change of it is announced and nothing is converted.
+    const long* rates = nullptr;
+    std::size_t rateCount = 0;
+    mpg123_rates(&rates, &rateCount);
+    bool isSet = mpg123_format_none(mpg) == MPG123_OK;
+    for (std::size_t index = 0; index < rateCount; ++index)
+        isSet = isSet && mpg123_format(mpg, rates[index], MPG123_MONO | MPG123_STEREO,
+                                       MPG123_ENC_SIGNED_16) == MPG123_OK;
+    return isSet;
 }
 
 std::int32_t ampegdecoder::Read(void* buffer, std::int32_t size)
@@ -101,18 +110,42 @@ std::int32_t ampegdecoder::Read(void* buffer, std::int32_t size)
     std::size_t done = 0;
     const int status = mpg123_read(handle.get(), buffer, static_cast<std::size_t>(size), &done);
     RethrowFailure();
-    if (status == MPG123_NEW_FORMAT && done == 0)
+    if (status == MPG123_NEW_FORMAT)
     {
         long rate = 0;
         int encoding = 0;
         int channelCount = 0;
         mpg123_getformat(handle.get(), &rate, &channelCount, &encoding);
-        if (rate == sampleRate && channelCount == channels && encoding == MPG123_ENC_SIGNED_16)
-            return Read(buffer, size);   // the announcement of what was asked for
+        if (rate != sampleRate || channelCount != channels || encoding != MPG123_ENC_SIGNED_16)
+            ThrowInvalidContents("The MPEG stream changes its sample rate or channels.");
+        if (done == 0)   // the announcement of what was asked for
+            return Read(buffer, size);
     }
-    else if (status == MPG123_OK || status == MPG123_DONE)
-        return static_cast<std::int32_t>(done);
-    ThrowInvalidContents("Error decompressing MPEG stream.");
+    else if (status != MPG123_OK && status != MPG123_DONE)
+    {
+        ThrowInvalidContents("Error decompressing MPEG stream.");
+    }
+    return static_cast<std::int32_t>(done);
+}
+
+bool ampegdecoder::HasMore()
+{
+    constexpr std::int32_t RunBytes = 1 << 16;
+    std::vector<std::uint8_t> run(RunBytes);
+    std::uint32_t header = 0;
+    while (const std::int32_t got = std::max(file->Read(run.data(), RunBytes), 0))
+        for (std::int32_t index = 0; index < got; ++index)
+        {
+            header = header << 8 | run[static_cast<std::size_t>(index)];
+            // Sync 11 bits | version 2, 1 is none | layer 2, 0 is none | 1 | bit rate 4, 15 is none | rate 2,
+            // 3 is none
+            const bool isFrame = header >> 21 == 0x7FF && (header >> 19 & 3) != 1 &&
+                                 (header >> 17 & 3) != 0 && (header >> 12 & 15) != 15 &&
+                                 (header >> 10 & 3) != 3;
+            if (isFrame)
+                return true;
+        }
+    return false;
 }
 
 void ampegdecoder::RethrowFailure()

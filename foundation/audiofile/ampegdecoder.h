@@ -15,18 +15,27 @@ namespace mp3dec
 class ampegdecoder
 {
 public:
+    /// How far to decode: as the stream's first frame says, or as long as there are frames.
+    enum class Extent
+    {
+        Announced,
+        AllBytes
+    };
+
     ampegdecoder();
     ~ampegdecoder();
     ampegdecoder(const ampegdecoder&) = delete;
     ampegdecoder& operator=(const ampegdecoder&) = delete;
 
     /// Finds the first frame. The file stays in use until the decoder goes. False where there is none.
-    bool Open(binfile& source);
+    bool Open(binfile& source, Extent extent = Extent::Announced);
     /// Settles on 16-bit samples in the stream's own rate and channels, before the first Read.
     bool OpenForReading();
     /// Answers the bytes written, 0 at the end. Throws MException "Error decompressing MPEG stream." for
-    /// damaged data and for a format that changes on the way.
+    /// damaged data, and "The MPEG stream changes its sample rate or channels.".
     std::int32_t Read(void* buffer, std::int32_t size);
+    /// At the end: whether the file goes on with something like a frame. Reads it to its end.
+    bool HasMore();
 
     std::int32_t SampleRate() const { return sampleRate; }
     std::int32_t Channels() const { return channels; }

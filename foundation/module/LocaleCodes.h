@@ -2,7 +2,7 @@
 #pragma once
 
 // The codes of ISO 639-1 (languages) and ISO 3166-1 (countries) with their English names, in the order of
-// the names. Names are ASCII, so that they can be literals.
+// the names. Names are ASCII, so that they can be literals. Made by scripts/make-tables --locale.
 
 // clang-format off
 #define TONALIGN_LANGUAGES(X) \
@@ -205,7 +205,6 @@
     X(AR, "Argentina") \
     X(AM, "Armenia") \
     X(AW, "Aruba") \
-    X(SH, "Ascension and Tristan da Cunha Saint Helena") \
     X(AU, "Australia") \
     X(AT, "Austria") \
     X(AZ, "Azerbaijan") \
@@ -377,6 +376,7 @@
     X(RU, "Russian Federation") \
     X(RW, "Rwanda") \
     X(BL, "Saint Barthelemy") \
+    X(SH, "Saint Helena, Ascension and Tristan da Cunha") \
     X(KN, "Saint Kitts and Nevis") \
     X(LC, "Saint Lucia") \
     X(MF, "Saint Martin") \

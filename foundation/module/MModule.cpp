@@ -16,6 +16,7 @@
 #include "foundation/text/Boundary.h"
 #include "foundation/text/MException.h"
 #include "foundation/text/MStringFormat.h"
+#include "foundation/text/PathText.h"
 
 namespace
 {
@@ -28,12 +29,12 @@ std::array<std::atomic<void*>, MLibraryPointers::FunctionCount> sharedFunctions{
 
 fs::path SystemPath(const MString& path)
 {
-    return path.ToUTF8();
+    return PathBytes(path);
 }
 
 MString Text(const fs::path& path)
 {
-    return MString::FromUTF8(path.string());
+    return PathText(path.native());
 }
 
 MString MadeFolder(const MString& subPath)
@@ -42,7 +43,7 @@ MString MadeFolder(const MString& subPath)
     std::string path = (SystemPath(base) / SystemPath(subPath).relative_path()).lexically_normal().string();
     while (path.size() > 1 && path.back() == '/')
         path.pop_back();
-    const MString folder = MString::FromUTF8(path);
+    const MString folder = PathText(path);
     MFile::CreatePath(folder);
     return folder;
 }

@@ -5,27 +5,24 @@
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
+#include <fstream>
 #include <string>
+#include <string_view>
 
 #include <spawn.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "foundation/streams/TemporaryName.h"
 #include "foundation/text/Boundary.h"
 #include "foundation/text/LetterFolding.h"
 #include "foundation/text/MException.h"
 #include "foundation/text/MStringFormat.h"
+#include "foundation/text/PathText.h"
 
 namespace
 {
-std::string SystemPath(const MString& path)
-{
-    std::string bytes = path.ToUTF8();
-    std::replace(bytes.begin(), bytes.end(), '\\', '/');
-    return bytes;
-}
-
 [[noreturn]] void ThrowSystemError(const MString& text, int errorNumber)
 {
     throw MException(text + " " + SystemErrorText(errorNumber));
@@ -116,17 +113,44 @@ bool IsAddress(const MString& path)
     return path.Find("://") > 0 || path.Find("mailto:") == 0;
 }
 
+// File systems of other systems let every file be executed, documents too: what begins like neither a binary
+// nor a script is no program.
 bool IsProgram(const std::string& path)
 {
-    return !IsDirectory(path) && access(path.c_str(), X_OK) == 0;
+    if (IsDirectory(path) || access(path.c_str(), X_OK) != 0)
+        return false;
+    char start[4] = {};
+    std::ifstream(path, std::ios::binary).read(start, sizeof start);
+    const std::string_view bytes(start, sizeof start);
+    return bytes == "\177ELF" || bytes.substr(0, 2) == "#!";
+}
+
+// A copy beside the target first, so that the target is there as a whole or not at all.
+void MoveAcrossFileSystems(const std::string& from, const std::string& to)
+{
+    namespace fs = std::filesystem;
+    constexpr auto Options = fs::copy_options::recursive | fs::copy_options::copy_symlinks;
+    const fs::path temporary = fs::path(to).parent_path() / TemporaryName();
+    try
+    {
+        fs::copy(from, temporary, Options);
+        fs::rename(temporary, to);
+    }
+    catch (...)
+    {
+        std::error_code ignored;
+        fs::remove_all(temporary, ignored);
+        throw;
+    }
+    fs::remove_all(from);
 }
 }   // namespace
 
 void MFile::CreatePath(const MString& path)
 {
     std::error_code error;
-    std::filesystem::create_directories(SystemPath(path), error);
-    if (!error && !IsDirectory(SystemPath(path)))
+    std::filesystem::create_directories(PathBytes(path), error);
+    if (!error && !IsDirectory(PathBytes(path)))
         error = std::make_error_code(std::errc::not_a_directory);
     if (error)
         ThrowSystemError(Format("Could not create path \"{0}\".", path), error.value());
@@ -134,29 +158,39 @@ void MFile::CreatePath(const MString& path)
 
 void MFile::Rename(const MString& from, const MString& to)
 {
-    if (std::rename(SystemPath(from).c_str(), SystemPath(to).c_str()) != 0)
+    int errorNumber = std::rename(PathBytes(from).c_str(), PathBytes(to).c_str()) == 0 ? 0 : errno;
+    if (errorNumber == EXDEV)
     {
-        const int errorNumber = errno;
-        ThrowSystemError(Format("Could not rename file \"{0}\" to \"{1}\".", from, to), errorNumber);
+        try
+        {
+            MoveAcrossFileSystems(PathBytes(from), PathBytes(to));
+            return;
+        }
+        catch (const std::filesystem::filesystem_error& error)
+        {
+            errorNumber = error.code().value();
+        }
     }
+    if (errorNumber != 0)
+        ThrowSystemError(Format("Could not rename file \"{0}\" to \"{1}\".", from, to), errorNumber);
 }
 
 void MFile::Delete(const MString& path)
 {
-    CheckSuccess(unlink(SystemPath(path).c_str()) == 0, "Could not delete file \"{0}\".", path);
+    CheckSuccess(unlink(PathBytes(path).c_str()) == 0, "Could not delete file \"{0}\".", path);
 }
 
 void MFile::RemoveDirectory(const MString& path)
 {
-    CheckSuccess(rmdir(SystemPath(path).c_str()) == 0, "Could not remove directory \"{0}\".", path);
+    CheckSuccess(rmdir(PathBytes(path).c_str()) == 0, "Could not remove directory \"{0}\".", path);
 }
 
 void MFile::DeleteTree(const MString& path)
 {
     errno = ENOTDIR;
-    CheckSuccess(IsDirectory(SystemPath(path)), "Could not remove directory \"{0}\".", path);
+    CheckSuccess(IsDirectory(PathBytes(path)), "Could not remove directory \"{0}\".", path);
     std::error_code error;
-    std::filesystem::remove_all(SystemPath(path), error);
+    std::filesystem::remove_all(PathBytes(path), error);
     if (error)
         ThrowSystemError(Format("Could not remove directory \"{0}\".", path), error.value());
 }
@@ -165,7 +199,7 @@ bool MFile::Exists(const MString& path) noexcept
 {
     try
     {
-        return access(SystemPath(path).c_str(), F_OK) == 0;
+        return access(PathBytes(path).c_str(), F_OK) == 0;
     }
     catch (...)
     {
@@ -179,13 +213,13 @@ int MFile::Execute(const MString& path, const MString& parameters, const MString
     const bool isAddress = IsAddress(path);
     errno = ENOENT;
     CheckSuccess(isAddress || Exists(path), "Could not execute file \"{0}\".", path);
-    std::string target = path.ToUTF8();
+    std::string target = PathBytes(path);
     if (!isAddress)   // absolute, so that neither the working folder nor PATH matters
-        target = std::filesystem::absolute(SystemPath(path)).string();
+        target = std::filesystem::absolute(PathBytes(path)).string();
     const bool isProgram = !isAddress && IsProgram(target);
     const char* script = isProgram ? (waitForEnd ? runAndWait : runInBackground)
                                    : (waitForEnd ? openAndWait : openInBackground);
-    const int result = RunScript(script, target, parameters.ToUTF8(), SystemPath(folder));
+    const int result = RunScript(script, target, parameters.ToUTF8(), PathBytes(folder));
     if (result < 0 || result == CannotStart)
         ThrowSystemError(Format("Could not execute file \"{0}\".", path), result < 0 ? -result : ENOENT);
     return waitForEnd ? result : 0;
@@ -238,12 +272,12 @@ MFileIterator::MFileIterator(const MString& path, const MString& filter, int fla
 void MFileIterator::ListFolder(const MString& path, const MString& filter, bool withDirectories)
 {
     std::error_code error;
-    std::filesystem::directory_iterator item(SystemPath(path), error);
+    std::filesystem::directory_iterator item(PathBytes(path), error);
     for (; !error && item != std::filesystem::directory_iterator(); item.increment(error))
     {
         std::error_code ignored;   // an entry that vanished meanwhile is a file without properties
         const bool isDirectory = item->is_directory(ignored);
-        const MString name = MString::FromUTF8(item->path().filename().string());
+        const MString name = PathText(item->path().filename().native());
         if ((withDirectories || !isDirectory) && (filter.IsEmpty() || MatchesFilter(name, filter)))
             entries.Add({ name, isDirectory });
     }
@@ -253,6 +287,6 @@ void MFileIterator::ListFolder(const MString& path, const MString& filter, bool 
               [](const Entry& a, const Entry& b)
               {
                   const int order = MString::CompareNoCase(a.name, b.name);
-                  return order != 0 ? order < 0 : a.name.ToUTF8() < b.name.ToUTF8();
+                  return order != 0 ? order < 0 : PathBytes(a.name) < PathBytes(b.name);
               });
 }

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "foundation/streams/MSafeFileStream.h"
 
-#include <atomic>
 #include <cerrno>
 #include <cstdlib>
 #include <memory>
@@ -10,8 +9,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "foundation/streams/TemporaryName.h"
 #include "foundation/text/MException.h"
 #include "foundation/text/MStringFormat.h"
+#include "foundation/text/PathText.h"
 
 namespace
 {
@@ -21,14 +22,13 @@ std::string ResolveLinks(const std::string& path)
     return resolved != nullptr ? resolved.get() : path;
 }
 
-// The process and a counter make the name unique; what another program left there is passed over.
+// What another program left there is passed over.
 int CreateBeside(const std::string& path, std::string& temporaryPath)
 {
-    static std::atomic<unsigned> counter = 0;
     constexpr int AttemptCount = 100;
     for (int attempt = 0; attempt < AttemptCount; ++attempt)
     {
-        temporaryPath = path + "." + std::to_string(getpid()) + "-" + std::to_string(counter++) + ".tmp";
+        temporaryPath = path.substr(0, path.rfind('/') + 1) + TemporaryName();
         const int descriptor = open(temporaryPath.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
         if (descriptor >= 0 || errno != EEXIST)
             return descriptor;
@@ -37,7 +37,7 @@ int CreateBeside(const std::string& path, std::string& temporaryPath)
 }
 }   // namespace
 
-MSafeFileStream::MSafeFileStream(const MString& target) : targetPath(ResolveLinks(target.ToUTF8()))
+MSafeFileStream::MSafeFileStream(const MString& target) : targetPath(ResolveLinks(PathBytes(target)))
 {
     struct stat information = {};
     const bool exists = stat(targetPath.c_str(), &information) == 0;

@@ -9,6 +9,7 @@
 
 #include "foundation/text/MException.h"
 #include "foundation/text/MStringFormat.h"
+#include "foundation/text/PathText.h"
 
 namespace
 {
@@ -43,7 +44,7 @@ void MStdFileStream::Open(const MString& newPath, int flags)
     Close();
     if (newPath.IsEmpty())
         return;
-    const std::string name = newPath.ToUTF8();
+    const std::string name = PathBytes(newPath);
     if ((flags & CreateFile) != 0)
     {
         std::FILE* created = Create(name);

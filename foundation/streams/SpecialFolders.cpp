@@ -12,6 +12,7 @@
 
 #include "foundation/streams/MFile.h"
 #include "foundation/text/MException.h"
+#include "foundation/text/PathText.h"
 
 namespace
 {
@@ -156,5 +157,5 @@ MString MFile::GetSpecialFolder(int kind)
     std::string path = fs::path(FolderOf(kind)).lexically_normal().string();
     while (path.size() > 1 && path.back() == '/')
         path.pop_back();
-    return MString::FromUTF8(path);
+    return PathText(path);
 }

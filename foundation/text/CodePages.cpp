@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The published mappings of the 8-bit code pages to Unicode with their names in the IANA registry of
-// character sets. Generated from the codecs of the Python standard library. U+FFFD: no character.
+// character sets. Made by scripts/make-tables from Python's codecs. U+FFFD: no character.
 #include "foundation/text/Codecs.h"
 
 // clang-format off

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Generated from the canonical decompositions of the Unicode Character Database 3.2: every precomposed
-// character of the Basic Multilingual Plane from U+00C0 on (without Hangul syllables and U+0344, which is
-// made of marks only) with the base character that is left when all its marks are taken off.
+// Made by scripts/make-tables from the canonical decompositions of the Unicode Character Database 3.2: every
+// precomposed character of the Basic Multilingual Plane from U+00C0 on (without Hangul syllables and U+0344,
+// which is made of marks only) with the base character that is left when all its marks are taken off.
 #include "foundation/text/LetterFolding.h"
 
 // clang-format off

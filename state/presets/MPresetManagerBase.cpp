@@ -10,6 +10,7 @@
 #include "foundation/streams/MFile.h"
 #include "foundation/text/Boundary.h"
 #include "foundation/text/MStringFormat.h"
+#include "foundation/text/PathText.h"
 #include "foundation/text/Translate.h"
 #include "state/tree/StoredNode.h"
 #include "state/tree/XML.h"
@@ -205,9 +206,9 @@ MString MPresetManagerBase::GetPresetFileName()
     const MString file = prefix + "presets.xml";
     const MString folder = MFile::GetSpecialFolder(MFile::UserData);
     const MString path = folder + "/" + file;
-    std::string parent = folder.ToUTF8();
+    std::string parent = PathBytes(folder);
     parent.resize(parent.rfind('/'));
-    const MString earlier = MString::FromUTF8(parent) + "/" + file;
+    const MString earlier = PathText(parent) + "/" + file;
     if (MFile::Exists(earlier))
         MergeEarlierFile(earlier, path);
     return path;

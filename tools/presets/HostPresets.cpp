@@ -7,6 +7,7 @@
 
 #include "foundation/text/MException.h"
 #include "foundation/text/MStringFormat.h"
+#include "foundation/text/PathText.h"
 #include "hosts/module/CreateInstance.h"
 #include "hosts/module/HostPresetFile.h"
 
@@ -31,6 +32,6 @@ void WriteVst3Presets(const std::string& folder)
         std::ofstream file(path, std::ios::binary);
         file << HostPresetFile::Make(HostPresetFile::Format::Vst3, *plugin, name);
         if (!file.flush())
-            throw MException(Format("File \"{0}\" could not be created.", MString::FromUTF8(path)));
+            throw MException(Format("File \"{0}\" could not be created.", PathText(path)));
     }
 }

@@ -8,6 +8,7 @@
 #include <iterator>
 
 #include "foundation/text/MException.h"
+#include "foundation/text/PathText.h"
 #include "state/tree/XML.h"
 #include "tools/presets/FactoryPresets.h"
 #include "tools/presets/HostPresets.h"
@@ -32,7 +33,7 @@ int main(int argumentCount, char** arguments)
         const std::string text{ std::istreambuf_iterator<char>(file), {} };
         MAttribute root;
         MakeFactoryPresets(ParseFactoryPresets(text, arguments[1]), root);
-        SaveXML(root, MString::FromUTF8(arguments[2]), true, "utf-8");
+        SaveXML(root, PathText(arguments[2]), true, "utf-8");
         return 0;
     }
     catch (const MException& error)

@@ -8,6 +8,7 @@
 
 #include "foundation/streams/MSafeFileStream.h"
 #include "foundation/text/MException.h"
+#include "foundation/text/PathText.h"
 #include "tools/resources/ResourceBlock.h"
 
 int main(int argumentCount, char** arguments)
@@ -28,7 +29,7 @@ int main(int argumentCount, char** arguments)
         const std::string folder = std::filesystem::absolute(description).parent_path().string();
         const std::string block = MakeResourceBlock(ParseResourceLines(text, description), folder);
         const std::string content = output.ends_with(".cpp") ? MakeResourceSource(block) : block;
-        MSafeFileStream target(MString::FromUTF8(output));
+        MSafeFileStream target(PathText(output));
         target.Write(content.data(), static_cast<std::int32_t>(content.size()));
         target.Commit();
         return 0;

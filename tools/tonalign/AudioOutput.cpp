@@ -8,6 +8,7 @@
 
 #include "foundation/text/MException.h"
 #include "foundation/text/MStringFormat.h"
+#include "foundation/text/PathText.h"
 
 struct AudioOutput::Handle
 {
@@ -49,11 +50,11 @@ AudioOutput::AudioOutput(const std::string& path, const OutputFormat& outputForm
     info.format = LibraryFormat(format);
     if (sf_format_check(&info) == 0)
         throw MException(Format("File \"{0}\" could not be created. Its format doesn't take these samples.",
-                                MString::FromUTF8(path)),
+                                PathText(path)),
                          MErrorCode::CannotOpen);
     handle->file = sf_open_fd(file.Descriptor(), SFM_WRITE, &info, SF_FALSE);
     if (handle->file == nullptr)
-        throw MException(Format("File \"{0}\" could not be created. {1}", MString::FromUTF8(path),
+        throw MException(Format("File \"{0}\" could not be created. {1}", PathText(path),
                                 MString::FromUTF8(sf_strerror(nullptr))),
                          MErrorCode::CannotOpen);
     // The peak chunk holds a time stamp, and the same work should give the same bytes.
@@ -65,9 +66,9 @@ AudioOutput::~AudioOutput() = default;
 void AudioOutput::CheckWritten(std::int64_t written, std::int64_t wanted) const
 {
     if (written != wanted)
-        throw MException(Format("Error writing to file \"{0}\". Probably disk full.",
-                                MString::FromUTF8(file.TargetPath())),
-                         MErrorCode::Content);
+        throw MException(
+            Format("Error writing to file \"{0}\". Probably disk full.", PathText(file.TargetPath())),
+            MErrorCode::Content);
 }
 
 void AudioOutput::Write(const float* const* channels, std::int32_t frames)

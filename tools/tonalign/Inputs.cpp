@@ -8,6 +8,7 @@
 #include "foundation/streams/MStdFileStream.h"
 #include "foundation/text/MException.h"
 #include "foundation/text/MStringFormat.h"
+#include "foundation/text/PathText.h"
 #include "state/tree/MAttribute.h"
 #include "state/tree/XML.h"
 
@@ -30,7 +31,7 @@ constexpr double frameLength = 4096;
 double FullScaleOf(const std::string& path, const AudioSampleBuffer& buffer)
 {
     char magic[4] = {};
-    MStdFileStream file(MString::FromUTF8(path), MStdFileStream::ReadAccess);
+    MStdFileStream file(PathText(path), MStdFileStream::ReadAccess);
     const bool isFlac = file.Read(magic, 4) == 4 && std::equal(magic, magic + 4, "fLaC");
     const double steps = buffer.bitsPerSample > 16 && !buffer.isFloatSource ? 8388608 : 32768;
     return isFlac ? steps : steps - 1;
@@ -41,7 +42,7 @@ void LoadAudioInput(AudioInput& input, const std::string& path, const std::funct
 {
     input.path = path;
     AudioSampleBuffer& buffer = input.buffer;
-    LoadAudioFile(buffer, MString::FromUTF8(path), { progress });
+    LoadAudioFile(buffer, PathText(path), { progress });
     if (!(buffer.sampleRate >= lowestRate && buffer.sampleRate <= highestRate))
         Refuse(Format("Its sample rate of {0} Hz is none from {1} to {2} Hz.",
                       static_cast<std::int64_t>(buffer.sampleRate), static_cast<int>(lowestRate),
@@ -77,21 +78,21 @@ InputKind DetectInput(const std::string& path)
     // mark.
     unsigned char first = 0;
     {
-        MStdFileStream file(MString::FromUTF8(path), MStdFileStream::ReadAccess);
+        MStdFileStream file(PathText(path), MStdFileStream::ReadAccess);
         if (file.Read(&first, 1) != 1)
             return InputKind::Audio;
     }
     if (first != 0x78 && first != '<' && first != 0xEF)
         return InputKind::Audio;
     MAttribute tree;
-    LoadXML(tree, MString::FromUTF8(path));
+    LoadXML(tree, PathText(path));
     return tree.Name().EqualsNoCase("settings") ? InputKind::State : InputKind::Analysis;
 }
 
 AnalysisArray LoadCheckedAnalysis(const std::string& path)
 {
     MAttribute tree;
-    LoadXML(tree, MString::FromUTF8(path));
+    LoadXML(tree, PathText(path));
     if (tree.Text().Length() != static_cast<int>(2 * sizeof(AnalysisArray)))
         Refuse("The analysis is damaged: it doesn't hold 1024 points.");
     const AnalysisArray analysis = ReadAnalysis(tree);

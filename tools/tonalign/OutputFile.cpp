@@ -13,13 +13,14 @@
 
 #include "foundation/text/MException.h"
 #include "foundation/text/MStringFormat.h"
+#include "foundation/text/PathText.h"
 
 namespace
 {
 [[noreturn]] void FailToCreate(const std::string& path, const char* reason)
 {
     throw MException(
-        Format("File \"{0}\" could not be created. {1}.", MString::FromUTF8(path), MString::FromUTF8(reason)),
+        Format("File \"{0}\" could not be created. {1}.", PathText(path), MString::FromUTF8(reason)),
         MErrorCode::CannotOpen);
 }
 // The folder with its slash, empty for the present one.
@@ -80,9 +81,8 @@ OutputFile::~OutputFile()
 
 void OutputFile::FailToWrite() const
 {
-    throw MException(
-        Format("Error writing to file \"{0}\". Probably disk full.", MString::FromUTF8(targetPath)),
-        MErrorCode::Content);
+    throw MException(Format("Error writing to file \"{0}\". Probably disk full.", PathText(targetPath)),
+                     MErrorCode::Content);
 }
 
 void OutputFile::Write(const void* bytes, std::size_t size)

@@ -6,6 +6,7 @@
 
 #include "foundation/streams/MMemoryStream.h"
 #include "foundation/text/MException.h"
+#include "foundation/text/PathText.h"
 #include "hosts/module/HostPresetFile.h"
 #include "plugin/driver/PluginState.h"
 #include "state/tree/MAttribute.h"
@@ -291,7 +292,7 @@ void Session::LoadStateFrom(const std::string& path)
            [&]
            {
                MAttribute tree;
-               LoadXML(tree, MString::FromUTF8(path));
+               LoadXML(tree, PathText(path));
                if (!tree.Name().EqualsNoCase("settings"))
                    throw MException("The file is not a plug-in state.", MErrorCode::Content);
                host.Plugin().Store({ .saving = 0, .item = &tree });

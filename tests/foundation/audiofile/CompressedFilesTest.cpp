@@ -69,7 +69,8 @@ FLAC__StreamEncoderTellStatus TellFlac(const FLAC__StreamEncoder*, FLAC__uint64*
     return FLAC__STREAM_ENCODER_TELL_STATUS_OK;
 }
 
-FileBytes FlacFile(int channels, int bits, int frames, int sampleRate)
+FileBytes FlacFile(int channels, int bits, int frames, int sampleRate, std::uint32_t blockSize = 1024,
+                   bool isSilent = false)
 {
     MemoryFile file;
     FLAC__StreamEncoder* encoder = FLAC__stream_encoder_new();
@@ -77,12 +78,12 @@ FileBytes FlacFile(int channels, int bits, int frames, int sampleRate)
     FLAC__stream_encoder_set_bits_per_sample(encoder, static_cast<std::uint32_t>(bits));
     FLAC__stream_encoder_set_sample_rate(encoder, static_cast<std::uint32_t>(sampleRate));
     FLAC__stream_encoder_set_streamable_subset(encoder, 0);
-    FLAC__stream_encoder_set_blocksize(encoder, 1024);
+    FLAC__stream_encoder_set_blocksize(encoder, blockSize);
     FLAC__stream_encoder_init_stream(encoder, WriteFlac, SeekFlac, TellFlac, nullptr, &file);
     std::vector<FLAC__int32> interleaved;
     for (int frame = 0; frame < frames; ++frame)
         for (int channel = 0; channel < channels; ++channel)
-            interleaved.push_back(static_cast<FLAC__int32>(TestInteger(frame, channel, bits)));
+            interleaved.push_back(isSilent ? 0 : static_cast<FLAC__int32>(TestInteger(frame, channel, bits)));
     EXPECT_TRUE(FLAC__stream_encoder_process_interleaved(encoder, interleaved.data(),
                                                          static_cast<std::uint32_t>(frames)));
     EXPECT_TRUE(FLAC__stream_encoder_finish(encoder));
@@ -102,17 +103,32 @@ TEST(Flac, ReadsEveryDepthAtTheSameFullScale)
             EXPECT_EQ(buffer.validFrames, 5000);
             EXPECT_EQ(buffer.sampleRate, 44100.0);
             EXPECT_EQ(buffer.bitsPerSample, bits);
-            // Full scale is 2^(bits - 1) here and a step less in the test signal; half a step of rounding.
-            const double tolerance = 1.6 / std::ldexp(1.0, bits - 1) + 2e-7;
+            const double fullScale = std::ldexp(1.0, bits - 1) - 1;
             for (int channel = 0; channel < channels; ++channel)
             {
                 const float* samples = buffer.channelData[static_cast<std::size_t>(channel)];
                 EXPECT_EQ(samples[-1], 0.0f);
                 EXPECT_EQ(samples[5000], 0.0f);
                 for (int frame = 0; frame < 5000; ++frame)
-                    ASSERT_NEAR(samples[frame], TestSample(frame, channel), tolerance) << frame;
+                    ASSERT_EQ(std::nearbyint(samples[frame] * fullScale), TestInteger(frame, channel, bits))
+                        << frame;
             }
         }
+}
+
+// Long blocks of silence are what the format compresses best.
+TEST(Flac, ReadsBlocksOfEveryLength)
+{
+    for (const std::uint32_t blockSize : { 16u, 4608u, 16384u, 65535u })
+        for (const int channels : { 1, 8 })
+            for (const bool isSilent : { false, true })
+            {
+                SCOPED_TRACE(testing::Message() << blockSize << " " << channels << isSilent);
+                const AudioSampleBuffer buffer =
+                    Load(LoadFlac, FlacFile(channels, 16, 500000, 44100, blockSize, isSilent));
+                EXPECT_EQ(buffer.frames, 500000);
+                EXPECT_NEAR(buffer.channelData[0][499999], isSilent ? 0.0 : TestSample(499999, 0), 2e-5);
+            }
 }
 
 TEST(Flac, RefusesWhatIsNotWhole)
@@ -247,6 +263,28 @@ TEST(Mpeg, DecodesAudioInEveryContainer)
     }
     program.Big(0x1B9, 4);
     ExpectSine(Load(LoadMpeg, program));
+}
+
+// Two files in one, and a count of frames that is too small, as tools leave behind that cut and join.
+TEST(Mpeg, PlaysToTheEndOfTheBytes)
+{
+    const FileBytes plain = SineMp3();
+    FileBytes announced = SineMp3("sine1k-info.mp3");   // at 32 kHz
+    EXPECT_EQ(Load(LoadMpeg, FileBytes(plain).Append(plain)).frames, 2 * Load(LoadMpeg, plain).frames);
+    const int announcedFrames = Load(LoadMpeg, announced).frames;
+    EXPECT_EQ(announcedFrames, 16000);   // without what the encoder added on both sides
+    const FileBytes tag = FileBytes().Text("ID3").Big(0x030000, 3).Big(10, 4).Text(std::string(10, '\0'));
+    for (const FileBytes& between : { FileBytes(), tag })
+        EXPECT_NEAR(Load(LoadMpeg, FileBytes(announced).Append(between).Append(announced)).frames,
+                    2 * announcedFrames, 4 * 1152);
+    EXPECT_EQ(Load(LoadMpeg, FileBytes(announced).Text("TAG").Text(std::string(125, ' '))).frames, 16000);
+    for (const auto& [first, second] : { std::pair{ plain, announced }, { announced, plain } })
+        EXPECT_EQ(Message(LoadMpeg, FileBytes(first).Append(second)),
+                  "Invalid file contents. The MPEG stream changes its sample rate or channels.");
+    constexpr std::size_t FrameCountAt = 21 + 8;   // behind "Info" and its flags
+    ASSERT_EQ(announced[FrameCountAt + 3], 15);
+    announced[FrameCountAt + 3] = 5;
+    EXPECT_NEAR(Load(LoadMpeg, announced).frames, announcedFrames, 2 * 1152);
 }
 
 TEST(Mpeg, RefusesWhatItCannotRead)

@@ -69,7 +69,7 @@ inline FileBytes WaveData(const WaveOptions& options)
             if (options.tag == 3 || options.extensibleTag == 3)
                 data.Little(std::bit_cast<std::uint32_t>(static_cast<float>(TestSample(frame, channel))), 4);
             else if (options.bits == 8)
-                data.Little(static_cast<std::uint64_t>(TestInteger(frame, channel, 8) + 127), 1);
+                data.Little(static_cast<std::uint64_t>(TestInteger(frame, channel, 8) + 128), 1);
             else
                 data.Little(static_cast<std::uint64_t>(TestInteger(frame, channel, options.bits)),
                             options.bits / 8);

@@ -4,16 +4,19 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "foundation/streams/MFile.h"
 #include "foundation/streams/MSafeFileStream.h"
 #include "foundation/text/MException.h"
+#include "foundation/text/PathText.h"
 
 namespace
 {
@@ -162,7 +165,7 @@ TEST_F(Files, AreReplacedWholeOrNotAtAll)
 
 TEST_F(Files, AreMovedAndRemoved)
 {
-    MFile::CreatePath(Path("a\\b/c"));
+    MFile::CreatePath(Path("a/b/c"));
     EXPECT_TRUE(MFile::Exists(Path("a/b/c")));
     MFile::CreatePath(Path("a/b/c"));
     Put("a/b/one.txt", "1");
@@ -195,6 +198,97 @@ TEST_F(Files, AreMovedAndRemoved)
     MFile::Delete(Path("outside/kept.txt"));
     MFile::RemoveDirectory(Path("outside"));
     EXPECT_EQ(EntryCount(), 0);
+}
+
+// A name is bytes: none is lost, none means anything but the slash, and up to 255 of them are allowed.
+TEST_F(Files, KeepEveryByteOfTheirNames)
+{
+    constexpr unsigned Seed = 161;
+    SCOPED_TRACE(Seed);
+    std::mt19937 random(Seed);
+    std::vector<std::string> names = { "a\\b.txt",
+                                       "\xE9t\xE9",
+                                       "\xEF\xBB\xBFmarked",
+                                       "\xC0\xAF",
+                                       "\xED\xB2\x80",
+                                       "\xF4\x90\x80\x80",
+                                       "\xF0\x9F\x8E\xB5\x80",
+                                       "\xF0\x9F\x8E",
+                                       " ",
+                                       std::string(255, 'x') };
+    for (int round = 0; round < 200; ++round)
+    {
+        std::string name(1 + random() % 12, ' ');
+        for (char& byte : name)
+            do
+                byte = static_cast<char>(random() % 4 == 0 ? random() % 128 : 128 + random() % 128);
+            while (byte == 0 || byte == '/');
+        if (name != "." && name != "..")
+            names.push_back(name);
+    }
+    for (const std::string& name : names)
+    {
+        SCOPED_TRACE(testing::PrintToString(name));
+        const MString path = PathText((folder / name).native());
+        EXPECT_EQ(PathBytes(path), (folder / name).native());
+        if (random() % 2 == 0)
+        {
+            MStdFileStream file(path, MStdFileStream::WriteAccess | MStdFileStream::CreateFile);
+            file.WriteText("content");
+        }
+        else
+        {
+            MSafeFileStream file(path);
+            file.WriteText("content");
+            file.Commit();
+        }
+        EXPECT_EQ(Content(name), "content");
+        MFileIterator found(PathText(folder.native()), "");
+        ASSERT_FALSE(found.IsEnd());
+        const MString listed = PathText(folder.native()) + "/" + found.Name();
+        EXPECT_EQ(listed, path);
+        EXPECT_EQ(MStdFileStream(listed, MStdFileStream::ReadAccess).GetSize(), 7);
+        MFile::Rename(listed, Path("renamed"));
+        MFile::Rename(Path("renamed"), listed);
+        EXPECT_TRUE(MFile::Exists(listed));
+        MFile::Delete(listed);
+        EXPECT_EQ(EntryCount(), 0);
+    }
+    // U+FFFF and other surrogates are in no file's name, but in a text they do no harm.
+    EXPECT_EQ(PathBytes(MString(std::u16string_view(u"a\xD800\xDC00\xD800"
+                                                    "b\xDFFF"))),
+              "a\xF0\x90\x80\x80"
+              "b");
+}
+
+TEST_F(Files, MoveToOtherFileSystems)
+{
+    struct stat here = {};
+    struct stat there = {};
+    const std::string other = "/dev/shm";
+    if (stat(folder.c_str(), &here) != 0 || stat(other.c_str(), &there) != 0 || here.st_dev == there.st_dev ||
+        access(other.c_str(), W_OK) != 0)
+        GTEST_SKIP() << "no second file system";
+    const fs::path outside = fs::path(other) / ("tonalign-test-" + std::to_string(getpid()));
+    Put("file", "content");
+    chmod((folder / "file").c_str(), 0640);
+    MFile::Rename(Path("file"), PathText(outside.native()));
+    EXPECT_EQ(EntryCount(), 0);
+    EXPECT_EQ(static_cast<int>(fs::status(outside).permissions()), 0640);
+    Put("file", "older");
+    MFile::Rename(PathText(outside.native()), Path("file"));
+    EXPECT_EQ(Content("file"), "content");
+    fs::create_directories(folder / "tree/inner");
+    Put("tree/inner/leaf", "leaf");
+    MFile::Rename(Path("tree"), PathText(outside.native()));
+    EXPECT_TRUE(fs::exists(outside / "inner/leaf"));
+    fs::remove_all(outside);
+    // What can't be moved stays where it is, and nothing is left there.
+    fs::create_directories(outside / "in the way");
+    EXPECT_THROW(MFile::Rename(Path("file"), PathText(outside.native())), MException);
+    EXPECT_EQ(Content("file"), "content");
+    EXPECT_EQ(std::distance(fs::directory_iterator(outside), fs::directory_iterator()), 1);
+    fs::remove_all(outside);
 }
 
 std::string ListOf(const MString& path, const MString& filter, int flags)
@@ -244,10 +338,18 @@ TEST_F(Files, AreOpenedByTheDesktop)
     fs::permissions(folder / "xdg-open", fs::perms::owner_all);
     setenv("PATH", (folder.string() + ":" + oldPath).c_str(), 1);
     MFile::Execute("https://example.org/?a=1&b=$HOME");
-    setenv("PATH", oldPath.c_str(), 1);
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
     while (!fs::exists(output) && std::chrono::steady_clock::now() < end)
         std::this_thread::yield();
     EXPECT_EQ(Content("opened"), "https://example.org/?a=1&b=$HOME");
+    // Where everything may be executed, a document is still a document, and a script a program.
+    Put("page.html", "exit 3\n");
+    Put("script", "#!/bin/sh\nexit $1\n");
+    for (const char* name : { "page.html", "script" })
+        fs::permissions(folder / name, fs::perms::owner_all);
+    EXPECT_EQ(MFile::Execute(Path("page.html"), "", "", true), 0);
+    EXPECT_EQ(Content("opened"), Path("page.html").ToUTF8());
+    EXPECT_EQ(MFile::Execute(Path("script"), "7", "", true), 7);
+    setenv("PATH", oldPath.c_str(), 1);
 }
 }   // namespace
