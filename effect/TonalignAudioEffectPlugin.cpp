@@ -112,8 +112,6 @@ std::int64_t TonalignAudioEffectPlugin::InitProcessing(std::int32_t channelCount
     alignedInputs.resize(static_cast<std::size_t>(channelGroups));
     for (std::vector<float>& buffer : alignedInputs)
         buffer.resize(std::max(buffer.size(), expectedBlock));
-    for (MArrayQueue<float>& queue : delayQueues)
-        queue.FillZero();
     return 0;
 }
 
@@ -155,15 +153,6 @@ void TonalignAudioEffectPlugin::Update()
         return;
     const MSynchronizerGuard guard(lock);
     equalizer.ApplyParameters();
-    const std::int32_t latency = GetLatency();
-    if (latency == cachedLatency)
-        return;
-    cachedLatency = latency;
-    for (MArrayQueue<float>& queue : delayQueues)
-    {
-        queue.Clear();
-        queue.PushZeros(latency);
-    }
 }
 
 void TonalignAudioEffectPlugin::Process(const MProcessContext&, float** inputs, float** outputs,
@@ -176,14 +165,15 @@ void TonalignAudioEffectPlugin::Process(const MProcessContext&, float** inputs, 
             MVector::Zero(outputs[channel], sampleCount);
         return;
     }
-    equalizer.Process(inputs, outputs, sampleCount, channelGroups);
+    const bool shown = IsAnalyzerShown();
     float** analysed = inputs;
-    if (!Analysing)
+    if (shown && !Analysing)
     {
         AlignInputs(inputs, sampleCount);
         analysed = alignedPointers.data();
     }
-    if (IsAnalyzerShown())
+    equalizer.Process(inputs, outputs, sampleCount, channelGroups);
+    if (shown)
     {
         analyzer.AnalyseOwn(analysed, sampleCount, channelGroups);
         analyzer.AnalyseClient(outputClient, outputs, sampleCount, channelGroups);
@@ -192,18 +182,16 @@ void TonalignAudioEffectPlugin::Process(const MProcessContext&, float** inputs, 
         analyzer.AnalyseClient(analysisClient, analysed, sampleCount, channelGroups);
 }
 
+/// The inputs as late as the outputs, so that the two curves belong together.
 void TonalignAudioEffectPlugin::AlignInputs(float** inputs, std::int32_t sampleCount)
 {
-    // The host's input stays as it is: some hosts hand the same memory to other plug-ins.
-    for (std::int32_t index = 0; index < channelGroups; ++index)
+    for (std::int32_t channel = 0; channel < channelGroups; ++channel)
     {
-        const auto channel = static_cast<std::size_t>(index);
-        std::vector<float>& buffer = alignedInputs[channel];
+        std::vector<float>& buffer = alignedInputs[static_cast<std::size_t>(channel)];
         if (buffer.size() < static_cast<std::size_t>(sampleCount))
             buffer.resize(static_cast<std::size_t>(sampleCount));
-        delayQueues[channel].Push(inputs[channel], sampleCount);
-        delayQueues[channel].Pull(buffer.data(), sampleCount);
-        alignedPointers[channel] = buffer.data();
+        equalizer.ReadDelayedInput(channel, inputs[channel], buffer.data(), sampleCount);
+        alignedPointers[static_cast<std::size_t>(channel)] = buffer.data();
     }
 }
 

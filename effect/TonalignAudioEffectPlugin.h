@@ -15,7 +15,6 @@
 #include "effect/MEqualizerProcessorPlugin.h"
 #include "effect/WorkProgress.h"
 #include "foundation/audiofile/AudioFile.h"
-#include "foundation/containers/MArrayQueue.h"
 #include "plugin/contract/MAudioEffectPlugin.h"
 
 /// The automatic equalizer: measures a target and a source, turns their difference into bands, and runs the
@@ -169,8 +168,6 @@ private:
     AnalyzerClient analysisClient;
     FilterFitter fitter;
     Interpolator smoothing;   // of compared analyses
-    std::array<MArrayQueue<float>, MaxChannels> delayQueues;
-    std::int32_t cachedLatency = 0;
     std::vector<std::vector<float>> alignedInputs;
     std::array<float*, MaxChannels> alignedPointers{};
     std::atomic<std::uint32_t> analyzerWork = 0;

@@ -1,87 +1,111 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/AllocationCounter.h"
 
+#include <atomic>
+#include <cerrno>
 #include <cstddef>
-#include <cstdlib>
-#include <new>
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define HEAP_OF_A_SANITIZER
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#define HEAP_OF_A_SANITIZER
+#endif
+#endif
+
+#ifdef HEAP_OF_A_SANITIZER
+
+bool AllocationCounter::IsCounting()
+{
+    return false;
+}
+std::int64_t AllocationCounter::TakenByThisThread()
+{
+    return 0;
+}
+std::int64_t AllocationCounter::Living()
+{
+    return 0;
+}
+
+#else
+
+// glibc's own names of the functions that are replaced here.
+extern "C"
+{
+    void* __libc_malloc(std::size_t size);
+    void* __libc_calloc(std::size_t count, std::size_t size);
+    void* __libc_realloc(void* memory, std::size_t size);
+    void* __libc_memalign(std::size_t alignment, std::size_t size);
+    void __libc_free(void* memory);
+}
 
 namespace
 {
-thread_local std::int64_t count = 0;
+thread_local std::int64_t takenByThisThread = 0;
+std::atomic<std::int64_t> living = 0;
 
-void* TryAllocate(std::size_t size, std::size_t alignment) noexcept
+void* Counted(void* memory)
 {
-    ++count;
-    const std::size_t rounded = (size + alignment - 1) / alignment * alignment;
-    return std::aligned_alloc(alignment, rounded == 0 ? alignment : rounded);
-}
-
-void* Allocate(std::size_t size, std::size_t alignment = alignof(std::max_align_t))
-{
-    if (void* memory = TryAllocate(size, alignment))
-        return memory;
-    throw std::bad_alloc();
+    ++takenByThisThread;
+    if (memory != nullptr)
+        living.fetch_add(1, std::memory_order_relaxed);
+    return memory;
 }
 }   // namespace
 
-std::int64_t AllocationsOfThisThread()
+// Seen by the module, whatever the project's default is.
+#pragma GCC visibility push(default)
+extern "C"
 {
-    return count;
+    void* malloc(std::size_t size)
+    {
+        return Counted(__libc_malloc(size));
+    }
+    void* calloc(std::size_t count, std::size_t size)
+    {
+        return Counted(__libc_calloc(count, size));
+    }
+    void* realloc(void* memory, std::size_t size)
+    {
+        if (memory == nullptr)
+            return malloc(size);
+        ++takenByThisThread;
+        return __libc_realloc(memory, size);
+    }
+    void* aligned_alloc(std::size_t alignment, std::size_t size)
+    {
+        return Counted(__libc_memalign(alignment, size));
+    }
+    void* memalign(std::size_t alignment, std::size_t size)
+    {
+        return Counted(__libc_memalign(alignment, size));
+    }
+    int posix_memalign(void** memory, std::size_t alignment, std::size_t size)
+    {
+        *memory = Counted(__libc_memalign(alignment, size));
+        return *memory != nullptr ? 0 : ENOMEM;
+    }
+    void free(void* memory)
+    {
+        if (memory != nullptr)
+            living.fetch_sub(1, std::memory_order_relaxed);
+        __libc_free(memory);
+    }
+}
+#pragma GCC visibility pop
+
+bool AllocationCounter::IsCounting()
+{
+    return true;
+}
+std::int64_t AllocationCounter::TakenByThisThread()
+{
+    return takenByThisThread;
+}
+std::int64_t AllocationCounter::Living()
+{
+    return living.load();
 }
 
-void* operator new(std::size_t size)
-{
-    return Allocate(size);
-}
-void* operator new[](std::size_t size)
-{
-    return Allocate(size);
-}
-void* operator new(std::size_t size, std::align_val_t alignment)
-{
-    return Allocate(size, static_cast<std::size_t>(alignment));
-}
-void* operator new[](std::size_t size, std::align_val_t alignment)
-{
-    return Allocate(size, static_cast<std::size_t>(alignment));
-}
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept
-{
-    return TryAllocate(size, alignof(std::max_align_t));
-}
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept
-{
-    return TryAllocate(size, alignof(std::max_align_t));
-}
-void operator delete(void* memory) noexcept
-{
-    std::free(memory);
-}
-void operator delete[](void* memory) noexcept
-{
-    std::free(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept
-{
-    std::free(memory);
-}
-void operator delete[](void* memory, std::size_t) noexcept
-{
-    std::free(memory);
-}
-void operator delete(void* memory, std::align_val_t) noexcept
-{
-    std::free(memory);
-}
-void operator delete[](void* memory, std::align_val_t) noexcept
-{
-    std::free(memory);
-}
-void operator delete(void* memory, std::size_t, std::align_val_t) noexcept
-{
-    std::free(memory);
-}
-void operator delete[](void* memory, std::size_t, std::align_val_t) noexcept
-{
-    std::free(memory);
-}
+#endif

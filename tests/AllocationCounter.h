@@ -3,6 +3,13 @@
 
 #include <cstdint>
 
-/// How often this thread has taken memory by operator new since it began. A program that links this has all
-/// forms of new and delete replaced.
-std::int64_t AllocationsOfThisThread();
+/// Counts what the whole process takes from and gives back to the heap, a module that it loads included: its
+/// calls of malloc end up in this program's. Off under a sanitizer, which has a heap of its own.
+namespace AllocationCounter
+{
+bool IsCounting();
+/// Taken by the calling thread so far.
+std::int64_t TakenByThisThread();
+/// Blocks of all threads that were taken and not given back.
+std::int64_t Living();
+}   // namespace AllocationCounter

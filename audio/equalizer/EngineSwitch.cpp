@@ -55,7 +55,7 @@ void EngineSwitch::Process(const float* const* inputs, float* const* outputs, st
         Outputs out{};
         for (std::size_t channel = 0; channel < history.size(); ++channel)
         {
-            MVector::CopyAudio(inputs[channel] + done, history[channel].data() + position, n);
+            MVector::Copy(inputs[channel] + done, history[channel].data() + position, n);
             out[channel] = outputs[channel] + done;
         }
         playing->SetEnabled(enabled);
@@ -65,6 +65,19 @@ void EngineSwitch::Process(const float* const* inputs, float* const* outputs, st
         position = (position + n) % HistorySize;
         done += n;
     }
+}
+
+void EngineSwitch::ReadDelayed(std::int32_t channel, const float* input, float* delayed,
+                               std::int32_t frames) const
+{
+    constexpr std::int32_t latency = EqualizerGeometry::LatencySamples;
+    const float* ring = history[static_cast<std::size_t>(channel)].data();
+    const std::int32_t past = std::min(frames, latency);
+    const std::int32_t begin = (position - latency + HistorySize) % HistorySize;
+    const std::int32_t first = std::min(past, HistorySize - begin);
+    MVector::Copy(ring + begin, delayed, first);
+    MVector::Copy(ring, delayed + first, past - first);
+    MVector::Copy(input, delayed + past, frames - past);
 }
 
 /// Ends where the ring does, where the entering engine has caught up, and where the fade ends.

@@ -37,6 +37,8 @@ public:
     bool HasStarted() const { return started; }
     /// Any number of frames; an output may be an input's array. Never allocates.
     void Process(const float* const* inputs, float* const* outputs, std::int32_t frames, bool enabled);
+    /// The input of a channel in the block that comes next, LatencySamples late.
+    void ReadDelayed(std::int32_t channel, const float* input, float* delayed, std::int32_t frames) const;
 
 private:
     static constexpr std::int32_t PieceSize = 512;

@@ -40,6 +40,13 @@ public:
     /// One block of all channels; an output may be an input's array. Audio thread.
     void ProcessChannels(const float* const* inputs, float* const* outputs, std::int32_t frames);
 
+    /// The input of a channel in the block that comes next, as late as its output will be; `input` is what
+    /// ProcessChannels will get. Audio thread, under the lock.
+    void ReadDelayedInput(std::int32_t channel, const float* input, float* delayed, std::int32_t frames) const
+    {
+        engines.ReadDelayed(channel, input, delayed, frames);
+    }
+
     std::int32_t GetLatency() const { return FFTSize; }
     /// Samples that still come out after the input has ended, for the host. Any thread, without the lock.
     std::int32_t GetTailSize() const { return (sectionCount + 1) * 1024; }

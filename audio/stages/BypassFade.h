@@ -14,6 +14,8 @@ public:
     void Prepare(double sampleRate, bool bypassed);
     /// Begins a block that is to end, or to go on its way to end, on one side.
     void Begin(bool bypassed, std::int32_t sampleCount);
+    /// Whether the block has a share of the dry signal.
+    bool IsHeard() const { return fading > 0 || share > 0.0; }
     /// One channel of the block: puts the dry signal's share into the processed one. Both arrays may change.
     /// Thread: audio. Never allocates.
     void Apply(float* processed, float* dry) const;

@@ -134,7 +134,7 @@ void MAudioPlugin::PrepareAnew()
     {
         MSampleQueue& delay = bypassDelay[static_cast<std::size_t>(channel)];
         delay.Clear();
-        delay.Reserve(2 * bypassDelayLength + 8192);
+        delay.Reserve(bypassDelayLength + 8192);
         delay.PushZeros(bypassDelayLength);
     }
     bypassFade.Prepare(sampleRate, bypass);

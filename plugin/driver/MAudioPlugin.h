@@ -231,18 +231,22 @@ private:
         bool operator==(const Prepared&) const = default;
     };
 
+    /// Channels side by side. Only those of the groups that there are mean anything: filling 128 pointers
+    /// would be felt in short blocks.
     struct ChannelSet
     {
-        ChannelRouting::Channels pointers{};
+        ChannelSet() {}   // NOLINT: the pointers stay as they are
+        ChannelRouting::Channels pointers;
     };
 
     ChannelSet TakeInputs(float* const* inputs, std::int32_t inputGroups, std::int32_t sampleCount);
     ChannelSet DelayDry(const ChannelSet& inputs, std::int32_t inputGroups, std::int32_t outputGroups,
                         std::int32_t sampleCount);
+    bool GatherOwnOutputs(ChannelSet& wet, float* const* outputs) const;
     bool IsMonoRoute(const ChannelSet& inputs) const;
     void Deliver(const ChannelSet& wet, const ChannelSet& dry, float* const* outputs,
                  std::int32_t sampleCount, bool replacing);
-    void ProcessDirect(ChannelSet inputs, ChannelSet outputs, std::int32_t sampleCount);
+    void ProcessDirect(const ChannelSet& inputs, const ChannelSet& outputs, std::int32_t sampleCount);
     void ProcessUpsampled(const ChannelSet& inputs, const ChannelSet& outputs, std::int32_t sampleCount);
     ChannelSet FeedUpsamplers(const ChannelSet& inputs, std::int32_t sampleCount);
     ChannelSet EffectOutputs();

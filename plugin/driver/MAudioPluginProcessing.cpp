@@ -31,12 +31,15 @@ void MAudioPlugin::ProcessBlock(float* const* inputs, float* const* outputs, std
     if (sampleCount < 1 || outputs == nullptr || outputGroups < 1)
         return;
 
-    // All work is done in arrays of our own: the host's inputs stay as they are, and its arrays may be shared
-    // in any way.
+    // The work is done in arrays of our own: the host's inputs stay as they are, and its arrays may be shared
+    // in any way. Its outputs are worked in where each is one and holds nothing that is to stay.
+    bypassFade.Begin(bypass, sampleCount);
     ChannelSet in = TakeInputs(inputs, inputGroups, sampleCount);
     ChannelSet dry = DelayDry(in, inputGroups, outputGroups, sampleCount);
     ChannelSet wet;
-    Scratch(outputScratch, wet, outputGroups * channelsPerGroup, sampleCount);
+    const bool directly = replacing && GatherOwnOutputs(wet, outputs);
+    if (!directly)
+        Scratch(outputScratch, wet, outputGroups * channelsPerGroup, sampleCount);
 
     ProcessingBegin(in.pointers.data(), wet.pointers.data(), sampleCount, replacing);
     if (agcActive)
@@ -52,14 +55,33 @@ void MAudioPlugin::ProcessBlock(float* const* inputs, float* const* outputs, std
         gainControl.Process(wet.pointers.data(), sampleCount, outputsPerGroup);
     ProcessingEnd(in.pointers.data(), wet.pointers.data(), sampleCount, replacing);
 
-    bypassFade.Begin(bypass, sampleCount);
-    for (std::int32_t group = 0; group < outputGroups; ++group)
-        for (std::int32_t channel = 0; channel < outputsPerGroup; ++channel)
-        {
-            const auto index = static_cast<std::size_t>(group * channelsPerGroup + channel);
-            bypassFade.Apply(wet.pointers[index], dry.pointers[index]);
-        }
-    Deliver(wet, dry, outputs, sampleCount, replacing);
+    if (bypassFade.IsHeard())
+        for (std::int32_t group = 0; group < outputGroups; ++group)
+            for (std::int32_t channel = 0; channel < outputsPerGroup; ++channel)
+            {
+                const auto index = static_cast<std::size_t>(group * channelsPerGroup + channel);
+                bypassFade.Apply(wet.pointers[index], dry.pointers[index]);
+            }
+    if (!directly)
+        Deliver(wet, dry, outputs, sampleCount, replacing);
+}
+
+/// The host's outputs, if the effect writes all of them and each is an array for itself.
+bool MAudioPlugin::GatherOwnOutputs(ChannelSet& wet, float* const* outputs) const
+{
+    if (outputsPerGroup != channelsPerGroup || (connectedOutputs > 0 && connectedOutputs < channelsPerGroup))
+        return false;
+    const auto count = static_cast<std::size_t>(GetOutputGroups() * channelsPerGroup);
+    for (std::size_t index = 0; index < count; ++index)
+    {
+        const auto channel = static_cast<std::int32_t>(index);
+        float* target = outputs[channel / channelsPerGroup * groupStride + channel % channelsPerGroup];
+        const auto end = wet.pointers.begin() + channel;
+        if (target == nullptr || std::find(wet.pointers.begin(), end, target) != end)
+            return false;
+        wet.pointers[index] = target;
+    }
+    return true;
 }
 
 bool MAudioPlugin::ProcessBlockOrSilence(float* const* inputs, float* const* outputs,
@@ -84,6 +106,8 @@ MAudioPlugin::ChannelSet MAudioPlugin::TakeInputs(float* const* inputs, std::int
                                                   std::int32_t sampleCount)
 {
     ChannelSet host;
+    const std::int32_t groups = std::max(inputGroups, GetOutputGroups());
+    std::fill_n(host.pointers.begin(), groups * channelsPerGroup, nullptr);
     // The groups stand `groupStride` apart in the host's arrays and side by side in ours.
     for (std::int32_t group = 0; group < inputGroups; ++group)
         for (std::int32_t channel = 0; channel < channelsPerGroup; ++channel)
@@ -92,7 +116,6 @@ MAudioPlugin::ChannelSet MAudioPlugin::TakeInputs(float* const* inputs, std::int
     if (inputGroups > 0)
         FixInputs(host, inputGroups, sampleCount);
     ChannelSet own;
-    const std::int32_t groups = std::max(inputGroups, GetOutputGroups());
     Scratch(inputScratch, own, groups * channelsPerGroup, sampleCount);
     for (std::size_t index = 0; index < static_cast<std::size_t>(groups * channelsPerGroup); ++index)
     {
@@ -107,7 +130,8 @@ MAudioPlugin::ChannelSet MAudioPlugin::TakeInputs(float* const* inputs, std::int
     return own;
 }
 
-/// The inputs as late as the effect, at all times: for the bypass, and for channels that nothing processes.
+/// The inputs as late as the effect, for the bypass and for channels that nothing processes. Where neither is
+/// heard the delay only runs on.
 MAudioPlugin::ChannelSet MAudioPlugin::DelayDry(const ChannelSet& inputs, std::int32_t inputGroups,
                                                 std::int32_t outputGroups, std::int32_t sampleCount)
 {
@@ -117,10 +141,17 @@ MAudioPlugin::ChannelSet MAudioPlugin::DelayDry(const ChannelSet& inputs, std::i
         for (std::int32_t channel = 0; channel < channelsPerGroup; ++channel)
         {
             const auto index = static_cast<std::size_t>(group * channelsPerGroup + channel);
-            if (group < inputGroups)
-                bypassDelay[index].Delay(inputs.pointers[index], dry.pointers[index], sampleCount);
-            else
+            if (group >= inputGroups)
+            {
                 MVector::Zero(dry.pointers[index], sampleCount);
+                continue;
+            }
+            MSampleQueue& delay = bypassDelay[index];
+            delay.Push(inputs.pointers[index], sampleCount);
+            if (bypassFade.IsHeard() || channel >= outputsPerGroup)
+                delay.Pull(dry.pointers[index], sampleCount);
+            else
+                delay.DropFront(sampleCount);
         }
     return dry;
 }
@@ -152,12 +183,19 @@ void MAudioPlugin::Deliver(const ChannelSet& wet, const ChannelSet& dry, float* 
         }
 }
 
-void MAudioPlugin::ProcessDirect(ChannelSet inputs, ChannelSet outputs, std::int32_t sampleCount)
+void MAudioPlugin::ProcessDirect(const ChannelSet& inputs, const ChannelSet& outputs,
+                                 std::int32_t sampleCount)
 {
+    // ProcessChannels moves pointers about; `inputs` and `outputs` remain as they are.
+    ChannelSet in;
+    ChannelSet out;
+    const std::int32_t count = std::max(GetInputGroups(), GetOutputGroups()) * channelsPerGroup;
+    std::copy_n(inputs.pointers.begin(), count, in.pointers.begin());
+    std::copy_n(outputs.pointers.begin(), GetOutputGroups() * channelsPerGroup, out.pointers.begin());
     if (outputsAccumulate)
         for (std::int32_t channel = 0; channel < outputsPerGroup; ++channel)
             MVector::Zero(outputs.pointers[static_cast<std::size_t>(channel)], sampleCount);
-    ProcessChannels(inputs, outputs, sampleCount);
+    ProcessChannels(in, out, sampleCount);
 }
 
 void MAudioPlugin::ProcessChannels(ChannelSet& inputs, ChannelSet& outputs, std::int32_t sampleCount)

@@ -28,8 +28,6 @@ MAudioPlugin::ChannelSet MAudioPlugin::FeedUpsamplers(const ChannelSet& inputs, 
             MUpsampler& upsampler = *upsamplers[index];
             upsampler.SetDownFiltered(downFiltered);
             upsampler.Up(inputs.pointers[index], sampleCount);
-            if (group >= GetInputGroups())
-                continue;
             const bool shared = channel > 0 && inputs.pointers[index] == inputs.pointers[index - 1];
             fed.pointers[index] = shared ? fed.pointers[index - 1] : upsampler.UpSamples();
         }

@@ -10,9 +10,12 @@
 
 #include "foundation/text/MException.h"
 #include "foundation/vector/VectorOperations.h"
+#include "tests/Signals.h"
 
 namespace
 {
+using Signals::Noise;
+
 using Points = std::array<float, 1024>;
 
 AnalyzerClientParameters Parameters(double overlap = 0.75)
@@ -30,16 +33,6 @@ std::vector<float> Sine(double hz, double sampleRate, int count, double amplitud
     for (std::size_t i = 0; i < samples.size(); ++i)
         samples[i] = static_cast<float>(
             amplitude * std::sin(2 * std::numbers::pi * hz * static_cast<double>(i) / sampleRate + 0.3));
-    return samples;
-}
-
-std::vector<float> Noise(int count, unsigned seed)
-{
-    std::mt19937 random(seed);
-    std::normal_distribution<float> normal(0.0f, 0.1f);
-    std::vector<float> samples(static_cast<std::size_t>(count));
-    for (float& sample : samples)
-        sample = normal(random);
     return samples;
 }
 
@@ -173,9 +166,9 @@ TEST(SpectralAnalyzer, KeepsWhatTheOverlapSaysAndCallsListeners)
         Counter staying(*client);
         {
             const Counter leaving(*client);
-            Feed(analyzer, *client, Noise(8, 1));
+            Feed(analyzer, *client, Noise(8, 1, 0.2f));
         }
-        Feed(analyzer, *client, Noise(19992, 1));
+        Feed(analyzer, *client, Noise(19992, 1, 0.2f));
         EXPECT_EQ(staying.count, row.frames) << row.overlap;
         client.reset();   // before its listener
     }
@@ -186,7 +179,7 @@ TEST(SpectralAnalyzer, BlockLengthsMakeNoDifference)
     for (const bool superResolution : { false, true })
         for (const double sampleRate : { 48000.0, 192000.0 })
         {
-            const std::vector<float> samples = Noise(65536, 5);
+            const std::vector<float> samples = Noise(65536, 5, 0.2f);
             MSpectralAnalyzer analyzer;
             analyzer.Setup(sampleRate, 2048, 20000, 0);
             AnalyzerClientParameters parameters = Parameters();
@@ -237,19 +230,19 @@ TEST(SpectralAnalyzer, EmptyStatisticsAndSilenceReadAsToldApart)
         for (const float value : Spectrum(analyzer, client, processor))
             ASSERT_NEAR(value, 1e-10f, 1e-14f) << processor;
 
-    Feed(analyzer, client, Noise(20000, 3));
+    Feed(analyzer, client, Noise(20000, 3, 0.2f));
     EXPECT_GT(Spectrum(analyzer, client, 1)[700], 1e-8f);
     analyzer.ResetClient(client);
     for (const float value : Spectrum(analyzer, client, 1))
         ASSERT_NEAR(value, 1e-10f, 1e-14f);
 
     // A frame of another size passes a client by until it is configured for it.
-    Feed(analyzer, client, Noise(20000, 3));
+    Feed(analyzer, client, Noise(20000, 3, 0.2f));
     analyzer.Setup(48000.0, 8192, 20000, 0);
-    Feed(analyzer, client, Noise(20000, 3));
+    Feed(analyzer, client, Noise(20000, 3, 0.2f));
     EXPECT_EQ(Spectrum(analyzer, client, 1), Points{});
     analyzer.ConfigureClient(client, parameters);
-    Feed(analyzer, client, Noise(20000, 3));
+    Feed(analyzer, client, Noise(20000, 3, 0.2f));
     EXPECT_GT(Spectrum(analyzer, client, 1)[700], 1e-4f);
 }
 
@@ -280,7 +273,7 @@ TEST(SpectralAnalyzer, SuperResolutionReadsSinesAcrossItsLevels)
 TEST(SpectralAnalyzer, SuperResolutionContinuesTheSingleResolution)
 {
     // Pink enough that a step between levels would show: noise through a one-pole low-pass at 500 Hz.
-    std::vector<float> samples = Noise(48000 * 40, 11);
+    std::vector<float> samples = Noise(48000 * 40, 11, 0.2f);
     float state = 0;
     for (float& sample : samples)
         sample = state += 0.0635f * (sample - state);
@@ -325,7 +318,7 @@ TEST(SpectralAnalyzer, PeakDetectionAndDeharmonizeActOnTheSpectrum)
     analyzer.Setup(48000.0, 4096, 20000, 0);
     // Bins count from 1 in the harmonic product: what belongs to bin 200 stands at 399, 598 and 797.
     const double binHz = 48000.0 / 4096.0;
-    std::vector<float> samples = Noise(48000, 17);
+    std::vector<float> samples = Noise(48000, 17, 0.2f);
     for (float& sample : samples)
         sample *= 0.01f;
     for (const double harmonic : { 200.0, 399.0, 598.0, 797.0 })
@@ -404,7 +397,7 @@ TEST(SpectralAnalyzer, OneBadSampleIsASampleOfSilenceAndNothingMore)
             AnalyzerClientParameters parameters = Parameters();
             parameters.superResolution = superResolution;
             AnalyzerClient clean, dirty;
-            std::vector<float> samples = Noise(200000, 4);
+            std::vector<float> samples = Noise(200000, 4, 0.2f);
             std::vector<float> bad = samples;
             const float values[] = { std::nanf(""), INFINITY, -INFINITY, 3e38f };
             for (std::size_t i = 0; i < 4; ++i)

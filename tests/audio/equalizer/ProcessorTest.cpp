@@ -360,6 +360,27 @@ TEST(EqualizerProcessor, AChangeOfModeSoundsSoonLikeTheNewModeAndNeverLikeAnythi
         }
 }
 
+TEST(EqualizerProcessor, KnowsItsInputAsLateAsItsOutput)
+{
+    const std::vector<float> input = Noise(200000, 3);
+    for (const std::size_t block : { 1u, 700u, 4096u, 50000u })
+    {
+        TestEqualizer equalizer(EqualizerMode::Normal);
+        std::vector<float> delayed(input.size());
+        std::vector<float> output(input.size());
+        const std::size_t count = block == 1 ? 40000 : input.size();
+        for (std::size_t position = 0; position < count; position += block)
+        {
+            const auto n = static_cast<std::int32_t>(std::min(block, count - position));
+            const float* in = input.data() + position;
+            float* out = output.data() + position;
+            equalizer.ReadDelayedInput(0, in, delayed.data() + position, n);
+            equalizer.ProcessChannels(&in, &out, n);
+        }
+        EXPECT_TRUE(delayed == output) << block;
+    }
+}
+
 TEST(EqualizerProcessor, TheRatioMixesTheDelayedInput)
 {
     for (const EqualizerMode mode : AllModes)

@@ -10,19 +10,13 @@
 #include <gtest/gtest.h>
 
 #include "audio/fft/MAudioFFTReader.h"
+#include "tests/Signals.h"
 
 namespace
 {
-constexpr std::uint32_t Seed = 12;
+using Signals::Noise;
 
-std::vector<float> Noise(std::size_t count)
-{
-    std::mt19937 random(Seed);
-    std::uniform_real_distribution<float> values(-1.0f, 1.0f);
-    std::vector<float> noise(count);
-    std::generate(noise.begin(), noise.end(), [&] { return values(random); });
-    return noise;
-}
+constexpr std::uint32_t Seed = 12;
 
 /// Runs in place in blocks of random length from 0 to maxBlock.
 void ProcessInBlocks(MAudioFFTProcessor& processor, std::vector<float>& samples, std::int32_t maxBlock)
@@ -61,7 +55,7 @@ TEST(MAudioFFTProcessor, WithoutSpectralWorkItIsADelayOfOneFrame)
         processor.SetSynthesisWindow(known.synthesisWindow);
         processor.Update();
         processor.SetStartOffset(known.offset);
-        const std::vector<float> input = Noise(static_cast<std::size_t>(known.frameSize) * 5 + 77);
+        const std::vector<float> input = Noise(static_cast<std::size_t>(known.frameSize) * 5 + 77, Seed);
         std::vector<float> output = input;
         ProcessInBlocks(processor, output, known.maxBlock);
         // Squared windows of N points, complemented on one side, are not quite constant.
@@ -145,7 +139,7 @@ TEST(MAudioFFTReader, ReadsOverlappingFramesWhateverTheBlocks)
     reader.SetOverlap(0.75);
     reader.Update();
     EXPECT_EQ(reader.EffectiveOverlap(), 0.75);
-    const std::vector<float> input = Noise(1000);
+    const std::vector<float> input = Noise(1000, Seed);
     std::size_t position = 0;
     for (const std::size_t n : { 1, 99, 600, 0, 300 })
     {

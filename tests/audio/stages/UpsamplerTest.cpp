@@ -8,9 +8,12 @@
 #include <gtest/gtest.h>
 
 #include "audio/stages/MUpsampler.h"
+#include "tests/Signals.h"
 
 namespace
 {
+using Signals::Noise;
+
 // Sines have whole periods in this many samples of the host's rate, so that a plain sum over them separates
 // them from all others.
 constexpr std::int32_t frame = 4096;
@@ -57,16 +60,6 @@ std::vector<float> DownOfSine(MUpsampler& upsampler, std::int32_t factor, std::i
         upsampler.Down(output.data(), frame);
     }
     return output;
-}
-
-std::vector<float> Noise(std::int32_t count, unsigned seed)
-{
-    std::mt19937 generator(seed);
-    std::uniform_real_distribution<float> samples(-0.5f, 0.5f);
-    std::vector<float> noise(static_cast<std::size_t>(count));
-    for (float& sample : noise)
-        sample = samples(generator);
-    return noise;
 }
 
 // Up and down with nothing between, in blocks of the given lengths in turn.
@@ -180,7 +173,7 @@ TEST(Upsampler, HighQualityIsAsLateAsItSaysAndSymmetric)
 
 TEST(Upsampler, BlockLengthsDontChangeTheResult)
 {
-    const std::vector<float> input = Noise(9000, 3);
+    const std::vector<float> input = Noise(9000, 3, 0.5f);
     for (const bool highQuality : { true, false })
         for (const std::int32_t factor : { 2, 3, 4 })
             for (const double rate : { 44100.0, 96000.0 })

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "foundation/vector/Biquad.h"
+#include "tests/Signals.h"
 
 #include <random>
 #include <vector>
@@ -8,18 +9,10 @@
 
 namespace
 {
+using Signals::Noise;
+
 constexpr double Taps[6] = { 0.3, -0.2, 0.1, 1.0, -1.6, 0.7 };
 constexpr float FloatTaps[6] = { 0.3f, -0.2f, 0.1f, 1.0f, -1.6f, 0.7f };
-
-std::vector<float> Noise(std::size_t count)
-{
-    std::mt19937 random(11);
-    std::uniform_real_distribution<float> values(-1.0f, 1.0f);
-    std::vector<float> noise(count);
-    for (float& value : noise)
-        value = values(random);
-    return noise;
-}
 
 /// The difference equation over inputs and outputs, without any section memory.
 std::vector<double> ByDifferenceEquation(const std::vector<float>& x, const double* taps)
@@ -37,7 +30,7 @@ std::vector<double> ByDifferenceEquation(const std::vector<float>& x, const doub
 
 TEST(Biquad, FollowsTheDifferenceEquationOverBlocksOfAnyLengthInPlaceAndFloat)
 {
-    const std::vector<float> input = Noise(500);
+    const std::vector<float> input = Noise(500, 11);
     const std::vector<double> expected = ByDifferenceEquation(input, Taps);
     BiquadState* state = nullptr;
     BiquadStateFloat* floatState = nullptr;

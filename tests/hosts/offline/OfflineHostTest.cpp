@@ -7,8 +7,8 @@
 
 #include <gtest/gtest.h>
 
-#include "foundation/text/MException.h"
 #include "control/values/MValueNumber.h"
+#include "foundation/text/MException.h"
 #include "hosts/offline/OfflineHost.h"
 #include "plugin/contract/ChangeListener.h"
 #include "plugin/driver/PluginState.h"
@@ -159,7 +159,7 @@ TEST(OfflineHost, SteadyBlocksTakeNothingFromTheHeap)
                     host.Plugin().ProcessBlock(inputs, outputs, block, true);
             };
             run(2 * block);   // buffers take their size
-            const std::int64_t before = AllocationsOfThisThread();
+            const std::int64_t before = AllocationCounter::TakenByThisThread();
             run(40000);
             for (std::int32_t index = 0; index < host.Plugin().GetParameterCount(); ++index)
             {
@@ -167,7 +167,7 @@ TEST(OfflineHost, SteadyBlocksTakeNothingFromTheHeap)
                 run(block);
             }
             run(40000);
-            EXPECT_EQ(AllocationsOfThisThread(), before);
+            EXPECT_EQ(AllocationCounter::TakenByThisThread(), before);
         }
 }
 

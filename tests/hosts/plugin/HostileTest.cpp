@@ -9,8 +9,8 @@
 #include <gtest/gtest.h>
 #include <sys/mman.h>
 
-#include "HeapCount.h"
 #include "Vst2Host.h"
+#include "tests/AllocationCounter.h"
 #include "tools/vst3host/Vst3Host.h"
 
 namespace
@@ -587,11 +587,11 @@ TEST_F(Hostile, SoundIsCleanAndCostsNoMemoryAtEveryRate)
         {
             float* first[] = { left.data() + done, left.data() + done };
             float* second[] = { right.data() + done, right.data() + done };
-            const std::int64_t before = HeapCount::TakenByThisThread();
+            const std::int64_t before = AllocationCounter::TakenByThisThread();
             vst2.Process(first, first, 256);
             vst3.Process(second, second, 256);
             if (done >= 70000)   // more than two frames of the linear-phase engine: all that grows has grown
-                taken += HeapCount::TakenByThisThread() - before;
+                taken += AllocationCounter::TakenByThisThread() - before;
         }
         EXPECT_EQ(taken, 0);
         for (const std::vector<float>* out : { &left, &right })

@@ -7,8 +7,8 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include "HeapCount.h"
 #include "Vst2Host.h"
+#include "tests/AllocationCounter.h"
 #include "tools/vst3host/Vst3Host.h"
 
 namespace
@@ -64,7 +64,7 @@ int NewestMinorVersion(const std::vector<std::string>& lines, const std::string&
 
 TEST(Module, NeedsTheCLibraryAloneOfTheAgeThatTheReadmeStates)
 {
-    if (!HeapCount::IsCounting())
+    if (!AllocationCounter::IsCounting())
         GTEST_SKIP() << "a sanitizer brings its own libraries";
     for (const auto format : { LoadedModule::Format::Vst2, LoadedModule::Format::Vst3 })
     {
@@ -164,10 +164,10 @@ TEST(Module, LeavesNothingBehindWhenLoadedUsedAndUnloadedAHundredTimes)
     // The C and C++ libraries keep a few blocks of their own from the first rounds.
     for (int round = 0; round < 4; ++round)
         useOnce(round);
-    const std::int64_t before = HeapCount::Living();
+    const std::int64_t before = AllocationCounter::Living();
     for (int round = 0; round < 100; ++round)
         useOnce(round);
-    EXPECT_EQ(HeapCount::Living(), before);
+    EXPECT_EQ(AllocationCounter::Living(), before);
 }
 
 TEST(Module, AnswersNullToADeadHost)

@@ -9,7 +9,7 @@
 #include "foundation/text/MException.h"
 #include "plugin/driver/MQuorvaneAudioEffectPlugin.h"
 #include "state/tree/MAttribute.h"
-#include "tests/plugin/driver/AllocationCount.h"
+#include "tests/AllocationCounter.h"
 #include "tests/plugin/driver/TestEffect.h"
 
 namespace
@@ -255,11 +255,11 @@ TEST_F(Stages, SteadyBlocksDontAllocate)
             plugin.InitProcessing();
             for (const bool replacing : { true, false })
                 plugin.ProcessBlock(inputs, outputs, 1024, replacing);
-            const std::int64_t before = AllocationCount();
+            const std::int64_t before = AllocationCounter::TakenByThisThread();
             for (const std::int32_t length : { 1, 1024, 17, 512, 1000 })
                 for (int turn = 0; turn < 20; ++turn)
                     plugin.ProcessBlock(inputs, outputs, length, turn % 2 == 0);
-            EXPECT_EQ(AllocationCount() - before, 0) << factor << " " << highQuality;
+            EXPECT_EQ(AllocationCounter::TakenByThisThread() - before, 0) << factor << " " << highQuality;
         }
 }
 
