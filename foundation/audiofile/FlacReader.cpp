@@ -170,8 +170,11 @@ private:
         const auto count = static_cast<std::int32_t>(header.blocksize);
         if (!decoded->Append(count, out.data()))
             return FLAC__STREAM_DECODER_WRITE_STATUS_ABORT;
-        // The greatest sample is 1, as in files without compression, and in double as there.
-        const double factor = 1.0 / static_cast<double>((std::int64_t{ 1 } << (bits - 1)) - 1);
+        // As if the samples stood at the upper end of whole bytes, and the greatest one were 1, as in files
+        // without compression, and in double as there.
+        const std::uint32_t wholeBits = (bits + 7) / 8 * 8;
+        const double factor = static_cast<double>(std::int64_t{ 1 } << (wholeBits - bits)) /
+                              static_cast<double>((std::int64_t{ 1 } << (wholeBits - 1)) - 1);
         for (std::size_t channel = 0; channel < static_cast<std::size_t>(channels); ++channel)
         {
             const FLAC__int32* source = samples[channel];

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <vector>
+
 #include "foundation/containers/MEventHandler.h"
 
 /// Handlers that are called at once, on the caller's thread, without any lock. The thread that owns the
@@ -17,7 +19,7 @@ public:
     MCallback& operator=(const MCallback&) = delete;
     ~MCallback() override
     {
-        for (Running* call = running; call != nullptr; call = call->outer)
+        for (Running* call : running)
             call->isOver = true;
     }
 
@@ -55,20 +57,16 @@ private:
     // A call on the stack.
     struct Running
     {
-        explicit Running(MCallback& called) : callback(called), outer(called.running)
-        {
-            called.running = this;
-        }
+        explicit Running(MCallback& called) : callback(called) { callback.running.push_back(this); }
         Running(const Running&) = delete;
         Running& operator=(const Running&) = delete;
         ~Running()
         {
             if (!isOver)
-                callback.running = outer;
+                callback.running.pop_back();
         }
 
         MCallback& callback;
-        Running* outer;
         int next = 0;   // the handler whose turn comes
         bool isOver = false;   // the callback is gone
     };
@@ -76,11 +74,11 @@ private:
     void Remove(int index)
     {
         handlers.Delete(index);
-        for (Running* call = running; call != nullptr; call = call->outer)
+        for (Running* call : running)
             if (index < call->next)
                 --call->next;
     }
 
     MArray<Record> handlers;
-    Running* running = nullptr;
+    std::vector<Running*> running;   // the innermost last
 };

@@ -31,6 +31,8 @@ int LibraryFormat(const OutputFormat& format)
         result = SF_FORMAT_AIFF;
     switch (format.samples)
     {
+    case SampleFormat::Int8:
+        return result | (format.file == FileFormat::Wav ? SF_FORMAT_PCM_U8 : SF_FORMAT_PCM_S8);
     case SampleFormat::Int24:
         return result | SF_FORMAT_PCM_24;
     case SampleFormat::Float32:
@@ -90,14 +92,16 @@ void AudioOutput::Write(const float* const* channels, std::int32_t frames)
         return;
     }
     // The library takes 32-bit integers and keeps their upper bits.
-    const int bits = format.samples == SampleFormat::Int24 ? 24 : 16;
+    const int bits = format.samples == SampleFormat::Int24  ? 24
+                     : format.samples == SampleFormat::Int8 ? 8
+                                                            : 16;
     const double highest = (1 << (bits - 1)) - 1;
     const double lowest = -highest - 1;
     interleavedIntegers.resize(sampleCount);
     for (std::size_t channel = 0; channel < channelCount; ++channel)
         for (std::int32_t frame = 0; frame < frames; ++frame)
         {
-            const double value = std::nearbyint(channels[channel][frame] * format.fullScale);
+            const double value = std::nearbyint(channels[channel][frame] * highest);
             if (value > highest || value < lowest)
                 ++clippedCount;
             interleavedIntegers[static_cast<std::size_t>(frame) * channelCount + channel] =

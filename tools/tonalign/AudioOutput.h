@@ -16,13 +16,11 @@ struct OutputFormat
     SampleFormat samples = SampleFormat::Int16;
     std::int32_t sampleRate = 44100;
     std::int32_t channels = 2;
-    /// The integer that 1.0 stands for: that of the input's reader, so that what isn't changed comes out as
-    /// it went in.
-    double fullScale = 32767;
 };
 
 /// Writes blocks of floats to an audio file that appears only with Commit. Integers are rounded to the
-/// nearest and limited; nothing is dithered.
+/// nearest and limited; nothing is dithered. 1.0 is the greatest integer, as for who reads: what isn't
+/// changed comes out as it went in.
 class AudioOutput
 {
 public:

@@ -26,16 +26,6 @@ constexpr double frameLength = 4096;
 {
     throw MException(text, MErrorCode::Content);
 }
-
-// The readers scale integers to 1.0 at the largest positive value, libFLAC's samples at one more.
-double FullScaleOf(const std::string& path, const AudioSampleBuffer& buffer)
-{
-    char magic[4] = {};
-    MStdFileStream file(PathText(path), MStdFileStream::ReadAccess);
-    const bool isFlac = file.Read(magic, 4) == 4 && std::equal(magic, magic + 4, "fLaC");
-    const double steps = buffer.bitsPerSample > 16 && !buffer.isFloatSource ? 8388608 : 32768;
-    return isFlac ? steps : steps - 1;
-}
 }   // namespace
 
 void LoadAudioInput(AudioInput& input, const std::string& path, const std::function<bool(double)>& progress)
@@ -58,7 +48,6 @@ void LoadAudioInput(AudioInput& input, const std::string& path, const std::funct
                               static_cast<int>(channel) + 1));
             input.peak = std::max(input.peak, static_cast<double>(std::fabs(sample)));
         }
-    input.fullScale = FullScaleOf(path, buffer);
 }
 
 void CheckMeasurable(const AudioInput& input, double analysisRate)

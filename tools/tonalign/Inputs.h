@@ -20,7 +20,6 @@ struct AudioInput
 {
     std::string path;
     AudioSampleBuffer buffer;
-    double fullScale = 32767;   ///< the integer of the file's format that reads as 1.0
     double peak = 0;   ///< largest absolute sample
 };
 

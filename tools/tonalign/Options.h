@@ -29,6 +29,7 @@ enum class FileFormat
 enum class SampleFormat
 {
     AsInput,
+    Int8,   // only as the input has it
     Int16,
     Int24,
     Float32

@@ -330,16 +330,14 @@ OutputFormat Session::FormatFor(const AudioInput& input) const
         if (buffer.isFloatSource || buffer.bitsPerSample > 24)
             format.samples = SampleFormat::Float32;
         else
-            format.samples = buffer.bitsPerSample > 16 ? SampleFormat::Int24 : SampleFormat::Int16;
+            format.samples = buffer.bitsPerSample > 16  ? SampleFormat::Int24
+                             : buffer.bitsPerSample > 8 ? SampleFormat::Int16
+                                                        : SampleFormat::Int8;
         if (format.file == FileFormat::Flac && format.samples == SampleFormat::Float32)
             format.samples = SampleFormat::Int24;   // FLAC has no floats
     }
     format.sampleRate = static_cast<std::int32_t>(std::lround(buffer.sampleRate));
     format.channels = buffer.channels;
-    // An input of 8 or 16 bits counts in 16-bit steps, any other in 24-bit ones.
-    const bool wantsFine = format.samples == SampleFormat::Int24;
-    const double offset = input.fullScale == 32768 || input.fullScale == 8388608 ? 0 : 1;
-    format.fullScale = (wantsFine ? 8388608 : 32768) - offset;
     return format;
 }
 

@@ -103,14 +103,16 @@ TEST(Flac, ReadsEveryDepthAtTheSameFullScale)
             EXPECT_EQ(buffer.validFrames, 5000);
             EXPECT_EQ(buffer.sampleRate, 44100.0);
             EXPECT_EQ(buffer.bitsPerSample, bits);
-            const double fullScale = std::ldexp(1.0, bits - 1) - 1;
+            const int wholeBits = bits == 20 ? 24 : bits;
+            const double fullScale = std::ldexp(1.0, wholeBits - 1) - 1;
             for (int channel = 0; channel < channels; ++channel)
             {
                 const float* samples = buffer.channelData[static_cast<std::size_t>(channel)];
                 EXPECT_EQ(samples[-1], 0.0f);
                 EXPECT_EQ(samples[5000], 0.0f);
                 for (int frame = 0; frame < 5000; ++frame)
-                    ASSERT_EQ(std::nearbyint(samples[frame] * fullScale), TestInteger(frame, channel, bits))
+                    ASSERT_EQ(std::nearbyint(samples[frame] * fullScale), TestInteger(frame, channel, bits)
+                                                                              << (wholeBits - bits))
                         << frame;
             }
         }

@@ -60,7 +60,6 @@ public:
     {
         heard.push_back(name + std::to_string(context) + ":" + params.text.ToUTF8());
     }
-    int SubscriptionCount() const { return events.Count(); }
 
 private:
     std::string name;
@@ -75,7 +74,6 @@ TEST_F(MEventTest, DeliversInPostingOrderAcrossEvents)
     first.AddHandler<&Listener::Hear>(a);
     first.AddHandler<&Listener::HearWithContext>(b, {}, 7);
     second.AddHandler<&Listener::Hear>(b);
-    EXPECT_EQ(b.SubscriptionCount(), 2);
     EXPECT_TRUE(first.Post(processor, Text("1")));
     EXPECT_TRUE(second.Post(processor, Text("2")));
     EXPECT_TRUE(first.Post(processor, Text("3")));
@@ -84,43 +82,6 @@ TEST_F(MEventTest, DeliversInPostingOrderAcrossEvents)
     processor.Process();
     EXPECT_EQ(heard, (std::vector<std::string>{ "a:1", "b7:1", "b:2", "a:3", "b7:3" }));
     EXPECT_EQ(processor.PendingCount(), 0);
-}
-
-TEST_F(MEventTest, SubscribesATargetOnceAndForgetsItWhole)
-{
-    Event event;
-    Listener a("a");
-    event.AddHandler<&Listener::Hear>(a);
-    event.AddHandler<&Listener::HearWithContext>(a);
-    EXPECT_EQ(a.SubscriptionCount(), 1);
-    event.RemoveTarget(&a);
-    EXPECT_EQ(event.HandlerCount(), 0);
-    EXPECT_EQ(a.SubscriptionCount(), 0);
-}
-
-TEST_F(MEventTest, SurvivesTheDeathOfEitherSide)
-{
-    Listener survivor("s");
-    auto event = std::make_unique<Event>();
-    event->AddHandler<&Listener::Hear>(survivor);
-    {
-        Listener dying("d");
-        event->AddHandler<&Listener::Hear>(dying);
-        event->Post(processor, Text("1"));
-    }
-    EXPECT_EQ(event->HandlerCount(), 1);
-    processor.Process();
-    EXPECT_EQ(heard, (std::vector<std::string>{ "s:1" }));
-
-    event->Post(processor, Text("2"));
-    event->Post(processor, Text("3"));
-    event.reset();
-    EXPECT_EQ(processor.PendingCount(), 0);
-    EXPECT_EQ(survivor.SubscriptionCount(), 0);
-    processor.Process();
-    EXPECT_EQ(heard.size(), 1u);
-
-    EXPECT_THROW(Event().Dispatch(processor), MException);
 }
 
 // Notes what it hears without taking memory.
@@ -252,6 +213,7 @@ TEST(MEvent, DeliversEveryPostOnceInOrderWhateverDiesOrFails)
         ASSERT_EQ(events[e]->HandlerCount(), static_cast<int>(heardBy[e].size()));
     }
     EXPECT_GT(failures, 100);
+    EXPECT_THROW(CountEvent().Dispatch(*processors[0]), MException);
 }
 
 TEST(MEvent, PostingTakesNoMemoryOnceTheQueuesHaveGrown)

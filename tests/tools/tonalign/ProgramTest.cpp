@@ -187,8 +187,13 @@ TEST_F(Program, EqualizesOneRecordingToAnother)
 TEST_F(Program, RendersFlatFilesSampleForSample)
 {
     for (const auto& [name, format, bits] : { std::tuple{ "a.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16, 16 },
+                                              { "a8.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_U8, 8 },
+                                              { "a24.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_24, 24 },
                                               { "b.flac", SF_FORMAT_FLAC | SF_FORMAT_PCM_24, 24 },
+                                              { "b8.flac", SF_FORMAT_FLAC | SF_FORMAT_PCM_S8, 8 },
                                               { "c.aiff", SF_FORMAT_AIFF | SF_FORMAT_PCM_24, 24 },
+                                              { "c8.aiff", SF_FORMAT_AIFF | SF_FORMAT_PCM_S8, 8 },
+                                              { "c16.aiff", SF_FORMAT_AIFF | SF_FORMAT_PCM_16, 16 },
                                               { "d.flac", SF_FORMAT_FLAC | SF_FORMAT_PCM_16, 16 },
                                               { "e.wav", SF_FORMAT_WAV | SF_FORMAT_FLOAT, 32 } })
         for (const char* mode : { "normal", "linear", "fft" })
@@ -205,8 +210,8 @@ TEST_F(Program, RendersFlatFilesSampleForSample)
             double worst = 0;
             for (std::size_t index = 0; index < after.size(); ++index)
                 worst = std::max(worst, std::fabs(static_cast<double>(before[index]) - after[index]));
-            // 24 bits: the two linear modes may round to the next step.
-            EXPECT_LE(worst, bits == 16 ? 0.0 : 1.3e-7);
+            // The transform there and back costs float rounding, up to a step of 24 bits.
+            EXPECT_LE(worst, bits > 16 && std::string(mode) == "fft" ? 1.3e-7 : 0.0);
         }
 }
 
