@@ -3,12 +3,29 @@
 
 #include <atomic>
 
+#if defined(__x86_64__) || defined(__i386__)
+#include <cpuid.h>
+#endif
+
 namespace MVector::InstructionSets
 {
 namespace
 {
 // 0: not asked yet. Whoever asks first writes it; two that ask at once write the same.
 std::atomic<std::int64_t> inUse{ 0 };
+
+#if HWY_ARCH_X86
+// Not every compiler's check knows these two by name. Bits: Intel, Software Developer's Manual, CPUID.
+bool HasLzcntAndF16c()
+{
+    constexpr unsigned f16cInLeaf1 = 1U << 29;
+    constexpr unsigned lzcntInLeaf80000001 = 1U << 5;
+    unsigned a = 0, b = 0, c = 0, d = 0;
+    if (__get_cpuid(1, &a, &b, &c, &d) == 0 || (c & f16cInLeaf1) == 0)
+        return false;
+    return __get_cpuid(0x80000001, &a, &b, &c, &d) != 0 && (c & lzcntInLeaf80000001) != 0;
+}
+#endif
 }   // namespace
 
 std::int64_t Supported()
@@ -27,8 +44,7 @@ std::int64_t Supported()
         return targets;
     targets |= HWY_SSE4;
     if (!__builtin_cpu_supports("avx2") || !__builtin_cpu_supports("fma") || !__builtin_cpu_supports("bmi") ||
-        !__builtin_cpu_supports("bmi2") || !__builtin_cpu_supports("lzcnt") ||
-        !__builtin_cpu_supports("f16c"))
+        !__builtin_cpu_supports("bmi2") || !HasLzcntAndF16c())
         return targets;
     targets |= HWY_AVX2;
     if (__builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512cd") &&
