@@ -335,7 +335,12 @@ TEST(EqualizerProcessor, AChangeOfModeSoundsSoonLikeTheNewModeAndNeverLikeAnythi
                 equalizer.Update();
                 plain[index] = equalizer.Run(input, { 480 }, [](std::size_t) {});
             }
-            TestEqualizer equalizer(from);
+            // A block of nothing is no beginning: the mode that comes before the first sample holds at once.
+            TestEqualizer equalizer(to);
+            const float* nothing = nullptr;
+            float* nowhere = nullptr;
+            equalizer.ProcessChannels(&nothing, &nowhere, 0);
+            equalizer.SetMode(from);
             equalizer.SetBand(0, MAudioFilters::HighShelf, 2000, -12, 0.7);
             equalizer.Update();
             const std::vector<float> output = equalizer.Run(input, { static_cast<std::int32_t>(turn), 480 },
