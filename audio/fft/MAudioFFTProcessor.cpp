@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <bit>
-#include <cassert>
 #include <cmath>
 
 #include "foundation/vector/VectorOperations.h"
@@ -20,13 +19,6 @@ MAudioFFTProcessor::MAudioFFTProcessor()
     window.Build(frameSize, MSignalWindowType::Hann, true);
 }
 
-void MAudioFFTProcessor::SetStartOffset(std::int32_t samples)
-{
-    assert(samples >= 0 && samples < frameSize);
-    startOffset = samples;
-    MAudioFFTProcessor::Reset();
-}
-
 void MAudioFFTProcessor::Update()
 {
     if (window.Size() == frameSize)
@@ -37,7 +29,7 @@ void MAudioFFTProcessor::Update()
 
 void MAudioFFTProcessor::Reset()
 {
-    position = startOffset;
+    position = 0;
     std::fill(inputFrame.begin(), inputFrame.end(), 0.0f);
 }
 

@@ -38,11 +38,6 @@ public:
     std::int32_t Overlap() const { return overlap; }
     /// Multiplies by the window once more after the inverse transform.
     void SetSynthesisWindow(bool windowed) { synthesisWindow = windowed; }
-    /// Starts as if `samples` zeros had been fed before, 0 <= samples < frame size, so that channels can
-    /// complete their frames at different times. The latency stays. Without an offset the first frame begins
-    /// with the first sample, so the first samples, which no earlier frames hold, fade in; from an offset of
-    /// the frame size less one hop on they come out whole. Resets.
-    void SetStartOffset(std::int32_t samples);
 
     /// Builds the window if the frame size has changed, and resets then. Allocates.
     void Update() override;
@@ -60,7 +55,6 @@ private:
     void PrepareTransform();
     void ProcessFrame(float scale);
 
-    std::int32_t startOffset = 0;
     // Where the input frame is filled and, the latency being one frame, where the accumulator is read.
     std::int32_t position = 0;
     std::int32_t frameSize = 1024;

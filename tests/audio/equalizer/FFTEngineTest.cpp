@@ -116,5 +116,10 @@ TEST(FFTEngine, IsADelayWhenDisabledAndAResetForgetsAllButTheFilters)
     Channels delayed = input;
     ProcessAll(engine, delayed, 400);
     EXPECT_LT(LargestDifference(delayed[1], input[1], 0, 90000, Length), 2e-6);
+    FFTEngine fresh;
+    fresh.Prepare(2);
+    Channels passed = input;
+    ProcessAll(fresh, passed, 3000);
+    EXPECT_LT(LargestDifference(passed[0], input[0], 0, 90000, Length), 2e-6) << "without any list";
 }
 }   // namespace
