@@ -88,44 +88,6 @@ const FilterCandidate& Candidate(const FilterDictionary& dictionary, std::int32_
     throw std::logic_error("no such candidate");
 }
 
-Curve Shifted(const FilterCandidate& candidate, int shift, double gain)
-{
-    Curve curve;
-    for (int i = 0; i < 1024; ++i)
-        curve[static_cast<std::size_t>(i)] = static_cast<float>(
-            gain * candidate.shape[static_cast<std::size_t>(std::clamp(i + shift, 0, 1023))]);
-    return curve;
-}
-
-TEST(FilterDictionary, HoldsTheShapesInOrderWithTheirLimits)
-{
-    struct Row
-    {
-        std::int32_t type;
-        int count;
-        double highestQBelow;
-        bool hasGain;
-    };
-    const Row rows[] = {
-        { 0, 49, 10.0, true }, { 1, 27, 1.2, true },  { 2, 27, 1.2, true },
-        { 3, 27, 1.2, false }, { 4, 27, 1.2, false }, { 5, 1, 0.8, false },
-        { 6, 1, 0.8, false },  { 7, 34, 2.5, false }, { 8, 34, 2.5, false },
-    };
-    const auto dictionary = FilterDictionary::Shared(44100.0);
-    std::size_t index = 0;
-    for (const Row& row : rows)
-        for (int k = 0; k < row.count; ++k, ++index)
-        {
-            const FilterCandidate& candidate = dictionary->Candidates().at(index);
-            SCOPED_TRACE(index);
-            EXPECT_EQ(candidate.type, row.type);
-            EXPECT_EQ(candidate.hasGain, row.hasGain);
-            EXPECT_NEAR(candidate.q, row.count == 1 ? 0.7071067811865476 : 0.1 * std::pow(1.1, k), 1e-12);
-            EXPECT_LT(candidate.q, row.highestQBelow);
-        }
-    EXPECT_EQ(index, dictionary->Candidates().size());
-}
-
 TEST(FilterDictionary, CapsTheCentreOfWideShapesBelow50kHz)
 {
     struct Row
@@ -184,17 +146,6 @@ TEST(FilterDictionary, IsSharedForOneRateAndGoesWithItsLastUser)
     for (auto& slot : seen)
         slot.reset();
     EXPECT_TRUE(watched.expired());
-}
-
-TEST(FilterFitter, GridIsCentredInItsBins)
-{
-    FilterFitter fitter;
-    EXPECT_EQ(fitter.GridCount(), 0);
-    fitter.BuildGrid(20.0, 20000.0, 1024);
-    ASSERT_EQ(fitter.GridCount(), 1024);
-    EXPECT_NEAR(fitter.Grid()[0], 20.0 * std::pow(1000.0, 0.5 / 1024.0), 1e-5);   // float rounding at 20
-    EXPECT_NEAR(fitter.Grid()[512], 634.59, 0.01);
-    EXPECT_NEAR(fitter.Grid()[1023], 20000.0 * std::pow(1000.0, -0.5 / 1024.0), 0.01);
 }
 
 struct SearchCase
@@ -297,98 +248,6 @@ TEST(FilterSearch, CorrelationStaysFarInsideItsMargin)
     // A choice can only be missed by an error above the margin; a tenth of it leaves room for other
     // processors.
     EXPECT_LT(worst, 0.1 * FilterSearch::CorrelationMargin) << "seed " << Seed;
-}
-
-TEST(FilterFitter, SilenceTakesTheFirstShapeAtItsHighestPosition)
-{
-    struct Row
-    {
-        double sampleRate;
-        std::size_t point;   // 512 + maxShift, limited to the grid
-    };
-    for (const Row& row : { Row{ 96000.0, 1023 }, Row{ 44100.0, 512 + 67 } })
-    {
-        FilterFitter fitter;
-        Curve wanted{};
-        std::vector<FittedFilter> results;
-        fitter.Fit(wanted.data(), row.sampleRate, results, 3, true, MFADefault, 20.0);
-        ASSERT_EQ(results.size(), 3u);
-        EXPECT_EQ(results[0].type, MAudioFilters::Peak);
-        EXPECT_EQ(results[0].q, 0.1);
-        EXPECT_EQ(results[0].gain, 0.0);
-        EXPECT_EQ(results[0].frequency, static_cast<double>(fitter.Grid()[row.point]));
-        // What follows corrects the guard constants in the coefficients of a peak of 0 dB.
-        EXPECT_NEAR(results[1].gain, 0.0, 1e-6);
-        EXPECT_NEAR(results[2].gain, 0.0, 1e-6);
-    }
-}
-
-TEST(FilterFitter, FindsAShapeOfTheDictionaryAgain)
-{
-    struct Row
-    {
-        std::int32_t type;
-        double q;
-        int shift;
-        double gain;
-    };
-    const Row rows[] = {
-        { MAudioFilters::Peak, 1.02, 120, 1.0 },      { MAudioFilters::Peak, 5.0, -300, -0.5 },
-        { MAudioFilters::LowShelf, 0.61, 200, 0.25 }, { MAudioFilters::HighShelf, 0.74, -150, -1.0 },
-        { MAudioFilters::LowPass, 0.9, -250, 1.0 },   { MAudioFilters::HighPass, 0.5, 300, 1.0 },
-        { MAudioFilters::BandPass, 1.0, 40, 1.0 },    { MAudioFilters::Notch, 1.98, -60, 1.0 },
-        { MAudioFilters::LowPass6, 0.7071, 77, 1.0 }, { MAudioFilters::HighPass6, 0.7071, -5, 1.0 },
-    };
-    const auto dictionary = FilterDictionary::Shared(96000.0);
-    for (const Row& row : rows)
-    {
-        SCOPED_TRACE(row.type);
-        const FilterCandidate& candidate = Candidate(*dictionary, row.type, row.q);
-        Curve wanted = Shifted(candidate, row.shift, row.gain);
-        FilterFitter fitter;
-        std::vector<FittedFilter> results;
-        fitter.Fit(wanted.data(), 96000.0, results, 1, true, MFADefault, 20.0);
-        ASSERT_EQ(results.size(), 1u);
-        EXPECT_EQ(results[0].type, row.type);
-        EXPECT_EQ(results[0].q, candidate.q);
-        EXPECT_EQ(results[0].frequency,
-                  static_cast<double>(fitter.Grid()[static_cast<std::size_t>(512 - row.shift)]));
-        EXPECT_NEAR(results[0].gain, candidate.hasGain ? -24.0 * row.gain : 0.0,
-                    1e-5);   // floats of the curve
-    }
-}
-
-TEST(FilterFitter, ConvolvingFindsSymmetricShapesToo)
-{
-    const auto dictionary = FilterDictionary::Shared(96000.0);
-    for (const int shift : { -350, -20, 0, 222, 400 })
-    {
-        SCOPED_TRACE(shift);
-        const FilterCandidate& candidate = Candidate(*dictionary, MAudioFilters::Peak, 3.0);
-        Curve wanted = Shifted(candidate, shift, -0.4);
-        FilterFitter fitter;
-        std::vector<FittedFilter> results;
-        fitter.Fit(wanted.data(), 96000.0, results, 1, true, MFAOptimized, 20.0);
-        ASSERT_EQ(results.size(), 1u);
-        EXPECT_EQ(results[0].type, MAudioFilters::Peak);
-        EXPECT_NEAR(results[0].q, candidate.q, 0.1 * candidate.q + 1e-9);   // the next Q at most
-        const double position = std::log10(results[0].frequency / 20.0) * 1024.0 / 3.0 - 0.5;
-        EXPECT_NEAR(position, 512 - shift, 1.01);
-        EXPECT_NEAR(results[0].gain, 9.6, 0.3);
-    }
-}
-
-TEST(FilterFitter, StopsAt24DbAndGoesOnWithTheRest)
-{
-    const auto dictionary = FilterDictionary::Shared(48000.0);
-    Curve wanted = Shifted(Candidate(*dictionary, MAudioFilters::Peak, 1.92), 100, -2.0);   // +48 dB
-    FilterFitter fitter;
-    std::vector<FittedFilter> results;
-    fitter.Fit(wanted.data(), 48000.0, results, 2, false, MFADefault, 20.0);
-    ASSERT_EQ(results.size(), 2u);
-    EXPECT_EQ(results[0].gain, 24.0);
-    EXPECT_GT(results[1].gain, 20.0);
-    EXPECT_NEAR(results[1].frequency, results[0].frequency, 0.05 * results[0].frequency);
 }
 
 TEST(FilterFitter, LeavesTheResidualOfAllBandsButTheLast)
