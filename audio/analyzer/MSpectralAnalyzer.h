@@ -55,8 +55,8 @@ public:
     void Setup(double newSampleRate, std::int32_t frameSize, double topFrequency, double timeResolution);
     /// Creates what a client needs and starts its frames anew. Statistics of an unchanged size stay.
     void ConfigureClient(AnalyzerClient& client, const AnalyzerClientParameters& parameters);
-    /// Feeds n samples of a mono signal; what is no audio (MVector::CopyAudio) counts as 0. Thread: audio. A client that wasn't configured since the last change
-    /// of the frame size is passed by.
+    /// Feeds n samples of a mono signal; what is no audio (MVector::CopyAudio) counts as 0. A client that
+    /// wasn't configured since the last change of the frame size is passed by. Thread: audio.
     void Analyse(AnalyzerClient& client, const float* samples, std::int32_t n);
     /// Clears the statistics and leaves the frames alone.
     void ResetClient(AnalyzerClient& client);
