@@ -418,9 +418,9 @@ TEST(AutomationNumbers, BelongToOneTargetEachWhateverComesAndGoes)
         EXPECT_EQ(std::count(list.Adapters().begin(), list.Adapters().end(), adapters[0].get()), 0);
         ASSERT_FALSE(::testing::Test::HasFailure()) << "round " << round;
     }
+    Many tooMany(4);
     AutomationList full;
     full.Reserve({ { .sortKey = 0, .first = 0, .count = 3 } });
-    Many tooMany(4);
     full.Add(&tooMany);
     EXPECT_THROW(full.AssignIndices(), MException);
 }
