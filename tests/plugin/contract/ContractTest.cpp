@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "plugin/contract/ChangeListener.h"
 #include "plugin/contract/MAudioEffectPlugin.h"
 #include "plugin/contract/MPluginArgument.h"
 #include "plugin/contract/MPluginHost.h"
@@ -108,6 +109,8 @@ public:
         Say("no editor " + std::to_string(reinterpret_cast<std::intptr_t>(editor)));
     }
     void OnCommand13() override { Say("13"); }
+    std::int32_t OnCommand14(std::int64_t value) override { return static_cast<std::int32_t>(value); }
+    std::int64_t OnCommand20(std::int64_t first, std::int64_t second) override { return 10 * first + second; }
     std::int64_t InitProcessing(std::int32_t channels, double rate) override
     {
         Say("init " + std::to_string(channels) + " " + std::to_string(static_cast<int>(rate)));
@@ -180,6 +183,13 @@ TEST(Contract, AHostMakesConnectsAndEndsItsEffect)
     host->driver = &driver;
     for (const std::int64_t command : { 4, 5, 6, 7 })
         EXPECT_EQ(effect.SendToHost(command), 10 + command);
+    ChangeListener listener(effect.Changes());
+    EXPECT_EQ(effect.SendToHost(HostCommand::EqualizerParametersChanged), 0);
+    EXPECT_EQ(effect.SendToHost(HostCommand::ParameterChangedInside, 6), 0);
+    EXPECT_TRUE(listener.Drain() && listener.Has(Change::Response) && !listener.Has(Change::ParameterGroup));
+    EXPECT_THAT(listener.Bands(), ElementsAre(6));
+    EXPECT_EQ(effect.SendToHost(HostCommand::ParameterGroupLoaded), 0);
+    EXPECT_TRUE(listener.Drain() && listener.Has(Change::ParameterGroup));
     EXPECT_EQ(effect.SendToHost(HostCommand::Query), -1);
     EXPECT_EQ(effect.SendToHost(8), -1);
     host.reset();
@@ -216,8 +226,8 @@ TEST(Contract, EachCommandReachesItsOperationWithItsArguments)
     EXPECT_EQ(send(PluginCommand::CreateEditor, 11), 0);
     EXPECT_EQ(send(PluginCommand::DestroyEditor, 12), 0);
     EXPECT_EQ(send(PluginCommand::Command13), 0);
-    EXPECT_EQ(send(PluginCommand::Command14, 3), -1);
-    EXPECT_EQ(send(PluginCommand::Command20, 3, 4), -1);
+    EXPECT_EQ(send(PluginCommand::Command14, 3, 9), 3);
+    EXPECT_EQ(send(PluginCommand::Command20, 3, 4), 34);
     EXPECT_THAT(Take(effect), ElementsAre("editor 11", "no editor 12", "13"));
     EXPECT_EQ(send(PluginCommand::ParameterChange, Full::Linear), 0);
     EXPECT_EQ(send(PluginCommand::ParameterChange, Full::Fixed), 0);
