@@ -63,7 +63,7 @@ TonalignAudioEffectPlugin::ComparedCurves TonalignAudioEffectPlugin::Compare(con
 
 MString TonalignAudioEffectPlugin::NothingToDoText(bool separate)
 {
-    const MString text =
+    MString text =
         Translate("There is nothing to equalize, because the analysis shows it is already perfect.");
     if (!separate)
         return text;

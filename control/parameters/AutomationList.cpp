@@ -97,6 +97,7 @@ void AutomationList::Build(MPlugin& effect, const BuildContext& context)
         bucket.clear();
     MPluginDescription& description = effect.description;
     std::vector<MPluginParameterInfo*> records;
+    records.reserve(static_cast<std::size_t>(description.parameterCount));
     for (std::int32_t index = 0; index < description.parameterCount; ++index)
         records.push_back(&description.parameters[index]);
     BuildPass(effect, records.data(), description.parameterCount, false, context);

@@ -195,6 +195,41 @@ TEST_F(Automation, EachVisibleRecordHasItsAdapterAndGroup)
     }
 }
 
+TEST_F(Automation, SpecialAndFurtherRecordsTakeTheirPlaces)
+{
+    MPluginParameterInfo further = MPluginParameterInfo::Float("Further", "further", 0, 1, 0);
+    further.hostIndex = -5;
+    effect.records[Effect::Toggle].hostIndex = -1;
+    effect.description.groupList = { &further };
+    Many bands(3);
+    MPluginSpecialParameterInfo special{
+        .name = "Bands", .id = "bands", .adapter = &bands, .owner = nullptr
+    };
+    effect.description.specialParameters = &special;
+    effect.description.specialParameterCount = 1;
+    {
+        AutomationList full;
+        full.Build(effect, { .plugin = &owner, .prefix = "p" });
+        full.AssignIndices();
+        EXPECT_EQ(full.HostParameterCount(), 16);
+        EXPECT_EQ(full.ParameterCount(), 17);
+        EXPECT_EQ(NameOf(*full.Adapters().front()), "Toggle") << "sorted by the record's key";
+        EXPECT_EQ(NameOf(*full.Adapters().back()), "Further") << "what may go again stands behind all others";
+        EXPECT_TRUE(full.Adapters().back()->temporary);
+        EXPECT_EQ(bands.firstIndex, 13);
+        EXPECT_EQ(bands.groupName.ToUTF8() + bands.prefix.ToUTF8(), "Bandsp");
+        EXPECT_EQ(dynamic_cast<ParameterBase*>(full.FindParameter(Effect::Gain))->index, Effect::Gain)
+            << "a further record hides none of the description's";
+        bands.MarkChangedInside(2);
+        EXPECT_THAT(owner.marked, ElementsAre(1015));
+        full.RemoveTemporary();
+        full.AssignIndices();
+        EXPECT_EQ(full.ParameterCount(), 16);
+    }
+    bands.MarkChangedInside(2);
+    EXPECT_EQ(owner.marked.size(), 1u) << "with its list gone it tells nobody";
+}
+
 TEST_F(Automation, ValuesMapBothWaysAndAsText)
 {
     using Type = AutomationAdapter::Type;
