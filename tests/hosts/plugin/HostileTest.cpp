@@ -607,6 +607,35 @@ TEST_F(Hostile, SoundIsCleanAndCostsNoMemoryAtEveryRate)
     }
 }
 
+TEST_F(Hostile, AMovedParameterInEachBlockTakesNoMemory)
+{
+    constexpr std::int32_t block = 256;
+    const Vst2Instance vst2(vst2Module);
+    const Vst3Instance vst3(vst3Module);
+    vst2.Start(48000, block);
+    vst3.Start(48000, block);
+    std::vector<float> left = Programme(block), right = left;
+    float* channels[] = { left.data(), right.data() };
+    for (int warm = 0; warm < 70000 / block; ++warm)
+    {
+        vst2.Process(channels, channels, block);
+        vst3.Process(channels, channels, block);
+    }
+    for (int round = 0; round < 3; ++round)
+        for (std::int32_t index = 0; index < vst2.effect->numParams; ++index)
+        {
+            const double value = 0.1 + 0.25 * round + 0.004 * index;
+            OneChange change(static_cast<Steinberg::Vst::ParamID>(index), { value });
+            const std::int64_t before = AllocationCounter::TakenByThisThread();
+            vst2.effect->setParameter(vst2.effect, index, static_cast<float>(value));
+            vst2.Process(channels, channels, block);
+            EXPECT_EQ(AllocationCounter::TakenByThisThread(), before) << "VST 2, parameter " << index;
+            const std::int64_t between = AllocationCounter::TakenByThisThread();
+            vst3.Process(channels, channels, block, &change);
+            EXPECT_EQ(AllocationCounter::TakenByThisThread(), between) << "VST 3, parameter " << index;
+        }
+}
+
 TEST_F(Hostile, ThreadsOfAHostMayAllCallAtOnce)
 {
     constexpr int instanceCount = 4;
