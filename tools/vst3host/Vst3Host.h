@@ -218,7 +218,8 @@ public:
     Steinberg::Vst::IAudioProcessor* processor = nullptr;
     Steinberg::Vst::IEditController* controller = nullptr;
     mutable Steinberg::Vst::AudioBusBuffers lastOutput;   // what the plug-in left in it: its flags
-    static inline Steinberg::uint32 lastCount = 0;   // references that the last instance left behind
+    // References that the last instance left behind.
+    static inline std::atomic<Steinberg::uint32> lastCount = 0;
 
 private:
     bool (*exit)() = nullptr;
