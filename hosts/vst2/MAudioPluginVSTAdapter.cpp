@@ -213,7 +213,7 @@ std::intptr_t MAudioPluginVSTAdapter::Answer(std::int32_t opcode, std::int32_t i
             *static_cast<SpeakerArrangement**>(pointer) = nullptr;
         return 0;
     case EffectOpcode::SetBypass:
-        plugin->bypass = value != 0;
+        plugin->SetBypass(value != 0);
         return 1;
     case EffectOpcode::GetEffectName:
     case EffectOpcode::GetProductString:

@@ -595,7 +595,7 @@ void MAudioPluginVST3Adapter::ApplyParameterChange(ParamID id, ParamValue value)
     if (echoes.IsEcho())
         return;
     if (id == BypassId)
-        plugin->bypass = value > 0.5;
+        plugin->SetBypass(value > 0.5);
     else if (id < FirstControllerId)
         plugin->SetParameterIfChanged(static_cast<int32>(id), value);
 }
@@ -685,7 +685,8 @@ tresult CreateComponent(const TUID iid, void** object) noexcept
     return AtBoundary("VST3 Plugin main", tresult{ kResultFalse },
                       [&]() -> tresult
                       {
-                          auto* component = new MAudioPluginVST3Adapter(CreateInstance());
+                          auto* component =
+                              std::make_unique<MAudioPluginVST3Adapter>(CreateInstance()).release();
                           const tresult result = component->queryInterface(iid, object);
                           component->release();
                           return result;

@@ -177,9 +177,12 @@ void MAudioPlugin::SetUpsamplingFactor(std::int32_t factor)
     change.Finish();
 }
 
-bool MAudioPlugin::UpsamplingIsPrepared() const
+void MAudioPlugin::SetBypass(bool bypassed)
 {
-    return upsamplingFactor < 2 || (upsamplers[0] && upsamplers[0]->CurrentSetup() == UpsamplerSetup());
+    if (bypass == bypassed)
+        return;
+    bypass = bypassed;
+    Changes().Mark(Change::Bypass);
 }
 
 bool MAudioPlugin::SetAGC(double)

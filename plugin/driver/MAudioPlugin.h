@@ -133,6 +133,8 @@ public:
     /// The gain that the gain control applies now, as a ratio. Any thread.
     double CurrentAGCGain() const { return gainControl.Gain(); }
 
+    /// One relaxed store and a mark. Thread: any.
+    void SetBypass(bool bypassed);
     /// Surround where the host has the channels for it. Thread: any; see ApplyChoices.
     void ChooseChannelMode(ChannelMode mode);
     /// Prepares processing for what was chosen by ChooseChannelMode since the last call. Adapters do it in
@@ -197,8 +199,6 @@ protected:
     virtual void PrepareForProcessingOnce() {}
     /// Whether the plain upsampling has to filter the effect's output; under `settingsLock`.
     virtual bool NeedsDownFilter() const { return true; }
-    /// Whether the upsamplers are as the settings want them.
-    bool UpsamplingIsPrepared() const;
 
     std::int32_t maxProcessBlock = 0x7FFFFFFF;
     std::int32_t interpolationBlock = 256;

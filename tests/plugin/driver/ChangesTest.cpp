@@ -121,6 +121,10 @@ TEST_F(Changes, AnEditIsToldOnceInsideOneGesture)
     plugin.SetParameter(0, 0.75);
     ASSERT_TRUE(screen.Drain()) << "what the host sets, screens hear";
     EXPECT_THAT(screen.Parameters(), ElementsAre(0));
+    plugin.SetBypass(true);
+    ASSERT_TRUE(screen.Drain() && screen.Has(Change::Bypass));
+    plugin.SetBypass(true);
+    EXPECT_TRUE(plugin.bypass && !screen.Drain()) << "no change, no news";
     plugin.SetParameter(0, 0.7, true);
     EXPECT_FALSE(screen.Drain()) << "a silent set tells nobody";
     plugin.ReportChanges();
