@@ -11,7 +11,6 @@
 OfflineHost::OfflineHost() : plugin(CreateInstance(StartingSettings::OfTheSystem))
 {
     plugin->adapter = this;
-    plugin->groupStride = 8;
     plugin->InitProcessing();
     ReportLatency();
 }
@@ -28,13 +27,13 @@ void OfflineHost::ReportLatency()
 
 void OfflineHost::SetGroupWidth(std::int32_t channels)
 {
-    const std::int32_t width = channels > 2 ? 8 : 2;
-    if (width > 2)
+    const bool wide = channels > BusLayout::StereoWidth;
+    if (wide)
         plugin->channelMode = ChannelMode::Surround;
     else if (plugin->channelMode == ChannelMode::Surround)
         plugin->channelMode = ChannelMode::LeftAndRight;
-    if (width != plugin->channelsPerGroup)
-        plugin->SetSurround(width > 2);
+    if (wide != plugin->buses.IsSurround())
+        plugin->SetSurround(wide);
 }
 
 void OfflineHost::Prepare(double sampleRate, std::int32_t channels)
@@ -43,9 +42,8 @@ void OfflineHost::Prepare(double sampleRate, std::int32_t channels)
         throw MException(Format("{0} channels can't be processed; 1 to 8 can.", channels),
                          MErrorCode::InvalidArgument);
     SetGroupWidth(channels);
-    plugin->sampleRate = sampleRate;
     plugin->SetConnectedChannels(channels, channels);
-    plugin->InitProcessing();
+    plugin->InitProcessing(sampleRate);
     plugin->ResetUpsamplers();
 }
 
@@ -85,7 +83,7 @@ void OfflineHost::Render(const AudioSampleBuffer& input, std::int32_t blockFrame
 {
     if (blockFrames < 1)
         throw MException("The block size must be at least 1.", MErrorCode::InvalidArgument);
-    constexpr std::size_t stride = 8;
+    constexpr std::size_t stride = BusLayout::SurroundWidth;
     const auto channels = static_cast<std::size_t>(input.channels);
     std::vector<std::vector<float>> inBuffers(channels,
                                               std::vector<float>(static_cast<std::size_t>(blockFrames)));
@@ -101,7 +99,7 @@ void OfflineHost::Render(const AudioSampleBuffer& input, std::int32_t blockFrame
         const std::int64_t available = std::clamp<std::int64_t>(input.frames - position, 0, frames);
         for (std::size_t channel = 0; channel < channels; ++channel)
         {
-            // The plug-in writes to its inputs, so that it gets copies; behind the end comes silence.
+            // Whole blocks; behind the end comes silence.
             inputs[channel] = inBuffers[channel].data();
             outputs[channel] = outBuffers[channel].data();
             std::copy_n(input.channelData[channel] + position, available, inputs[channel]);

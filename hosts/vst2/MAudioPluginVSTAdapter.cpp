@@ -68,7 +68,6 @@ MAudioPluginVSTAdapter::MAudioPluginVSTAdapter(HostCallback hostCallback,
     sendingRecord.resize(recordHead + outgoingCapacity);
     ModuleUse::SetHostType("VST");
     plugin->adapter = this;
-    plugin->groupStride = 8;
     FillRecord();
     ReportLatency();
     Resume();
@@ -94,10 +93,10 @@ void MAudioPluginVSTAdapter::FillRecord()
     const std::intptr_t answered = CallHost(HostOpcode::Version);
     const std::intptr_t version = answered == 0 ? 1 : answered;
     KeepFirstGroupFor(version);
-    effect.numInputs = plugin->inputNames.Count();
+    effect.numInputs = plugin->buses.InputNames().Count();
     if (version < 100)
         effect.numInputs = std::max(effect.numInputs, 2);
-    effect.numOutputs = plugin->outputNames.Count();
+    effect.numOutputs = plugin->buses.OutputNames().Count();
     effect.numParams = plugin->GetParameterCount();
     effect.ioRatio = 1;
     effect.uniqueID = FourCharacters(PluginIdentity::Vst2Effect);
@@ -108,13 +107,8 @@ void MAudioPluginVSTAdapter::KeepFirstGroupFor(std::intptr_t hostVersion)
 {
     // Hosts before 2.3 can't tell side-chain inputs from more of the main one.
     constexpr std::intptr_t firstWithSidechains = 2300;
-    if (hostVersion >= firstWithSidechains || plugin->inputNames.Count() == 0)
-        return;
-    plugin->channelsPerGroup = 2;
-    while (plugin->inputNames.Count() > 2)
-        plugin->inputNames.Delete(plugin->inputNames.Count() - 1);
-    while (plugin->outputNames.Count() > 2)
-        plugin->outputNames.Delete(plugin->outputNames.Count() - 1);
+    if (hostVersion < firstWithSidechains && plugin->buses.InputGroups() > 0)
+        plugin->buses.SetUp(BusLayout::StereoWidth, 1);
 }
 
 std::intptr_t MAudioPluginVSTAdapter::CallHost(std::int32_t opcode, std::int32_t index, std::intptr_t value,
@@ -135,12 +129,7 @@ void MAudioPluginVSTAdapter::SetSampleRate(float rate)
     constexpr float lowestRate = 100;
     if (!(rate > lowestRate) || !std::isfinite(rate))
         return;
-    {
-        // The audio thread may be in a block: hosts differ in whether they stop it first.
-        const MSynchronizerGuard guard(plugin->settingsLock);
-        plugin->sampleRate = rate;
-    }
-    plugin->InitProcessing();
+    plugin->InitProcessing(rate);
 }
 
 std::intptr_t MAudioPluginVSTAdapter::Dispatch(AEffect* effect, std::int32_t opcode, std::int32_t index,
@@ -307,13 +296,13 @@ std::intptr_t MAudioPluginVSTAdapter::SetChunk(const void* data, std::intptr_t s
 
 bool MAudioPluginVSTAdapter::DescribePin(std::int32_t index, bool input, PinProperties* properties) const
 {
-    const MStringList& names = input ? plugin->inputNames : plugin->outputNames;
+    const MStringList& names = input ? plugin->buses.InputNames() : plugin->buses.OutputNames();
     if (properties == nullptr || index < 0 || index >= names.Count())
         return false;
     *properties = {};
     CopyText(properties->label, names[index], sizeof properties->label);
     CopyText(properties->shortLabel, names[index], sizeof properties->shortLabel);
-    switch (plugin->channelsPerGroup)
+    switch (plugin->buses.Width())
     {
     case 1:
         properties->flags = PinFlags::IsActive;
@@ -338,13 +327,13 @@ bool MAudioPluginVSTAdapter::SetSpeakerArrangement(const SpeakerArrangement* inp
     {
         return given == nullptr || (given->numChannels >= 0 && given->numChannels <= channels);
     };
-    if (!fits(input, plugin->inputNames.Count()) || !fits(output, plugin->outputNames.Count()))
+    if (!fits(input, plugin->buses.InputNames().Count()) || !fits(output, plugin->buses.OutputNames().Count()))
         return false;
     std::int32_t connectedInputs = 0;
-    if (plugin->GetInputGroups() > 0)
-        connectedInputs = input == nullptr ? -1 : std::min(input->numChannels, plugin->channelsPerGroup);
+    if (plugin->buses.InputGroups() > 0)
+        connectedInputs = input == nullptr ? -1 : std::min(input->numChannels, plugin->buses.Width());
     std::int32_t connectedOutputs =
-        output == nullptr ? 1 : std::min(output->numChannels, plugin->channelsPerGroup);
+        output == nullptr ? 1 : std::min(output->numChannels, plugin->buses.Width());
     if (connectedOutputs <= 0)
         connectedOutputs = 1;
     plugin->SetConnectedChannels(connectedInputs, connectedOutputs);
@@ -391,9 +380,9 @@ void MAudioPluginVSTAdapter::PerformProcessing(float** inputs, float** outputs, 
     if (frames <= 0 || outputs == nullptr)
         return;
     ReadTimeInfo();
-    const std::int32_t width = plugin->channelsPerGroup;
-    const std::int32_t inputGroups = plugin->GetInputGroups();
-    const std::int32_t outputGroups = plugin->GetOutputGroups();
+    const std::int32_t width = plugin->buses.Width();
+    const std::int32_t inputGroups = plugin->buses.InputGroups();
+    const std::int32_t outputGroups = plugin->buses.OutputGroups();
     // Some hosts pass no inputs to an effect that nothing is connected to: it hears silence.
     std::array<float*, MAudioPlugin::MaxChannels> unconnected{};
     if (inputs == nullptr)

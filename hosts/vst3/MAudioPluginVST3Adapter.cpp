@@ -26,7 +26,7 @@ namespace Vst3
 {
 namespace
 {
-constexpr std::int32_t groupStride = 8;
+constexpr std::int32_t groupStride = BusLayout::SurroundWidth;
 constexpr std::size_t outgoingCapacity = 512;   // MIDI events that one block may bring
 
 // Tells the host which channels are silent, which then hold zeros and nothing of what keeps denormals out.
@@ -70,7 +70,6 @@ MAudioPluginVST3Adapter::MAudioPluginVST3Adapter(std::unique_ptr<MQuorvaneAudioE
       outputArrangement(SpeakerArr::kStereo)
 {
     outgoingEvents.reserve(outgoingCapacity);
-    plugin->groupStride = groupStride;
 }
 
 MAudioPluginVST3Adapter::~MAudioPluginVST3Adapter()
@@ -147,7 +146,7 @@ tresult MAudioPluginVST3Adapter::initialize(FUnknown* context)
         {
             ReadHostName(context);
             ModuleUse::SetHostType("VST3");
-            startedWide = plugin->channelsPerGroup > 2;
+            startedWide = plugin->buses.IsSurround();
             plugin->adapter = this;
             inputArrangement = outputArrangement = SpeakerArr::kStereo;
             plugin->SetConnectedChannels(2, 2);
@@ -158,8 +157,8 @@ tresult MAudioPluginVST3Adapter::initialize(FUnknown* context)
             if (plugin->producesMIDI)
                 buses[kEvent][kOutput].push_back({ .name = "Midi Out", .channelCount = midiChannels });
             controller.BuildUnits();
-            plugin->sampleRate = 44100;
-            plugin->InitProcessing();
+            constexpr double rateUntilTold = 44100;
+            plugin->InitProcessing(rateUntilTold);
             initialized = true;
             return kResultOk;
         });
@@ -191,7 +190,7 @@ void MAudioPluginVST3Adapter::BuildBuses()
     std::vector<Bus>& outputs = buses[kAudio][kOutput];
     inputs.clear();
     outputs.clear();
-    const int32 inputGroups = plugin->GetInputGroups();
+    const int32 inputGroups = plugin->buses.InputGroups();
     const int32 inputChannels = SpeakerArr::getChannelCount(inputArrangement);
     if (inputGroups >= 1)
         inputs.push_back({ .name = "Stereo In",
@@ -204,7 +203,7 @@ void MAudioPluginVST3Adapter::BuildBuses()
                            .channelCount = inputChannels,
                            .type = kAux,
                            .defaultActive = false });
-    const int32 outputGroups = plugin->GetOutputGroups();
+    const int32 outputGroups = plugin->buses.OutputGroups();
     for (int32 group = 0; group < outputGroups; ++group)
         outputs.push_back(
             { .name = outputGroups == 1 ? MString("Stereo Out") : Format("Stereo Out {0}", group + 1),
@@ -361,7 +360,7 @@ void MAudioPluginVST3Adapter::ApplyArrangements()
     const int32 outputs = SpeakerArr::getChannelCount(outputArrangement);
     ProcessingChange change(*plugin);
     const bool wide = startedWide || outputs > 2;
-    if (wide != (plugin->channelsPerGroup > 2))
+    if (wide != plugin->buses.IsSurround())
         plugin->SetSurround(wide);
     // Who puts the plug-in on a surround track wants all of it equalized.
     if (outputs > 2 && plugin->channelMode == ChannelMode::LeftAndRight)
@@ -416,14 +415,7 @@ tresult MAudioPluginVST3Adapter::setupProcessing(ProcessSetup& setup)
                           processSetup.processMode = setup.processMode;
                           constexpr double lowestRate = 100;
                           if (setup.sampleRate > lowestRate && std::isfinite(setup.sampleRate))
-                          {
-                              {
-                                  // Hosts differ in whether a block may still run.
-                                  const MSynchronizerGuard guard(plugin->settingsLock);
-                                  plugin->sampleRate = std::floor(setup.sampleRate + 0.5);
-                              }
-                              plugin->InitProcessing();
-                          }
+                              plugin->InitProcessing(std::floor(setup.sampleRate + 0.5));
                           if (canProcessSampleSize(setup.symbolicSampleSize) != kResultTrue)
                               return kResultFalse;
                           processSetup = setup;

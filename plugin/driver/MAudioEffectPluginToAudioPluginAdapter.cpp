@@ -69,30 +69,7 @@ bool MAudioEffectPluginToAudioPluginAdapter::LoadDefaultSettings() noexcept
 
 void MAudioEffectPluginToAudioPluginAdapter::SetSurround(bool active)
 {
-    constexpr std::int32_t stereoWidth = 2;
-    constexpr std::int32_t surroundWidth = 8;
-    static constexpr const char* sides[] = { "L", "R" };
-    const std::int32_t width = active ? surroundWidth : stereoWidth;
-    channelsPerGroup = width;
-    inputNames.Clear();
-    outputNames.Clear();
-    const auto nameOf = [active](std::int32_t channel)
-    {
-        return active ? Format("{0}", channel) : MString(sides[channel % stereoWidth]);
-    };
-    for (std::int32_t channel = 0; channel < width; ++channel)
-    {
-        inputNames.Add(Format("In {0}", nameOf(channel)));
-        outputNames.Add(Format("Out {0}", nameOf(channel)));
-    }
-    const std::int32_t buses = effect->description.inputBusCount;
-    if (buses == 2)
-        for (std::int32_t channel = 0; channel < width; ++channel)
-            inputNames.Add(Format("Sidechain {0}", nameOf(channel)));
-    else
-        for (std::int32_t bus = 1; bus < buses; ++bus)
-            for (std::int32_t channel = 0; channel < width; ++channel)
-                inputNames.Add(Format("Sidechain {0} {1}", MString(sides[channel % stereoWidth]), bus));
+    buses.SetUp(active ? BusLayout::SurroundWidth : BusLayout::StereoWidth, effect->description.inputBusCount);
 }
 
 void MAudioEffectPluginToAudioPluginAdapter::RebuildParameters()
@@ -235,7 +212,7 @@ void MAudioEffectPluginToAudioPluginAdapter::StoreChannelMode(const MStoreParams
     if (item.HasAttribute("EnableSurroundProcessing"))
         channelMode =
             item.GetCachedAttribute().ToInt() > 0 ? ChannelMode::Surround : ChannelMode::LeftAndRight;
-    if (channelMode == ChannelMode::Surround && channelsPerGroup < 3)
+    if (channelMode == ChannelMode::Surround && !buses.IsSurround())
         channelMode = ChannelMode::LeftAndRight;
 }
 

@@ -11,52 +11,34 @@
 
 MAudioPlugin::MAudioPlugin() = default;
 
-std::int32_t MAudioPlugin::GroupWidth() const
-{
-    return connectedWidth >= 0 ? connectedWidth : channelsPerGroup;
-}
-
 std::int32_t MAudioPlugin::GetEffectInputChannels() const
 {
-    return inputNames.Count() == 0 ? 0 : std::max(1, std::min(GroupWidth(), modeInputChannels));
+    return buses.InputGroups() == 0 ? 0 : std::max(1, std::min(buses.UsedWidth(), modeInputChannels));
 }
 
 std::int32_t MAudioPlugin::GetEffectChannels() const
 {
     if (InfoOf(activeChannelMode).countsByMode)
-        return std::max(1, inputsPerGroup == 2 ? modeInputChannels : GroupWidth());
-    return std::max(1, std::min(GroupWidth(), modeInputChannels));
+        return std::max(1, inputsPerGroup == 2 ? modeInputChannels : buses.UsedWidth());
+    return std::max(1, std::min(buses.UsedWidth(), modeInputChannels));
 }
 
 std::int32_t MAudioPlugin::GetInputChannelsPerGroup() const
 {
-    return inputNames.Count() == 0 ? 0 : std::max(1, std::min(GroupWidth(), modeOutputChannels));
+    return buses.InputGroups() == 0 ? 0 : std::max(1, std::min(buses.UsedWidth(), modeOutputChannels));
 }
 
 std::int32_t MAudioPlugin::GetOutputChannelsPerGroup() const
 {
-    return std::max(1, std::min(GroupWidth(), modeOutputChannels));
-}
-
-std::int32_t MAudioPlugin::GetInputGroups() const
-{
-    return inputNames.Count() / channelsPerGroup;
-}
-
-std::int32_t MAudioPlugin::GetOutputGroups() const
-{
-    return outputNames.Count() / channelsPerGroup;
+    return std::max(1, std::min(buses.UsedWidth(), modeOutputChannels));
 }
 
 void MAudioPlugin::SetConnectedChannels(std::int32_t inputs, std::int32_t outputs)
 {
-    connectedInputs = inputs;
-    connectedOutputs = outputs;
-    const std::int32_t width = std::max(inputs, outputs);
-    if (width == connectedWidth)
-        return;
-    connectedWidth = width;
-    InitProcessing();
+    ProcessingChange change(*this);
+    if (buses.Connect(inputs, outputs))
+        change.Prepare(ProcessingChange::Preparation::Always);
+    change.Finish();
 }
 
 void MAudioPlugin::PrepareProcessing()
@@ -69,7 +51,7 @@ void MAudioPlugin::PrepareProcessing()
     if (activeChannelMode == ChannelMode::Surround)
     {
         // Of the channels that are there: the effect must not be promised more than the routing hands on.
-        const std::ptrdiff_t present = std::clamp<std::int32_t>(GroupWidth(), 0, 8);
+        const std::ptrdiff_t present = std::clamp<std::int32_t>(buses.UsedWidth(), 0, 8);
         modeInputChannels = std::min(modeInputChannels,
                                      static_cast<std::int32_t>(std::count(
                                          enabledChannels.begin(), enabledChannels.begin() + present, true)));
@@ -87,15 +69,22 @@ void MAudioPlugin::InitProcessing()
     change.Finish();
 }
 
+void MAudioPlugin::InitProcessing(double newSampleRate)
+{
+    // Hosts differ in whether they stop the audio thread first.
+    ProcessingChange change(*this);
+    sampleRate = newSampleRate;
+    InitProcessing();
+    change.Finish();
+}
+
 MAudioPlugin::Prepared MAudioPlugin::WantedSetup() const
 {
     return { .rates = UpsamplerSetup(),
              .mode = channelMode,
              .enabledChannels = enabledChannels,
-             .connectedWidth = connectedWidth,
-             .channelsPerGroup = channelsPerGroup,
-             .inputGroups = GetInputGroups(),
-             .outputGroups = GetOutputGroups() };
+             .usedWidth = buses.UsedWidth(),
+             .width = buses.Width() };
 }
 
 void MAudioPlugin::FinishChange()
@@ -124,27 +113,19 @@ void MAudioPlugin::PrepareAnew()
     routing.Prepare({ .mode = activeChannelMode,
                       .enabled = enabledChannels,
                       .width = std::max(inputsPerGroup, outputsPerGroup),
-                      .groupStride = channelsPerGroup,
-                      .inputGroups = GetInputGroups(),
-                      .outputGroups = GetOutputGroups(),
+                      .groupStride = buses.Width(),
+                      .inputGroups = buses.InputGroups(),
+                      .outputGroups = buses.OutputGroups(),
                       .latency = GetLatency() });
-    bypassDelayLength = TotalLatency();
-    const std::int32_t groups = std::min(GetInputGroups(), GetOutputGroups());
-    for (std::int32_t channel = 0; channel < groups * channelsPerGroup; ++channel)
-    {
-        MSampleQueue& delay = bypassDelay[static_cast<std::size_t>(channel)];
-        delay.Clear();
-        delay.Reserve(bypassDelayLength + 8192);
-        delay.PushZeros(bypassDelayLength);
-    }
-    bypassFade.Prepare(sampleRate, bypass);
+    const std::int32_t groups = std::min(buses.InputGroups(), buses.OutputGroups());
+    dryPath.Prepare(sampleRate, bypass, groups * buses.Width(), TotalLatency());
 }
 
 void MAudioPlugin::RestartGainControl()
 {
     const MSynchronizerGuard guard(settingsLock);
     if (agcActive)
-        gainControl.Init(sampleRate, std::max(inputsPerGroup, outputsPerGroup), bypassDelayLength);
+        gainControl.Init(sampleRate, std::max(inputsPerGroup, outputsPerGroup), dryPath.Latency());
 }
 
 void MAudioPlugin::PrepareUpsamplers()
@@ -152,12 +133,11 @@ void MAudioPlugin::PrepareUpsamplers()
     if (upsamplingFactor < 2)
         return;
     const MUpsampler::Setup wanted = UpsamplerSetup();
-    const std::int32_t groups = std::max(GetInputGroups(), GetOutputGroups());
-    for (std::int32_t group = 0; group < groups; ++group)
+    for (std::int32_t group = 0; group < buses.MostGroups(); ++group)
         for (std::int32_t channel = 0; channel < std::max(inputsPerGroup, outputsPerGroup); ++channel)
         {
             std::unique_ptr<MUpsampler>& upsampler =
-                upsamplers[static_cast<std::size_t>(group * channelsPerGroup + channel)];
+                upsamplers[buses.SlotOf(group, channel)];
             if (!upsampler)
                 upsampler = std::make_unique<MUpsampler>();
             if (!(upsampler->CurrentSetup() == wanted))
@@ -211,9 +191,8 @@ std::int32_t MAudioPlugin::TotalTailSize()
 
 void MAudioPlugin::ChooseChannelMode(ChannelMode mode)
 {
-    constexpr std::int32_t leastSurround = 3;
     channelMode =
-        mode == ChannelMode::Surround && channelsPerGroup < leastSurround ? ChannelMode::LeftAndRight : mode;
+        mode == ChannelMode::Surround && !buses.IsSurround() ? ChannelMode::LeftAndRight : mode;
     choicesPending = true;
 }
 

@@ -8,16 +8,15 @@
 #include <optional>
 #include <vector>
 
-#include "audio/stages/BypassFade.h"
 #include "audio/stages/ChannelRouting.h"
+#include "audio/stages/DryPath.h"
 #include "audio/stages/MAutomaticGainControl.h"
-#include "audio/stages/MSampleQueue.h"
 #include "audio/stages/MUpsampler.h"
 #include "control/parameters/AutomationList.h"
 #include "foundation/containers/MEvent.h"
-#include "foundation/text/MStringList.h"
 #include "foundation/threads/MLock.h"
 #include "plugin/contract/MPluginDescription.h"
+#include "plugin/driver/BusLayout.h"
 #include "plugin/driver/EditorUpdates.h"
 #include "plugin/driver/HostReporter.h"
 #include "plugin/driver/MAudioPluginAdapter.h"
@@ -29,8 +28,7 @@ struct MStoreParams;
 
 /// The host-neutral plug-in object. A host adapter owns one and feeds it blocks and parameter calls.
 ///
-/// Order of calls: the adapter sets `adapter`, `sampleRate` and the connected channels and runs
-/// InitProcessing; then ProcessBlock as often as it likes. A change of rate or channels runs InitProcessing
+/// Order of calls: the adapter sets `adapter` and the connected channels and runs InitProcessing; then ProcessBlock as often as it likes. A change of rate or channels runs InitProcessing
 /// again, from any thread.
 ///
 /// Locks, always in this order: `processLock`, `initLock`, `settingsLock`. ProcessBlock only tries the first
@@ -60,6 +58,8 @@ public:
     /// Prepares for `sampleRate` and the channels set, and forgets all audio. Any thread but the audio
     /// thread; allocates.
     void InitProcessing();
+    /// The same for another rate, in Hz.
+    void InitProcessing(double newSampleRate);
     /// How many channels of a group the host really connected; a change prepares anew.
     void SetConnectedChannels(std::int32_t inputs, std::int32_t outputs);
 
@@ -150,20 +150,13 @@ public:
     virtual std::int32_t GetEffectChannels() const;
     virtual std::int32_t GetInputChannelsPerGroup() const;
     virtual std::int32_t GetOutputChannelsPerGroup() const;
-    virtual std::int32_t GetInputGroups() const;
-    virtual std::int32_t GetOutputGroups() const;
     virtual void OnSettingsChanged() {}
     /// A slow tick of the user interface.
     virtual void ProcessUpdate() {}
 
     Transport transport;   ///< of the host; for the audio thread
     double processingSampleRate = 44100;   ///< the rate that the effect sees
-    MStringList inputNames;   ///< their counts are the channel counts
-    MStringList outputNames;
-    std::int32_t connectedInputs = 0;   ///< 0: all
-    std::int32_t connectedOutputs = 0;
-    std::int32_t channelsPerGroup = 2;
-    std::int32_t groupStride = 8;
+    BusLayout buses;   ///< changed before a host has seen the object, or within a ProcessingChange
     bool takesMIDI = false;
     bool producesMIDI = false;
     bool outputsAccumulate = false;   ///< Process adds to its outputs
@@ -223,10 +216,8 @@ private:
         MUpsampler::Setup rates;
         ChannelMode mode = ChannelMode::LeftAndRight;
         std::array<bool, 8> enabledChannels{};
-        std::int32_t connectedWidth = 0;
-        std::int32_t channelsPerGroup = 0;
-        std::int32_t inputGroups = 0;
-        std::int32_t outputGroups = 0;
+        std::int32_t usedWidth = 0;
+        std::int32_t width = 0;
 
         bool operator==(const Prepared&) const = default;
     };
@@ -265,7 +256,6 @@ private:
     void FixInputs(ChannelSet& channels, std::int32_t groups, std::int32_t sampleCount);
     float** Scratch(std::vector<std::vector<float>>& buffers, ChannelSet& pointers, std::int32_t channels,
                     std::int32_t sampleCount);
-    std::int32_t GroupWidth() const;
 
     HostReporter reporter{ *this, environment.changes };
     std::atomic<bool> choicesPending = false;
@@ -273,13 +263,10 @@ private:
     bool changing = false;
     std::optional<ProcessingChange::Preparation> wantedPreparation;
     std::optional<Prepared> prepared;
-    std::int32_t connectedWidth = -1;   // of the host's group; negative: the group as it is
     std::int32_t modeInputChannels = 2;
     std::int32_t modeOutputChannels = 2;
     ChannelRouting routing;
-    std::int32_t bypassDelayLength = 0;
-    std::array<MSampleQueue, MaxChannels> bypassDelay;   // fed at all times
-    BypassFade bypassFade;
+    DryPath dryPath;
     std::array<std::unique_ptr<MUpsampler>, MaxChannels> upsamplers;   // made where a channel needs one
     std::vector<std::vector<float>> inputScratch;
     std::vector<std::vector<float>> outputScratch;

@@ -26,20 +26,20 @@ void MAudioPlugin::ProcessBlock(float* const* inputs, float* const* outputs, std
     const MSynchronizerGuard processGuard(processLock, 0);
     const MSynchronizerGuard settingsGuard(settingsLock);
 
-    const std::int32_t inputGroups = inputs != nullptr ? GetInputGroups() : 0;
-    const std::int32_t outputGroups = GetOutputGroups();
+    const std::int32_t inputGroups = inputs != nullptr ? buses.InputGroups() : 0;
+    const std::int32_t outputGroups = buses.OutputGroups();
     if (sampleCount < 1 || outputs == nullptr || outputGroups < 1)
         return;
 
     // The work is done in arrays of our own: the host's inputs stay as they are, and its arrays may be shared
     // in any way. Its outputs are worked in where each is one and holds nothing that is to stay.
-    bypassFade.Begin(bypass, sampleCount);
+    dryPath.Begin(bypass, sampleCount);
     ChannelSet in = TakeInputs(inputs, inputGroups, sampleCount);
     ChannelSet dry = DelayDry(in, inputGroups, outputGroups, sampleCount);
     ChannelSet wet;
     const bool directly = replacing && GatherOwnOutputs(wet, outputs);
     if (!directly)
-        Scratch(outputScratch, wet, outputGroups * channelsPerGroup, sampleCount);
+        Scratch(outputScratch, wet, outputGroups * buses.Width(), sampleCount);
 
     ProcessingBegin(in.pointers.data(), wet.pointers.data(), sampleCount, replacing);
     if (agcActive)
@@ -55,12 +55,12 @@ void MAudioPlugin::ProcessBlock(float* const* inputs, float* const* outputs, std
         gainControl.Process(wet.pointers.data(), sampleCount, outputsPerGroup);
     ProcessingEnd(in.pointers.data(), wet.pointers.data(), sampleCount, replacing);
 
-    if (bypassFade.IsHeard())
+    if (dryPath.IsHeard())
         for (std::int32_t group = 0; group < outputGroups; ++group)
             for (std::int32_t channel = 0; channel < outputsPerGroup; ++channel)
             {
-                const auto index = static_cast<std::size_t>(group * channelsPerGroup + channel);
-                bypassFade.Apply(wet.pointers[index], dry.pointers[index]);
+                const std::size_t index = buses.SlotOf(group, channel);
+                dryPath.Mix(wet.pointers[index], dry.pointers[index]);
             }
     if (!directly)
         Deliver(wet, dry, outputs, sampleCount, replacing);
@@ -69,18 +69,17 @@ void MAudioPlugin::ProcessBlock(float* const* inputs, float* const* outputs, std
 /// The host's outputs, if the effect writes all of them and each is an array for itself.
 bool MAudioPlugin::GatherOwnOutputs(ChannelSet& wet, float* const* outputs) const
 {
-    if (outputsPerGroup != channelsPerGroup || (connectedOutputs > 0 && connectedOutputs < channelsPerGroup))
+    if (outputsPerGroup != buses.Width() || buses.ConnectedOutputs() < buses.Width())
         return false;
-    const auto count = static_cast<std::size_t>(GetOutputGroups() * channelsPerGroup);
-    for (std::size_t index = 0; index < count; ++index)
-    {
-        const auto channel = static_cast<std::int32_t>(index);
-        float* target = outputs[channel / channelsPerGroup * groupStride + channel % channelsPerGroup];
-        const auto end = wet.pointers.begin() + channel;
-        if (target == nullptr || std::find(wet.pointers.begin(), end, target) != end)
-            return false;
-        wet.pointers[index] = target;
-    }
+    float** next = wet.pointers.data();
+    for (std::int32_t group = 0; group < buses.OutputGroups(); ++group)
+        for (std::int32_t channel = 0; channel < buses.Width(); ++channel)
+        {
+            float* target = outputs[buses.HostSlotOf(group, channel)];
+            if (target == nullptr || std::find(wet.pointers.data(), next, target) != next)
+                return false;
+            *next++ = target;
+        }
     return true;
 }
 
@@ -95,9 +94,9 @@ bool MAudioPlugin::ProcessBlockOrSilence(float* const* inputs, float* const* out
                                       });
     if (processed || !replacing || outputs == nullptr || sampleCount < 1)
         return processed;
-    for (std::int32_t group = 0; group < GetOutputGroups(); ++group)
-        for (std::int32_t channel = 0; channel < channelsPerGroup; ++channel)
-            if (float* target = outputs[group * groupStride + channel])
+    for (std::int32_t group = 0; group < buses.OutputGroups(); ++group)
+        for (std::int32_t channel = 0; channel < buses.Width(); ++channel)
+            if (float* target = outputs[buses.HostSlotOf(group, channel)])
                 MVector::Zero(target, sampleCount);
     return false;
 }
@@ -106,23 +105,22 @@ MAudioPlugin::ChannelSet MAudioPlugin::TakeInputs(float* const* inputs, std::int
                                                   std::int32_t sampleCount)
 {
     ChannelSet host;
-    const std::int32_t groups = std::max(inputGroups, GetOutputGroups());
-    std::fill_n(host.pointers.begin(), groups * channelsPerGroup, nullptr);
-    // The groups stand `groupStride` apart in the host's arrays and side by side in ours.
+    const std::int32_t groups = std::max(inputGroups, buses.OutputGroups());
+    std::fill_n(host.pointers.begin(), groups * buses.Width(), nullptr);
     for (std::int32_t group = 0; group < inputGroups; ++group)
-        for (std::int32_t channel = 0; channel < channelsPerGroup; ++channel)
-            host.pointers[static_cast<std::size_t>(group * channelsPerGroup + channel)] =
-                inputs[group * groupStride + channel];
+        for (std::int32_t channel = 0; channel < buses.Width(); ++channel)
+            host.pointers[buses.SlotOf(group, channel)] =
+                inputs[buses.HostSlotOf(group, channel)];
     if (inputGroups > 0)
         FixInputs(host, inputGroups, sampleCount);
     ChannelSet own;
-    Scratch(inputScratch, own, groups * channelsPerGroup, sampleCount);
-    for (std::size_t index = 0; index < static_cast<std::size_t>(groups * channelsPerGroup); ++index)
+    Scratch(inputScratch, own, groups * buses.Width(), sampleCount);
+    for (std::size_t index = 0; index < static_cast<std::size_t>(groups * buses.Width()); ++index)
     {
         const float* source = host.pointers[index];
         if (source == nullptr)
             MVector::Zero(own.pointers[index], sampleCount);
-        else if (index % static_cast<std::size_t>(channelsPerGroup) > 0 && source == host.pointers[index - 1])
+        else if (index % static_cast<std::size_t>(buses.Width()) > 0 && source == host.pointers[index - 1])
             own.pointers[index] = own.pointers[index - 1];   // a mono route stays one
         else
             MVector::CopyAudio(source, own.pointers[index], sampleCount);
@@ -136,22 +134,18 @@ MAudioPlugin::ChannelSet MAudioPlugin::DelayDry(const ChannelSet& inputs, std::i
                                                 std::int32_t outputGroups, std::int32_t sampleCount)
 {
     ChannelSet dry;
-    Scratch(dryScratch, dry, outputGroups * channelsPerGroup, sampleCount);
+    Scratch(dryScratch, dry, outputGroups * buses.Width(), sampleCount);
     for (std::int32_t group = 0; group < outputGroups; ++group)
-        for (std::int32_t channel = 0; channel < channelsPerGroup; ++channel)
+        for (std::int32_t channel = 0; channel < buses.Width(); ++channel)
         {
-            const auto index = static_cast<std::size_t>(group * channelsPerGroup + channel);
+            const std::size_t index = buses.SlotOf(group, channel);
             if (group >= inputGroups)
             {
                 MVector::Zero(dry.pointers[index], sampleCount);
                 continue;
             }
-            MSampleQueue& delay = bypassDelay[index];
-            delay.Push(inputs.pointers[index], sampleCount);
-            if (bypassFade.IsHeard() || channel >= outputsPerGroup)
-                delay.Pull(dry.pointers[index], sampleCount);
-            else
-                delay.DropFront(sampleCount);
+            const bool heard = dryPath.IsHeard() || channel >= outputsPerGroup;
+            dryPath.Run(index, inputs.pointers[index], heard ? dry.pointers[index] : nullptr, sampleCount);
         }
     return dry;
 }
@@ -165,16 +159,14 @@ bool MAudioPlugin::IsMonoRoute(const ChannelSet& inputs) const
 void MAudioPlugin::Deliver(const ChannelSet& wet, const ChannelSet& dry, float* const* outputs,
                            std::int32_t sampleCount, bool replacing)
 {
-    const std::int32_t real =
-        connectedOutputs <= 0 ? channelsPerGroup : std::min(connectedOutputs, channelsPerGroup);
-    for (std::int32_t group = 0; group < GetOutputGroups(); ++group)
-        for (std::int32_t channel = 0; channel < real; ++channel)
+    for (std::int32_t group = 0; group < buses.OutputGroups(); ++group)
+        for (std::int32_t channel = 0; channel < buses.ConnectedOutputs(); ++channel)
         {
-            float* const* first = outputs + group * groupStride;
+            float* const* first = outputs + buses.HostSlotOf(group, 0);
             float* target = first[channel];
             if (target == nullptr || std::find(first, first + channel, target) != first + channel)
                 continue;
-            const auto index = static_cast<std::size_t>(group * channelsPerGroup + channel);
+            const std::size_t index = buses.SlotOf(group, channel);
             const float* source = channel < outputsPerGroup ? wet.pointers[index] : dry.pointers[index];
             if (replacing)
                 MVector::Copy(source, target, sampleCount);
@@ -189,9 +181,9 @@ void MAudioPlugin::ProcessDirect(const ChannelSet& inputs, const ChannelSet& out
     // ProcessChannels moves pointers about; `inputs` and `outputs` remain as they are.
     ChannelSet in;
     ChannelSet out;
-    const std::int32_t count = std::max(GetInputGroups(), GetOutputGroups()) * channelsPerGroup;
+    const std::int32_t count = buses.MostGroups() * buses.Width();
     std::copy_n(inputs.pointers.begin(), count, in.pointers.begin());
-    std::copy_n(outputs.pointers.begin(), GetOutputGroups() * channelsPerGroup, out.pointers.begin());
+    std::copy_n(outputs.pointers.begin(), buses.OutputGroups() * buses.Width(), out.pointers.begin());
     if (outputsAccumulate)
         for (std::int32_t channel = 0; channel < outputsPerGroup; ++channel)
             MVector::Zero(outputs.pointers[static_cast<std::size_t>(channel)], sampleCount);
@@ -269,26 +261,24 @@ void MAudioPlugin::RunEffect(float** inputs, float** outputs, std::int32_t sampl
 /// Hosts pass null for what nothing is plugged into, and tell how many channels of a group are theirs.
 void MAudioPlugin::FixInputs(ChannelSet& channels, std::int32_t groups, std::int32_t sampleCount)
 {
-    const auto end = channels.pointers.begin() + groups * channelsPerGroup;
-    if (connectedInputs == 0 && std::find(channels.pointers.begin(), end, nullptr) == end)
+    const auto end = channels.pointers.begin() + groups * buses.Width();
+    if (buses.AllInputsConnected() && std::find(channels.pointers.begin(), end, nullptr) == end)
         return;
     GrowBuffer(silentInput, sampleCount);
 
-    const std::int32_t real =
-        connectedInputs <= 0 ? channelsPerGroup : std::min(connectedInputs, channelsPerGroup);
     for (std::int32_t group = 0; group < groups; ++group)
     {
-        float** first = channels.pointers.data() + group * channelsPerGroup;
+        float** first = channels.pointers.data() + group * buses.Width();
         const bool present = first[0] != nullptr;
-        for (std::int32_t channel = 0; channel < channelsPerGroup; ++channel)
+        for (std::int32_t channel = 0; channel < buses.Width(); ++channel)
         {
-            if (!present || channel >= real)
+            if (!present || channel >= buses.ConnectedInputs())
                 first[channel] = silentInput.data();
             else if (first[channel] == nullptr)
                 first[channel] = first[channel - 1];
         }
         // A mono input plays as dual mono.
-        if (connectedInputs == 1 && channelsPerGroup == 2)
+        if (buses.IsMonoInput() && buses.Width() == BusLayout::StereoWidth)
             first[1] = first[0];
     }
 }

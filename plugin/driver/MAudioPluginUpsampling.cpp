@@ -21,10 +21,10 @@ MAudioPlugin::ChannelSet MAudioPlugin::FeedUpsamplers(const ChannelSet& inputs, 
     ChannelSet fed;
     const std::int32_t width = std::max(inputsPerGroup, outputsPerGroup);
     const bool downFiltered = NeedsDownFilter();
-    for (std::int32_t group = 0; group < std::max(GetInputGroups(), GetOutputGroups()); ++group)
+    for (std::int32_t group = 0; group < buses.MostGroups(); ++group)
         for (std::int32_t channel = 0; channel < width; ++channel)
         {
-            const auto index = static_cast<std::size_t>(group * channelsPerGroup + channel);
+            const std::size_t index = buses.SlotOf(group, channel);
             MUpsampler& upsampler = *upsamplers[index];
             upsampler.SetDownFiltered(downFiltered);
             upsampler.Up(inputs.pointers[index], sampleCount);
@@ -37,10 +37,10 @@ MAudioPlugin::ChannelSet MAudioPlugin::FeedUpsamplers(const ChannelSet& inputs, 
 MAudioPlugin::ChannelSet MAudioPlugin::EffectOutputs()
 {
     ChannelSet work;
-    for (std::int32_t group = 0; group < GetOutputGroups(); ++group)
+    for (std::int32_t group = 0; group < buses.OutputGroups(); ++group)
         for (std::int32_t channel = 0; channel < std::max(inputsPerGroup, outputsPerGroup); ++channel)
         {
-            const auto index = static_cast<std::size_t>(group * channelsPerGroup + channel);
+            const std::size_t index = buses.SlotOf(group, channel);
             work.pointers[index] = upsamplers[index]->DownSamples();
         }
     return work;
@@ -54,10 +54,10 @@ void MAudioPlugin::ProcessUpsampled(const ChannelSet& inputs, const ChannelSet& 
     ChannelSet out = EffectOutputs();
     ProcessChannels(in, out, upsamplingFactor * sampleCount);
 
-    for (std::int32_t group = 0; group < GetOutputGroups(); ++group)
+    for (std::int32_t group = 0; group < buses.OutputGroups(); ++group)
         for (std::int32_t channel = 0; channel < outputsPerGroup; ++channel)
         {
-            const auto index = static_cast<std::size_t>(group * channelsPerGroup + channel);
+            const std::size_t index = buses.SlotOf(group, channel);
             upsamplers[index]->Down(outputs.pointers[index], sampleCount);
         }
     LimitOutputs(outputs, sampleCount);
@@ -68,10 +68,10 @@ void MAudioPlugin::LimitOutputs(const ChannelSet& outputs, std::int32_t sampleCo
     const double limit = GetOutputLimit();
     if (limit < 0)
         return;
-    for (std::int32_t group = 0; group < GetOutputGroups(); ++group)
+    for (std::int32_t group = 0; group < buses.OutputGroups(); ++group)
         for (std::int32_t channel = 0; channel < outputsPerGroup; ++channel)
             if (float* output =
-                    outputs.pointers[static_cast<std::size_t>(group * channelsPerGroup + channel)])
+                    outputs.pointers[buses.SlotOf(group, channel)])
                 MVector::ClipInPlace(output, sampleCount, static_cast<float>(-limit),
                                      static_cast<float>(limit));
 }

@@ -77,7 +77,7 @@ protected:
         plugin.Initialize("Test", "Quorvane", &TestEffect::Entry, 800, 560);
         effect = TestEffect::last;
         plugin.adapter = &host;
-        plugin.groupStride = 2;
+        plugin.buses.SetStride(2);
         plugin.InitProcessing();
         host.Take();
     }

@@ -40,14 +40,9 @@ protected:
         plugin->Initialize("Test", "Quorvane", &Doubling::Entry, 800, 560);
         effect = TestEffect::last;
         effect->latency = latency;
-        plugin->groupStride = width;
+        plugin->buses.SetStride(width);
         if (width == 8)
-        {
-            plugin->channelsPerGroup = 8;
-            for (MStringList* names : { &plugin->inputNames, &plugin->outputNames })
-                while (names->Count() < 8)
-                    names->Add("More");
-        }
+            plugin->SetSurround(true);
         plugin->channelMode = mode;
     }
 

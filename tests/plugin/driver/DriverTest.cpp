@@ -40,7 +40,7 @@ protected:
         effect = TestEffect::last;
         effect->latency = 2048;
         plugin.sampleRate = 48000;
-        plugin.groupStride = 2;
+        plugin.buses.SetStride(2);
         plugin.InitProcessing();
         effect->updateCount = 0;
     }
@@ -77,8 +77,8 @@ TEST_F(Driver, PassesChannelsAndReportsTheLatencyOnce)
     Run(16);
     EXPECT_FLOAT_EQ(outLeft[3], 4);
     EXPECT_FLOAT_EQ(outRight[3], -4);
-    EXPECT_EQ(plugin.inputNames.Count(), 2);
-    EXPECT_EQ(plugin.inputNames[1].ToUTF8(), "In R");
+    EXPECT_EQ(plugin.buses.InputNames().Count(), 2);
+    EXPECT_EQ(plugin.buses.InputNames()[1].ToUTF8(), "In R");
 }
 
 TEST_F(Driver, RampsAHostsChangeAcrossTheBlockInSteps)
@@ -183,7 +183,7 @@ TEST_F(Driver, BypassFadesBetweenWhatRunsOnAnyway)
         MQuorvaneAudioEffectPlugin late;
         late.Initialize("Test", "Quorvane", &Late::Entry, 800, 560);
         late.sampleRate = 48000;
-        late.groupStride = 2;
+        late.buses.SetStride(2);
         late.InitProcessing();
         Channels output(2, std::vector<float>(count));
         std::size_t turn = 0;

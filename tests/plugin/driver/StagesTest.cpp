@@ -56,7 +56,7 @@ protected:
         plugin.Initialize("Test", "Quorvane", &TestEffect::Entry, 800, 560);
         effect = TestEffect::last;
         plugin.sampleRate = 48000;
-        plugin.groupStride = 2;
+        plugin.buses.SetStride(2);
         plugin.InitProcessing();
         effect->runs.reserve(100000);
         effect->rampValues.reserve(100000);
