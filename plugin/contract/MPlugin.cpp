@@ -120,8 +120,17 @@ void MPlugin::AcceptValues()
 }
 
 void MPlugin::OnParameterChange(std::int32_t) {}
-void MPlugin::CreateEditor(MControl*) {}
-void MPlugin::DestroyEditor(MControl*) {}
+void MPlugin::CreateEditor(MControl* parent)
+{
+    if (EffectScreens* screens = description.environment->screens)
+        screens->CreateEditor(*this, parent);
+}
+
+void MPlugin::DestroyEditor(MControl* editor)
+{
+    if (EffectScreens* screens = description.environment->screens)
+        screens->DestroyEditor(*this, editor);
+}
 void MPlugin::Store(const MStoreParams&) {}
 
 std::int32_t MPlugin::OnCommand14(std::int64_t)

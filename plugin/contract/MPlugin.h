@@ -39,7 +39,7 @@ public:
     /// Takes the parameters over. Under `lock`, on audio before a block when one asked for it, else on main.
     /// Never allocates once InitProcessing has run. Thread: any.
     virtual void Update() {}
-    /// Thread: GUI.
+    /// By the environment's screens, if there are any. Thread: GUI.
     virtual void CreateEditor(MControl* parent);
     virtual void DestroyEditor(MControl* editor);
     /// Every parameter by its id, then Store. Answers 1. Blocks may run meanwhile. Thread: main.

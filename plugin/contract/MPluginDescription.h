@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "plugin/contract/ChangeFeed.h"
+#include "plugin/contract/EffectScreens.h"
 #include "plugin/contract/MPluginParameterInfo.h"
 
 /// Whether somebody looks. Of all flags that say so this is the only one.
@@ -22,6 +23,7 @@ struct MEffectEnvironment
 {
     MRelaxed<EditorPresence> editor = EditorPresence::Visible;   ///< written on the GUI thread
     const double* automationSmoothing = nullptr;
+    EffectScreens* screens = nullptr;   ///< null where there is no screen; set before an editor is made
     ChangeFeed changes;   ///< where effect and driver mark what a screen shows
 
     bool editorVisible() const { return editor == EditorPresence::Visible; }

@@ -7,8 +7,8 @@
 
 #include "foundation/text/MStringList.h"
 
-/// The channels between a host and an effect: a main bus and side chains in, one bus out, all of one width, and
-/// what of them the host really connected. A bus is called a group where its channels are counted.
+/// The channels between a host and an effect: a main bus and side chains in, one bus out, all of one width,
+/// and what of them the host really connected. A bus is called a group where its channels are counted.
 ///
 /// In a host's array of channel pointers the groups stand `Stride` apart, in ours side by side.
 /// Changed under the processing locks; everything else from any thread that holds one of them.
@@ -48,7 +48,10 @@ public:
         return static_cast<std::size_t>(group * width + channel);
     }
     /// Where it stands in the host's.
-    std::int32_t HostSlotOf(std::int32_t group, std::int32_t channel) const { return group * stride + channel; }
+    std::int32_t HostSlotOf(std::int32_t group, std::int32_t channel) const
+    {
+        return group * stride + channel;
+    }
 
 private:
     std::int32_t Present(std::int32_t connected) const

@@ -10,6 +10,7 @@
 #include "foundation/text/MException.h"
 #include "foundation/text/MStringFormat.h"
 #include "foundation/text/Translate.h"
+#include "plugin/contract/MPluginArgument.h"
 #include "plugin/driver/StoreScope.h"
 #include "state/presets/DefaultSettings.h"
 #include "state/tree/MAttribute.h"
@@ -69,7 +70,8 @@ bool MAudioEffectPluginToAudioPluginAdapter::LoadDefaultSettings() noexcept
 
 void MAudioEffectPluginToAudioPluginAdapter::SetSurround(bool active)
 {
-    buses.SetUp(active ? BusLayout::SurroundWidth : BusLayout::StereoWidth, effect->description.inputBusCount);
+    buses.SetUp(active ? BusLayout::SurroundWidth : BusLayout::StereoWidth,
+                effect->description.inputBusCount);
 }
 
 void MAudioEffectPluginToAudioPluginAdapter::RebuildParameters()
@@ -87,6 +89,23 @@ void MAudioEffectPluginToAudioPluginAdapter::RebuildParameters()
 void MAudioEffectPluginToAudioPluginAdapter::UpdateMaxBufferSize()
 {
     maxProcessBlockLimit = std::max(1, effect->description.maxBlockSize);
+}
+
+void MAudioEffectPluginToAudioPluginAdapter::CreateEditorContents(MControl* parent)
+{
+    MPluginArguments arguments;
+    arguments.SetPointer(0, parent);
+    SetEditorPresence(EditorPresence::Visible);
+    host->Send(PluginCommand::CreateEditor, arguments.Records());
+}
+
+void MAudioEffectPluginToAudioPluginAdapter::DestroyEditorContents(MControl* editor)
+{
+    MPluginArguments arguments;
+    arguments.SetPointer(0, editor);
+    host->Send(PluginCommand::DestroyEditor, arguments.Records());
+    EndAllEdits();
+    SetEditorPresence(EditorPresence::Closed);
 }
 
 void MAudioEffectPluginToAudioPluginAdapter::Update()

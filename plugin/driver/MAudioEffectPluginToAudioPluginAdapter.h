@@ -41,6 +41,12 @@ public:
     /// Takes them over. False when there are none, or none that can be read. Never throws.
     bool LoadDefaultSettings() noexcept;
 
+    /// Whoever brings a screen gives it here before the first editor. It outlives the object.
+    void SetScreens(EffectScreens& newScreens) { environment.screens = &newScreens; }
+    /// Has the effect fill `parent`, and let go of it again. Thread: GUI.
+    void CreateEditorContents(MControl* parent);
+    void DestroyEditorContents(MControl* editor);
+
     MAudioEffectPlugin& Effect() { return *effect; }
     const MString& EffectName() const { return name; }
     const MString& MakerName() const { return maker; }

@@ -136,8 +136,7 @@ void MAudioPlugin::PrepareUpsamplers()
     for (std::int32_t group = 0; group < buses.MostGroups(); ++group)
         for (std::int32_t channel = 0; channel < std::max(inputsPerGroup, outputsPerGroup); ++channel)
         {
-            std::unique_ptr<MUpsampler>& upsampler =
-                upsamplers[buses.SlotOf(group, channel)];
+            std::unique_ptr<MUpsampler>& upsampler = upsamplers[buses.SlotOf(group, channel)];
             if (!upsampler)
                 upsampler = std::make_unique<MUpsampler>();
             if (!(upsampler->CurrentSetup() == wanted))
@@ -191,8 +190,7 @@ std::int32_t MAudioPlugin::TotalTailSize()
 
 void MAudioPlugin::ChooseChannelMode(ChannelMode mode)
 {
-    channelMode =
-        mode == ChannelMode::Surround && !buses.IsSurround() ? ChannelMode::LeftAndRight : mode;
+    channelMode = mode == ChannelMode::Surround && !buses.IsSurround() ? ChannelMode::LeftAndRight : mode;
     choicesPending = true;
 }
 

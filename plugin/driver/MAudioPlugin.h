@@ -28,8 +28,9 @@ struct MStoreParams;
 
 /// The host-neutral plug-in object. A host adapter owns one and feeds it blocks and parameter calls.
 ///
-/// Order of calls: the adapter sets `adapter` and the connected channels and runs InitProcessing; then ProcessBlock as often as it likes. A change of rate or channels runs InitProcessing
-/// again, from any thread.
+/// Order of calls: the adapter sets `adapter` and the connected channels and runs InitProcessing; then
+/// ProcessBlock as often as it likes. A change of rate or channels runs InitProcessing again, from any
+/// thread.
 ///
 /// Locks, always in this order: `processLock`, `initLock`, `settingsLock`. ProcessBlock only tries the first
 /// and waits for the last; whoever changes what processing reads holds all three, by a ProcessingChange, so

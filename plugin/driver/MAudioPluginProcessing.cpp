@@ -109,8 +109,7 @@ MAudioPlugin::ChannelSet MAudioPlugin::TakeInputs(float* const* inputs, std::int
     std::fill_n(host.pointers.begin(), groups * buses.Width(), nullptr);
     for (std::int32_t group = 0; group < inputGroups; ++group)
         for (std::int32_t channel = 0; channel < buses.Width(); ++channel)
-            host.pointers[buses.SlotOf(group, channel)] =
-                inputs[buses.HostSlotOf(group, channel)];
+            host.pointers[buses.SlotOf(group, channel)] = inputs[buses.HostSlotOf(group, channel)];
     if (inputGroups > 0)
         FixInputs(host, inputGroups, sampleCount);
     ChannelSet own;

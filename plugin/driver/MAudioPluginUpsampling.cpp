@@ -70,8 +70,7 @@ void MAudioPlugin::LimitOutputs(const ChannelSet& outputs, std::int32_t sampleCo
         return;
     for (std::int32_t group = 0; group < buses.OutputGroups(); ++group)
         for (std::int32_t channel = 0; channel < outputsPerGroup; ++channel)
-            if (float* output =
-                    outputs.pointers[buses.SlotOf(group, channel)])
+            if (float* output = outputs.pointers[buses.SlotOf(group, channel)])
                 MVector::ClipInPlace(output, sampleCount, static_cast<float>(-limit),
                                      static_cast<float>(limit));
 }

@@ -92,6 +92,36 @@ protected:
 };
 }   // namespace
 
+TEST_F(Changes, AScreenIsFilledByWhoeverBringsItAndLeavesNoGestureOpen)
+{
+    struct Screens : EffectScreens
+    {
+        explicit Screens(MQuorvaneAudioEffectPlugin& shown) : plugin(shown) {}
+        void CreateEditor(MPlugin& effect, MControl* parent) override { Note("made", effect, parent); }
+        void DestroyEditor(MPlugin& effect, MControl* editor) override { Note("gone", effect, editor); }
+        void Note(const char* what, MPlugin& effect, MControl* control)
+        {
+            EXPECT_EQ(&effect, &plugin.Effect());
+            EXPECT_TRUE(effect.description.environment->editorVisible());
+            said.push_back(what + std::to_string(reinterpret_cast<std::intptr_t>(control)));
+        }
+        MQuorvaneAudioEffectPlugin& plugin;
+        std::vector<std::string> said;
+    } screens(plugin);
+    MControl* const parent = reinterpret_cast<MControl*>(std::intptr_t{ 24 });
+
+    plugin.CreateEditorContents(parent);
+    plugin.DestroyEditorContents(parent);
+    EXPECT_THAT(screens.said, IsEmpty()) << "without a screen nothing is made";
+    plugin.SetScreens(screens);
+    plugin.CreateEditorContents(parent);
+    plugin.BeginEdit(0);
+    plugin.DestroyEditorContents(parent);
+    EXPECT_THAT(screens.said, ElementsAre("made24", "gone24"));
+    EXPECT_THAT(host.Take(), ElementsAre("begin 0", "end 0"));
+    EXPECT_EQ(effect->description.environment->editor, EditorPresence::Closed);
+}
+
 TEST_F(Changes, AnEditIsToldOnceInsideOneGesture)
 {
     ChangeListener screen(plugin.Changes());
