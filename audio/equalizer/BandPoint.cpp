@@ -6,6 +6,7 @@
 
 #include "audio/filters/FilterTypes.h"
 #include "state/tree/MAttribute.h"
+#include "state/tree/StoredNode.h"
 
 double QFromWidth(double width)
 {
@@ -63,43 +64,6 @@ void BandPoint::Clamp()
 
 namespace
 {
-constexpr double sameNumber = 1e-50;
-
-void SaveUnless(MAttribute& node, const MString& key, bool isDefault, const MString& text)
-{
-    if (isDefault)
-        node.RemoveAttribute(key);
-    else
-        node.SetAttribute(key, text);
-}
-
-double NumberOr(MAttribute& node, const MString& key, double otherwise)
-{
-    return node.HasAttribute(key) ? node.GetCachedAttribute().ToDouble() : otherwise;
-}
-
-std::int32_t IntegerOr(MAttribute& node, const MString& key, std::int32_t otherwise)
-{
-    if (!node.HasAttribute(key))
-        return otherwise;
-    constexpr std::int64_t limit = 1 << 20;   // keeps nonsense inside 32 bits
-    return static_cast<std::int32_t>(
-        std::clamp<std::int64_t>(node.GetCachedAttribute().ToInt(), -limit, limit));
-}
-
-bool FlagOr(MAttribute& node, const MString& key, bool otherwise)
-{
-    return IntegerOr(node, key, otherwise ? 1 : 0) != 0;
-}
-
-MString HarmonicKey(std::int32_t index)
-{
-    return MString("Item") + MString::FromInt(index);
-}
-}   // namespace
-
-namespace
-{
 MString PositionText(double value)
 {
     return MString::FromDouble(value, 12);
@@ -120,45 +84,47 @@ void BandPoint::RoundToStored()
 
 void BandPoint::Save(MAttribute& node) const
 {
-    node.SetAttribute("x", PositionText(x));
-    node.SetAttribute("y", PositionText(y));
-    SaveUnless(node, "enabled", enabled, "0");
-    node.SetAttribute("q", QText(Q()));
-    node.SetAttribute("type", MAudioFilters::PropertiesOf(type).storedName);
-    SaveUnless(node, "Order", order == 0, MString::FromInt(order));
-    SaveUnless(node, "Harmonics.Depth", std::fabs(harmonicsDepth) < sameNumber,
-               MString::FromDouble(harmonicsDepth, 12));
-    SaveUnless(node, "Harmonics.MaxCount", harmonicsMaxCount == MaxHarmonics,
-               MString::FromInt(harmonicsMaxCount));
-    SaveUnless(node, "Harmonics.Semitones", std::fabs(harmonicsSemitones - 12) < sameNumber,
-               MString::FromDouble(harmonicsSemitones, 12));
-    SaveUnless(node, "Harmonics.Linear", !harmonicsLinear, "1");
-    SaveUnless(node, "L", left, "0");
-    SaveUnless(node, "R", right, "0");
-    MAttribute& boxes = node.GetSubItem("Harmonics");
-    for (std::int32_t index = 0; index < MaxHarmonics; ++index)
-        SaveUnless(boxes, HarmonicKey(index), harmonicsEnabled[static_cast<std::size_t>(index)], "0");
+    BandPoint copy = *this;
+    copy.Store({ .saving = 1, .item = &node });
 }
 
 void BandPoint::Load(MAttribute& node)
 {
-    x = NumberOr(node, "x", x);
-    y = NumberOr(node, "y", y);
-    enabled = FlagOr(node, "enabled", true);
-    if (node.HasAttribute("q"))
-        width = std::clamp(WidthFromQ(node.GetCachedAttribute().ToDouble()), 0.0, 1.0);
-    if (node.HasAttribute("type"))
-        type = MAudioFilters::FilterTypeFromStoredName(node.GetCachedAttribute());
-    order = IntegerOr(node, "Order", 0);
-    harmonicsDepth = NumberOr(node, "Harmonics.Depth", 0);
-    harmonicsMaxCount = IntegerOr(node, "Harmonics.MaxCount", MaxHarmonics);
-    harmonicsSemitones = NumberOr(node, "Harmonics.Semitones", 12);
-    harmonicsLinear = FlagOr(node, "Harmonics.Linear", false);
-    left = FlagOr(node, "L", true);
-    right = FlagOr(node, "R", true);
-    if (!node.HasSubItem("Harmonics"))
-        return;
-    MAttribute& boxes = node.GetCachedSubItem();
-    for (std::int32_t index = 0; index < MaxHarmonics; ++index)
-        harmonicsEnabled[static_cast<std::size_t>(index)] = FlagOr(boxes, HarmonicKey(index), true);
+    Store({ .saving = 0, .item = &node });
+}
+
+void BandPoint::Store(const MStoreParams& params)
+{
+    constexpr std::int32_t limit = 1 << 20;   // keeps nonsense inside 32 bits
+    const StoredRange<std::int32_t> sane{ -limit, limit };
+    StoredNode node(params);
+    node.Always("x", x);
+    node.Always("y", y);
+    node.Optional("enabled", enabled, true);
+    if (node.IsSaving())
+    {
+        node.Item().SetAttribute("q", QText(Q()));
+        node.Item().SetAttribute("type", MAudioFilters::PropertiesOf(type).storedName);
+    }
+    else
+    {
+        if (const MString* q = node.Item().FindAttribute("q"))
+            width = std::clamp(WidthFromQ(q->ToDouble()), 0.0, 1.0);
+        if (const MString* name = node.Item().FindAttribute("type"))
+            type = MAudioFilters::FilterTypeFromStoredName(*name);
+    }
+    node.Optional("Order", order, 0, sane);
+    node.Optional("Harmonics.Depth", harmonicsDepth, 0.0);
+    node.Optional("Harmonics.MaxCount", harmonicsMaxCount, MaxHarmonics, sane);
+    node.Optional("Harmonics.Semitones", harmonicsSemitones, 12.0);
+    node.Optional("Harmonics.Linear", harmonicsLinear, false);
+    node.Optional("L", left, true);
+    node.Optional("R", right, true);
+    node.ChildIfPresent("Harmonics",
+                        [this](StoredNode& boxes)
+                        {
+                            std::int32_t index = 0;
+                            for (MRelaxed<bool>& box : harmonicsEnabled)
+                                boxes.Optional(MString("Item") + MString::FromInt(index++), box, true);
+                        });
 }

@@ -7,6 +7,7 @@
 #include "foundation/threads/MRelaxed.h"
 
 class MAttribute;
+struct MStoreParams;
 
 /// Band width w, 0 (narrow) to 1 (wide), and engineering Q: q = 10 - 9.95 w^0.25.
 double QFromWidth(double width);
@@ -54,5 +55,9 @@ struct BandPoint
     /// makes bands anew.
     void RoundToStored();
     void Save(MAttribute& node) const;
+    /// What absent keys mean doesn't depend on the mode of a load: a band is stored whole.
     void Load(MAttribute& node);
+
+private:
+    void Store(const MStoreParams& params);
 };
