@@ -2,12 +2,14 @@
 #include "foundation/text/MStringFormat.h"
 
 #include <string>
+#include <utility>
 
 #include <gtest/gtest.h>
 
 #include "foundation/text/Boundary.h"
 #include "foundation/text/MStringScan.h"
 #include "foundation/text/Translate.h"
+#include "tests/ErrorOf.h"
 
 namespace
 {
@@ -76,25 +78,15 @@ TEST(MStringFormat, KeepsLongLiteralsWhole)
     EXPECT_EQ(Format(MString::Copy(format), 5).ToUTF8(), half + "5" + half);
 }
 
-std::string ErrorOf(const char* format)
-{
-    try
-    {
-        Format(format);
-    }
-    catch (const MException& error)
-    {
-        return error.Message.ToUTF8();
-    }
-    return {};
-}
-
 TEST(MStringFormat, RefusesWhatIsNoFormat)
 {
-    EXPECT_EQ(ErrorOf("{0"), "Formatting string ends in an argument specification.");
-    EXPECT_EQ(ErrorOf("text {"), "Formatting string ends in an argument specification.");
-    EXPECT_EQ(ErrorOf("{32}"), "Formatting string names an argument out of range.");
-    EXPECT_EQ(ErrorOf("{-1}"), "Formatting string names an argument out of range.");
+    const std::string unfinished = "Formatting string ends in an argument specification.";
+    const std::string unknown = "Formatting string names an argument out of range.";
+    for (const auto& [format, error] : { std::pair{ "{0", unfinished },
+                                         { "text {", unfinished },
+                                         { "{32}", unknown },
+                                         { "{-1}", unknown } })
+        EXPECT_EQ(ErrorOf([&text = format] { Format(text); }), error);
 }
 
 TEST(MStringScan, CapturesWhatThePatternNames)
