@@ -117,30 +117,24 @@ TEST(BiquadCascade, EqualsSectionAfterSectionForEveryCountAndDirection)
         });
 }
 
-TEST(BiquadCascade, MemoryRunsOnThroughBlocksOfAnyLengthAndNewTaps)
+TEST(BiquadCascade, SilencesTheChannelWhoseMemoryIsOutOfOrder)
 {
-    ForEveryTarget(
-        []
+    constexpr std::size_t Count = 3;
+    for (const double value : { 0.9, 1.0, -1.0, 1e300, std::nan(""), -HUGE_VAL })
+        for (std::size_t place = 0; place < 4 * Count; ++place)
         {
-            constexpr std::int32_t SectionCount = 7;
-            std::vector<CascadeMemory> memory(SectionCount);
-            std::vector<CascadeMemory> expectedMemory(SectionCount);
-            std::mt19937 random(Seed);
-            std::uniform_int_distribution<std::int32_t> lengths(0, 70);
-            for (std::uint32_t block = 0; block < 60; ++block)
-            {
-                const std::vector<CascadeTaps> taps = Peaks(SectionCount, Seed + block / 7);
-                const std::int32_t n = lengths(random);
-                std::vector<double> expected = Noise(static_cast<std::size_t>(2 * n), block);
-                std::vector<double> actual = expected;
-                MVector::CascadeRunPlain(taps.data(), expectedMemory.data(), SectionCount, expected.data(), n,
-                                         CascadeDirection::Forward);
-                MVector::CascadeRun(taps.data(), memory.data(), SectionCount, actual.data(), n,
-                                    CascadeDirection::Forward);
-                for (std::size_t i = 0; i < actual.size(); ++i)
-                    ASSERT_NEAR(actual[i], expected[i], Tolerance) << "block " << block << " value " << i;
-            }
-            ExpectEqualMemory(memory, expectedMemory, Tolerance);
-        });
+            std::vector<CascadeMemory> memory = RandomMemory(Count);
+            const std::size_t channel = place % 2;
+            (place / 2 % 2 == 0 ? memory[place / 4].s1 : memory[place / 4].s2)[channel] = value;
+            const std::vector<CascadeMemory> bad = memory;
+            const bool isSane = value == 0.9;
+            EXPECT_EQ(MVector::CascadeKeepSane(memory.data(), Count, 1.0), isSane);
+            for (std::size_t i = 0; i < Count; ++i)
+                for (std::size_t c = 0; c < 2; ++c)
+                {
+                    EXPECT_EQ(memory[i].s1[c], isSane || c != channel ? bad[i].s1[c] : 0.0) << value;
+                    EXPECT_EQ(memory[i].s2[c], isSane || c != channel ? bad[i].s2[c] : 0.0) << value;
+                }
+        }
 }
 }   // namespace
