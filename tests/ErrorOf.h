@@ -18,3 +18,17 @@ std::string ErrorOf(auto&& operation)
     }
     return {};
 }
+
+/// The same behind the code and a blank.
+std::string CodedErrorOf(auto&& operation)
+{
+    try
+    {
+        operation();
+    }
+    catch (const MException& error)
+    {
+        return std::to_string(error.Code) + " " + error.Message.ToUTF8();
+    }
+    return {};
+}

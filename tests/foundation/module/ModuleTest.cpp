@@ -5,7 +5,6 @@
 #include <map>
 #include <span>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <dlfcn.h>
@@ -18,8 +17,8 @@
 #include "foundation/module/MLocale.h"
 #include "foundation/module/MModule.h"
 #include "foundation/streams/MFile.h"
-#include "foundation/text/MException.h"
 #include "state/tree/XML.h"
+#include "tests/ErrorOf.h"
 
 namespace
 {
@@ -29,85 +28,6 @@ const std::string& TestFolder()
 {
     static const std::string folder = std::getenv("TONALIGN_TEST_FOLDER");
     return folder;
-}
-
-std::string MessageOf(auto&& operation)
-{
-    try
-    {
-        operation();
-    }
-    catch (const MException& error)
-    {
-        return error.Message.ToUTF8();
-    }
-    return "nothing thrown";
-}
-
-// Sets a variable of the environment for as long as it lives; null takes it away.
-class Variable
-{
-public:
-    Variable(const char* variable, const char* value) : name(variable)
-    {
-        if (const char* previous = std::getenv(variable))
-            old = previous;
-        else
-            wasSet = false;
-        value != nullptr ? setenv(variable, value, 1) : unsetenv(variable);
-    }
-    ~Variable() { wasSet ? setenv(name, old.c_str(), 1) : unsetenv(name); }
-    Variable(const Variable&) = delete;
-    Variable& operator=(const Variable&) = delete;
-
-private:
-    const char* name;
-    std::string old;
-    bool wasSet = true;
-};
-
-TEST(SpecialFolders, FollowTheDesktopsRules)
-{
-    const std::string home = TestFolder() + "/someone";
-    fs::create_directories(home + "/conf");
-    std::ofstream(home + "/conf/user-dirs.dirs") << "# a comment\nXDG_DESKTOP_DIR=\"$HOME/Schreibtisch\"\n"
-                                                    "XDG_DOCUMENTS_DIR=\"/data/papers/\"\n";
-    const Variable setHome("HOME", home.c_str());
-    const Variable setConfig("XDG_CONFIG_HOME", (home + "/conf").c_str());
-    struct Row
-    {
-        const char* variable;
-        const char* value;
-        int kind;
-        std::string folder;
-    };
-    const Row rows[] = {
-        { "XDG_DATA_DIRS", "/opt/share/:/usr/share", 0, "/opt/share/Quorvane" },
-        { "XDG_DATA_DIRS", nullptr, 0, "/usr/local/share/Quorvane" },
-        { "XDG_DATA_DIRS", "relative", 0, "/usr/local/share/Quorvane" },
-        { "XDG_DATA_HOME", "/x/../y//", 1, "/y/Quorvane" },
-        { "XDG_DATA_HOME", nullptr, 1, home + "/.local/share/Quorvane" },
-        { "XDG_DATA_HOME", "relative", 1, home + "/.local/share/Quorvane" },
-        { "XDG_DATA_HOME", "/d", 10, "/d/applications" },
-        { "UNRELATED", "", 2, home },
-        { "UNRELATED", "", 3, "/data/papers" },
-        { "UNRELATED", "", 4, "/data/papers" },
-        { "XDG_CONFIG_HOME", "/nowhere", 4, home + "/Documents" },
-        { "UNRELATED", "", 11, home + "/Schreibtisch" },
-        { "UNRELATED", "", 12, home + "/Schreibtisch" },
-        { "UNRELATED", "", 13, "/" },
-        { "UNRELATED", "", 14, "/usr/share/fonts" },
-        { "TMPDIR", home.c_str(), 15, home },
-        { "TMPDIR", "/does/not/exist", 15, fs::is_directory("/tmp") ? "/tmp" : "/temp" },
-    };
-    for (const Row& row : rows)
-    {
-        SCOPED_TRACE(std::to_string(row.kind) + " with " + row.variable);
-        const Variable set(row.variable, row.value);
-        EXPECT_EQ(MFile::GetSpecialFolder(row.kind).ToUTF8(), row.folder);
-    }
-    EXPECT_EQ(MessageOf([] { MFile::GetSpecialFolder(16); }),
-              "Could not retrieve system path. Invalid argument");
 }
 
 TEST(MModuleTest, FindsItselfAndMakesItsDataFolder)
@@ -131,10 +51,10 @@ TEST(MModuleTest, FindsItselfAndMakesItsDataFolder)
 TEST(MModuleTest, RefusesLibrariesThatAreNoneOfTheFamily)
 {
     MModule& module = StartModule();
-    EXPECT_EQ(MessageOf([&] { module.DLLLoaded({}); }), "Dynamic link library has not been loaded.");
+    EXPECT_EQ(ErrorOf([&] { module.DLLLoaded({}); }), "Dynamic link library has not been loaded.");
     MDynamicLibrary foreign = { "libz.so.1", dlopen("libz.so.1", RTLD_NOW) };
     ASSERT_NE(foreign.handle, nullptr);
-    EXPECT_EQ(MessageOf([&] { module.DLLLoaded(foreign); }),
+    EXPECT_EQ(ErrorOf([&] { module.DLLLoaded(foreign); }),
               "The library does not support Quorvane service access.");
     dlclose(foreign.handle);
 }
@@ -170,58 +90,13 @@ TEST(MModuleTest, FindsTheStyleBesideItselfOrInTheCurrentFolder)
     module.modulePath = MString::FromUTF8((folder / "module.so").string());
     const fs::path old = fs::current_path();
     fs::current_path(folder / "elsewhere");
-    EXPECT_EQ(MessageOf([&] { static_cast<void>(module.FindStyleFile()); }),
+    EXPECT_EQ(ErrorOf([&] { static_cast<void>(module.FindStyleFile()); }),
               "No style definition has been found.");
     std::ofstream(folder / "elsewhere/qstyle.qrf") << "x";
     EXPECT_EQ(module.FindStyleFile().ToUTF8(), (folder / "elsewhere/qstyle.qrf").string());
     std::ofstream(folder / "qstyle.qrf") << "x";
     EXPECT_EQ(module.FindStyleFile().ToUTF8(), (folder / "qstyle.qrf").string());
     fs::current_path(old);
-}
-
-TEST(Opening, HandsPagesAndMailsToTheDesktop)
-{
-    const fs::path folder = fs::path(TestFolder()) / "opener";
-    fs::create_directories(folder);
-    const std::string output = (folder / "opened").string();
-    std::ofstream(folder / "xdg-open")
-        << "#!/bin/sh\nprintf %s \"$1\" > '" + output + ".part'\nmv '" + output + ".part' '" + output + "'\n";
-    fs::permissions(folder / "xdg-open", fs::perms::owner_all);
-    const Variable path("PATH", (folder.string() + ":" + std::getenv("PATH")).c_str());
-    struct Row
-    {
-        void (*open)();
-        const char* given;
-    };
-    for (const Row& row : { Row{ [] { MFile::ExecuteWWW("www.example.org/?q='$HOME'"); },
-                                 "http://www.example.org/?q='$HOME'" },
-                            Row{ [] { MFile::ExecuteWWW("https://example.org"); }, "https://example.org" },
-                            Row{ [] { MFile::ExecuteMail("a@example.org", ""); }, "mailto: a@example.org" },
-                            Row{ [] { MFile::ExecuteMail("a@example.org", "It's; late"); },
-                                 "mailto: a@example.org?subject=It's; late" } })
-    {
-        fs::remove(output);
-        row.open();
-        for (int wait = 0; wait < 2000 && !fs::exists(output); ++wait)
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));   // the opener runs by itself
-        std::string content;
-        std::getline(std::ifstream(output), content);
-        EXPECT_EQ(content, row.given);
-    }
-}
-
-TEST(Opening, RunsAProgramInItsFolderAndAnswersItsExitCode)
-{
-    const fs::path folder = fs::path(TestFolder()) / "programs";
-    fs::create_directories(folder / "there");
-    std::ofstream(folder / "tool") << "#!/bin/sh\nprintf '%s|' \"$@\" > out\nexit 7\n";
-    fs::permissions(folder / "tool", fs::perms::owner_all);
-    const MString tool = MString::FromUTF8((folder / "tool").string());
-    const MString there = MString::FromUTF8((folder / "there").string());
-    EXPECT_EQ(MFile::Execute(tool, "one 'two three'", there, true), 7);
-    std::string content;
-    std::getline(std::ifstream(folder / "there/out"), content);
-    EXPECT_EQ(content, "one|two three|");
 }
 
 TEST(ConfigurationFiles, MissingAndBrokenOnesAreEmptyTrees)
