@@ -55,7 +55,8 @@ TEST(Flac, RefusesWhatIsNotWhole)
     options.frames = 5000;
     const FileBytes good = FlacFile(options);
     options.sampleRate = 11000;
-    EXPECT_EQ(Load(LoadFlac, FlacFile(options)).sampleRate, 11000.0);
+    options.frames = 1;
+    ExpectSignal(Load(LoadFlac, FlacFile(options)), options);
     options.sampleRate = 10999;
     const FileBytes slow = FlacFile(options);
     // STREAMINFO: 18 + 8 bytes in there are rate, channels, depth and the total of samples; behind it the
@@ -107,7 +108,7 @@ TEST(Mpeg, DecodesAudioInEveryContainer)
     riff.Text("fact").Little(0x10204, 4).Text(std::string(0x10204, '\xFF'));
     riff.Text("data").Little(mp3.size(), 4).Append(mp3).Text("tail").Append(mp3);
     FileBytes program;
-    program.Big(0x1BA, 4).Big(0x2100010001, 5).Big(0x800001, 3);   // ISO/IEC 11172-1 pack
+    program.Big(0x1BA, 4).Big(0x2100010001, 5).Big(0x80C001, 3);   // ISO/IEC 11172-1 pack
     program.Big(0x1BB, 4).Big(6, 2).Big(0, 6);
     for (std::size_t start = 0, packet = 0; start < mp3.size(); start += 300, ++packet)
     {
@@ -140,6 +141,8 @@ TEST(Mpeg, DecodesAudioInEveryContainer)
         EXPECT_EQ(buffer.sampleRate, 44100.0);
         EXPECT_EQ(buffer.bitsPerSample, 16);
         ASSERT_EQ(buffer.frames, frames * (buffer.frames > frames ? 2 : 1));
+        EXPECT_EQ(buffer.validFrames, buffer.frames);
+        EXPECT_EQ(buffer.channelData[0][buffer.frames], 0.0f);
         EXPECT_NEAR(Amplitude(buffer, 1000.0), 0.5, 0.005);
         EXPECT_LT(Amplitude(buffer, 3000.0), 0.005);
     }

@@ -43,96 +43,90 @@ struct Operation
 
 std::vector<Operation> Operations()
 {
+    namespace V = MVector;
     using C = Number;
     std::vector<Operation> all;
-    const auto add = [&all](auto... parts)
+    // By what they take: two sources, one, or one value.
+    const auto binary = [&all](const char* name, int ulps, auto run, auto meaning)
     {
-        all.push_back({ parts... });
+        all.push_back({ name, ulps, 1, 1, 1, run, meaning });
     };
-    add(
-        "Zero", 0, 1, 1, 1, [](F, F, F d, N n) { MVector::Zero(d, n); }, [](C, C, C) { return C(0.0); });
-    add(
-        "Set", 0, 1, 1, 1, [](F, F, F d, N n) { MVector::Set(3.0f, d, n); }, [](C, C, C) { return C(3.0); });
-    add(
-        "Copy", 0, 1, 1, 1, [](F a, F, F d, N n) { MVector::Copy(a, d, n); }, [](C a, C, C) { return a; });
-    add(
-        "Move", 0, 1, 1, 1, [](F a, F, F d, N n) { MVector::Move(a, d, n); }, [](C a, C, C) { return a; });
-    add(
-        "CopyAudio", 0, 1, 1, 1, [](F a, F, F d, N n) { MVector::CopyAudio(a, d, n); },
-        [](C a, C, C) { return a; });
-    add(
-        "Add", 0, 1, 1, 1, [](F a, F b, F d, N n) { MVector::Add(a, b, d, n); },
-        [](C a, C b, C) { return a + b; });
-    add(
-        "AddInPlace", 0, 1, 1, 1, [](F a, F, F d, N n) { MVector::AddInPlace(a, d, n); },
-        [](C a, C, C d) { return d + a; });
-    add(
-        "Sub", 0, 1, 1, 1, [](F a, F b, F d, N n) { MVector::Sub(a, b, d, n); },
-        [](C a, C b, C) { return b - a; });
-    add(
-        "SubInPlace", 0, 1, 1, 1, [](F a, F, F d, N n) { MVector::SubInPlace(a, d, n); },
-        [](C a, C, C d) { return d - a; });
-    add(
-        "AddConstant", 0, 1, 1, 1, [](F a, F, F d, N n) { MVector::AddConstant(a, 0.375f, d, n); },
-        [](C a, C, C) { return a + 0.375; });
-    add(
-        "AddConstantInPlace", 0, 1, 1, 1, [](F, F, F d, N n) { MVector::AddConstantInPlace(1e-9f, d, n); },
-        [](C, C, C d) { return d + 1e-9; });
-    add(
-        "Multiply", 0, 1, 1, 1, [](F a, F b, F d, N n) { MVector::Multiply(a, b, d, n); },
-        [](C a, C b, C) { return a * b; });
-    add(
-        "MultiplyConstant", 0, 1, 1, 1, [](F a, F, F d, N n) { MVector::MultiplyConstant(a, 0.375f, d, n); },
-        [](C a, C, C) { return a * 0.375; });
-    add(
-        "MultiplyConstantInPlace", 0, 1, 1, 1,
-        [](F, F, F d, N n) { MVector::MultiplyConstantInPlace(d, n, -3.0f); },
-        [](C, C, C d) { return d * -3.0; });
-    add(
-        "AddScaled", 1, 1, 1, 1, [](F a, F, F d, N n) { MVector::AddScaled(d, a, n, 0.375f); },
-        [](C a, C, C d) { return d + a * 0.375; });
-    add(
-        "AddProduct", 1, 1, 1, 1, [](F a, F b, F d, N n) { MVector::AddProduct(a, b, d, n); },
-        [](C a, C b, C d) { return d + a * b; });
-    add(
-        "Square", 0, 1, 1, 1, [](F a, F, F d, N n) { MVector::Square(a, d, n); },
-        [](C a, C, C) { return a * a; });
-    add(
-        "SquareInPlace", 0, 1, 1, 1, [](F, F, F d, N n) { MVector::SquareInPlace(d, n); },
+    const auto unary = [&all](const char* name, int ulps, auto run, auto meaning, float lowest = -2.0f)
+    {
+        all.push_back({ name, ulps, 1, 1, 1, [run](F a, F, F d, N n) { run(a, d, n); }, meaning, lowest });
+    };
+    const auto scaled = [&all](const char* name, int ulps, auto run, auto meaning, float lowest = -2.0f)
+    {
+        all.push_back(
+            { name, ulps, 1, 1, 1, [run](F a, F, F d, N n) { run(a, d, n, 0.375f); }, meaning, lowest });
+    };
+    binary("Add", 0, V::Add, [](C a, C b, C) { return a + b; });
+    binary("Sub", 0, V::Sub, [](C a, C b, C) { return b - a; });
+    binary("Multiply", 0, V::Multiply, [](C a, C b, C) { return a * b; });
+    binary("AddProduct", 1, V::AddProduct, [](C a, C b, C d) { return d + a * b; });
+    unary("Copy", 0, V::Copy, [](C a, C, C) { return a; });
+    unary("Move", 0, V::Move, [](C a, C, C) { return a; });
+    unary("CopyAudio", 0, V::CopyAudio, [](C a, C, C) { return a; });
+    unary("AddInPlace", 0, V::AddInPlace, [](C a, C, C d) { return d + a; });
+    unary("SubInPlace", 0, V::SubInPlace, [](C a, C, C d) { return d - a; });
+    unary("Square", 0, V::Square, [](C a, C, C) { return a * a; });
+    unary("MaxEveryInPlace", 0, V::MaxEveryInPlace, [](C a, C, C d) { return a.real() > d.real() ? a : d; });
+    unary(
+        "Ln", 1, V::Ln, [](C a, C, C) { return std::log(a); }, 0.1f);
+    unary(
+        "Log10", 1, V::Log10, [](C a, C, C) { return std::log10(a); }, 0.1f);
+    unary("Exp", 2, V::Exp, [](C a, C, C) { return std::exp(a); });
+    scaled(
+        "Zero", 0, [](F, F d, N n, float) { V::Zero(d, n); }, [](C, C, C) { return C(0.0); });
+    scaled(
+        "Set", 0, [](F, F d, N n, float v) { V::Set(v, d, n); }, [](C, C, C) { return C(0.375); });
+    scaled(
+        "SquareInPlace", 0, [](F, F d, N n, float) { V::SquareInPlace(d, n); },
         [](C, C, C d) { return d * d; });
-    add(
-        "MaxEveryInPlace", 0, 1, 1, 1, [](F a, F, F d, N n) { MVector::MaxEveryInPlace(a, d, n); },
-        [](C a, C, C d) { return C(std::max(a.real(), d.real())); });
-    add(
-        "ThresholdLowInPlace", 0, 1, 1, 1, [](F, F, F d, N n) { MVector::ThresholdLowInPlace(d, n, 0.25f); },
-        [](C, C, C d) { return C(std::max(d.real(), 0.25)); });
-    add(
-        "ClipInPlace", 0, 1, 1, 1, [](F, F, F d, N n) { MVector::ClipInPlace(d, n, -0.5f, 0.75f); },
-        [](C, C, C d) { return C(std::clamp(d.real(), -0.5, 0.75)); });
-    add(
-        "Ln", 1, 1, 1, 1, [](F a, F, F d, N n) { MVector::Ln(a, d, n); },
-        [](C a, C, C) { return C(std::log(a.real())); }, 0.1f);
-    add(
-        "Log10", 1, 1, 1, 1, [](F a, F, F d, N n) { MVector::Log10(a, d, n); },
-        [](C a, C, C) { return C(std::log10(a.real())); }, 0.1f);
-    add(
-        "Exp", 2, 1, 1, 1, [](F a, F, F d, N n) { MVector::Exp(a, d, n); },
-        [](C a, C, C) { return C(std::exp(a.real())); });
-    add(
-        "PowerConstant", 1, 1, 1, 1, [](F a, F, F d, N n) { MVector::PowerConstant(a, 1.5f, d, n); },
-        [](C a, C, C) { return C(std::pow(a.real(), 1.5)); }, 0.1f);
-    add(
-        "Magnitude", 2, 2, 1, 1, [](F a, F, F d, N n) { MVector::Magnitude(a, d, n); },
-        [](C a, C, C) { return C(std::abs(a)); });
-    add(
-        "Phase", 1, 2, 1, 1, [](F a, F, F d, N n) { MVector::Phase(a, d, n); },
-        [](C a, C, C) { return C(std::arg(a)); });
-    add(
-        "PolarToComplex", 2, 1, 1, 2, [](F a, F b, F d, N n) { MVector::PolarToComplex(a, b, d, n); },
-        [](C a, C b, C) { return C(a.real() * std::cos(b.real()), a.real() * std::sin(b.real())); });
-    add(
-        "ComplexMultiply", 2, 2, 2, 2, [](F a, F b, F d, N n) { MVector::ComplexMultiply(a, b, d, n); },
-        [](C a, C b, C) { return a * b; });
+    scaled(
+        "AddConstant", 0, [](F a, F d, N n, float v) { V::AddConstant(a, v, d, n); },
+        [](C a, C, C) { return a + 0.375; });
+    scaled(
+        "AddConstantInPlace", 0, [](F, F d, N n, float v) { V::AddConstantInPlace(v, d, n); },
+        [](C, C, C d) { return d + 0.375; });
+    scaled(
+        "MultiplyConstant", 0, [](F a, F d, N n, float v) { V::MultiplyConstant(a, v, d, n); },
+        [](C a, C, C) { return a * 0.375; });
+    scaled(
+        "MultiplyConstantInPlace", 0, [](F, F d, N n, float v) { V::MultiplyConstantInPlace(d, n, v); },
+        [](C, C, C d) { return d * 0.375; });
+    scaled(
+        "AddScaled", 1, [](F a, F d, N n, float v) { V::AddScaled(d, a, n, v); },
+        [](C a, C, C d) { return d + a * 0.375; });
+    scaled(
+        "ThresholdLowInPlace", 0, [](F, F d, N n, float v) { V::ThresholdLowInPlace(d, n, v); },
+        [](C, C, C d) { return C(std::max(d.real(), 0.375)); });
+    scaled(
+        "ClipInPlace", 0, [](F, F d, N n, float v) { V::ClipInPlace(d, n, -0.5f, v); },
+        [](C, C, C d) { return C(std::clamp(d.real(), -0.5, 0.375)); });
+    scaled(
+        "PowerConstant", 1, [](F a, F d, N n, float v) { V::PowerConstant(a, v, d, n); },
+        [](C a, C, C) { return std::pow(a, 0.375); }, 0.1f);
+    const auto absolute = [](C a, C, C)
+    {
+        return C(std::abs(a));
+    };
+    const auto argument = [](C a, C, C)
+    {
+        return C(std::arg(a));
+    };
+    const auto rotated = [](C a, C b, C)
+    {
+        return a * std::exp(C(0.0, b.real()));
+    };
+    const auto product = [](C a, C b, C)
+    {
+        return a * b;
+    };
+    all.push_back({ "Magnitude", 2, 2, 1, 1, [](F a, F, F d, N n) { V::Magnitude(a, d, n); }, absolute });
+    all.push_back({ "Phase", 1, 2, 1, 1, [](F a, F, F d, N n) { V::Phase(a, d, n); }, argument });
+    all.push_back({ "PolarToComplex", 2, 1, 1, 2, V::PolarToComplex, rotated });
+    all.push_back({ "ComplexMultiply", 2, 2, 2, 2, V::ComplexMultiply, product });
     return all;
 }
 
