@@ -34,79 +34,62 @@ TEST(MList, OwnsItsElementsUnderRandomOperations)
     {
         SCOPED_TRACE(round);
         const auto count = static_cast<int>(expected.size());
-        const int index = static_cast<int>(random() % 12) - 1;
-        switch (random() % 8)
-        {
-        case 0:
-        case 1:
-        case 2:
+        const int place = static_cast<int>(random() % (expected.size() + 1));
+        const int kind = static_cast<int>(random() % 8);
+        if (kind < 4)
         {
             auto element = std::make_unique<Element>();
             const Element* added = element.get();
             allocationsLeft = random() % 3 == 0 ? 0 : -1;
             try
             {
-                EXPECT_EQ(random() % 2 == 0 ? list.Add(std::move(element)) : list.Add(element.release()),
-                          added);
-                expected.push_back(added);
+                const Element* taken = kind == 0   ? list.Add(std::move(element))
+                                       : kind == 1 ? list.Add(element.release())
+                                       : kind == 2 ? list.Insert(place, std::move(element))
+                                                   : list.Insert(place, element.release());
+                EXPECT_EQ(taken, added);
+                expected.insert(kind < 2 ? expected.end() : expected.begin() + place, added);
             }
             catch (const std::bad_alloc&)
             {
             }
             allocationsLeft = -1;
-            break;
         }
-        case 3:
+        else if (kind < 7 && place < count)
         {
-            const bool fits = index >= 0 && index <= count;
-            const Element* added = nullptr;
-            EXPECT_EQ(ErrorOf([&] { added = list.Insert(index, new Element); }),
-                      fits ? "" : "Index out of range.");
-            if (fits)
-                expected.insert(expected.begin() + index, added);
-            break;
-        }
-        case 4:
-        case 5:
-        {
-            const bool fits = index >= 0 && index < count;
             std::unique_ptr<Element> detached;
-            EXPECT_EQ(ErrorOf(
-                          [&]
-                          {
-                              if (round % 2 == 0)
-                                  list.Delete(index);
-                              else
-                                  detached = list.Detach(index);
-                          }),
-                      fits ? "" : "Index out of range.");
-            EXPECT_EQ(detached != nullptr, fits && round % 2 != 0);
-            if (detached != nullptr)
-            {
-                EXPECT_EQ(detached.get(), expected[static_cast<std::size_t>(index)]);
-                EXPECT_EQ(list.IndexOf(detached.get()), -1);
-            }
-            if (fits)
-                expected.erase(expected.begin() + index);
-            break;
+            if (kind == 4)
+                list.Delete(place);
+            else
+                detached = list.Detach(place);
+            EXPECT_EQ(detached.get(), kind == 4 ? nullptr : expected[static_cast<std::size_t>(place)]);
+            EXPECT_EQ(list.IndexOf(detached.get()), -1);
+            expected.erase(expected.begin() + place);
         }
-        case 6:
+        else if (round % 8 == 0)
+        {
+            list.Clear();
+            expected.clear();
+        }
+        else
         {
             MList<Element> moved(std::move(list));
             EXPECT_TRUE(list.IsEmpty());
             list = std::move(moved);
-            break;
-        }
-        default:
-            if (index != 0)
-                break;
-            list.Clear();
-            expected.clear();
         }
         ASSERT_TRUE(std::equal(list.begin(), list.end(), expected.begin(), expected.end()));
         ASSERT_EQ(Element::living, list.Count());
         for (int at = 0; at < list.Count(); ++at)
             ASSERT_EQ(list.IndexOf(list[at]), at);
+        for (const int outside : { -1, list.Count(), 1000 })
+        {
+            const char error[] = "Index out of range.";
+            EXPECT_EQ(ErrorOf([&] { list.Delete(outside); }), error);
+            EXPECT_EQ(ErrorOf([&] { list.Detach(outside); }), error);
+            EXPECT_EQ(ErrorOf([&] { static_cast<void>(list[outside]); }), error);
+        }
+        for (const int outside : { -1, list.Count() + 1 })
+            EXPECT_EQ(ErrorOf([&] { list.Insert(outside, new Element); }), "Index out of range.");
     }
     list.Clear();
     EXPECT_EQ(Element::living, 0);
@@ -115,7 +98,7 @@ TEST(MList, OwnsItsElementsUnderRandomOperations)
 TEST(MFlagManager, KeepsEachBitForItself)
 {
     MFlagManager<32> flags;
-    for (int set = 0; set < 32; ++set)
+    for (int set = 31; set >= 0; --set)
     {
         flags.SetFlag(set);
         for (int index = 0; index < 32; ++index)
