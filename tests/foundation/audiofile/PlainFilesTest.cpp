@@ -121,7 +121,6 @@ TEST(PlainFiles, AreRefusedWhereTheyCannotBeRead)
         return FileBytes().Text(text);
     };
     ExpectRefusals({
-        { LoadWave, {}, "No WAVe header found." },
         { LoadWave, wave.Cut(11), "No WAVe header found." },
         { LoadWave, wave.Patched(0, word("RIFX")), "The stream is not a RIFF standard file." },
         { LoadWave, wave.Patched(0, word("RF64")), "Wave files of more than 4 GB (RF64) are not supported." },
@@ -131,17 +130,12 @@ TEST(PlainFiles, AreRefusedWhereTheyCannotBeRead)
         { LoadWave, wave.Cut(30), "No format chunk found." },
         { LoadWave, wave.Patched(20, number(2, 2)), "Invalid WAVe file format tag contents." },
         { LoadWave, wave.Patched(20, number(0xFFFE, 2)), "Invalid WAVe file format tag contents." },
-        { LoadWave, wave.Cut(36), "No chunk identifier found." },
-        { LoadWave, wave.Patched(36, word("LIST")), "No chunk identifier found." },
-        { LoadWave, wave.Cut(38), "No chunk identifier found." },
         { LoadWave, wave.Cut(42), "No data chunk length found." },
         { LoadWave, wave.Patched(40, number(0, 4)), "Invalid data chunk length." },
         { LoadWave, wave.Patched(40, number(0xFFFFFFFF, 4)),
           "Invalid data chunk length. Files with more than 2 GB of audio are not supported." },
-        { LoadWave, wave.Patched(40, number(0x7FFFFFFF, 4)), "Could not load WAV samples." },
         { LoadWave, wave.Patched(40, number(149, 4)), "Could not load WAV samples." },
         { LoadWave, wave.Patched(34, number(12, 2)), "Invalid source bitrate." },
-        { LoadWave, wave.Patched(34, number(64, 2)), "Invalid source bitrate." },
         { LoadWave, wave.Patched(20, number(3, 2)), "Invalid source bitrate." },
         { LoadWave, wave.Patched(22, number(0, 2)), "The file has 0 channels, but 1 to 8 are supported." },
         { LoadWave, wave.Patched(22, number(9, 2)), "The file has 9 channels, but 1 to 8 are supported." },
@@ -159,14 +153,12 @@ TEST(PlainFiles, AreRefusedWhereTheyCannotBeRead)
     compressed.compression = "ima4";
     const FileBytes noCommon = FileBytes().Text("FORM").Big(0, 4).Text("AIFFSSND").Big(12, 4).Big(0, 12);
     ExpectRefusals({
-        { LoadAiff, {}, "Could not read required data from stream." },
         { LoadAiff, aiff.Patched(0, word("RIFF")), "The stream is not an AIFF standard file." },
         { LoadAiff, aiff.Patched(8, word("AIFX")), "The stream is not an AIFF standard file." },
         { LoadAiff, AiffFile(compressed), "The compression of the AIFF-C file is not supported." },
         { LoadAiff, aiff.Patched(38, word("XXXX")), "Could not read required data from stream." },
         { LoadAiff, noCommon, "The AIFF file has samples before their description." },
         { LoadAiff, aiff.Cut(aiff.size() - 1), "Could not load AIFF samples." },
-        { LoadAiff, aiff.Patched(42, FileBytes().Big(0x7FFFFFFF, 4)), "Could not load AIFF samples." },
         { LoadAiff, aiff.Patched(42, FileBytes().Big(0xFFFFFFFF, 4)),
           "Files with more than 2 GB of audio are not supported." },
         { LoadAiff, aiff.Patched(20, FileBytes().Big(9, 2)),

@@ -267,26 +267,28 @@ TEST_F(Files, AreListedByFilter)
               "0 Could not access path " + Quoted("none") + " to get file list. No such file or directory");
 }
 
-// Sets a variable of the environment for as long as it lives; null takes it away.
-class Variable
+// What was changed of the environment is as before at its end.
+class KeptEnvironment
 {
 public:
-    Variable(const char* variable, const char* value) : name(variable)
+    KeptEnvironment() = default;
+    KeptEnvironment(const KeptEnvironment&) = delete;
+    KeptEnvironment& operator=(const KeptEnvironment&) = delete;
+    ~KeptEnvironment()
     {
-        if (const char* previous = std::getenv(variable))
-            old = previous;
-        else
-            wasSet = false;
-        value != nullptr ? setenv(variable, value, 1) : unsetenv(variable);
+        clearenv();
+        for (const std::string& variable : variables)
+            setenv(variable.substr(0, variable.find('=')).c_str(), &variable[variable.find('=') + 1], 1);
     }
-    ~Variable() { wasSet ? setenv(name, old.c_str(), 1) : unsetenv(name); }
-    Variable(const Variable&) = delete;
-    Variable& operator=(const Variable&) = delete;
 
 private:
-    const char* name;
-    std::string old;
-    bool wasSet = true;
+    const std::vector<std::string> variables = []
+    {
+        std::vector<std::string> all;
+        for (char** variable = environ; *variable != nullptr; ++variable)
+            all.emplace_back(*variable);
+        return all;
+    }();
 };
 
 TEST_F(Files, AreOpenedByTheDesktopOrRun)
@@ -298,7 +300,8 @@ TEST_F(Files, AreOpenedByTheDesktopOrRun)
     Put("xdg-open",
         "#!/bin/sh\nprintf %s \"$1\" > '" + output + ".part'\nmv '" + output + ".part' '" + output + "'\n",
         fs::perms::owner_all);
-    const Variable path("PATH", (folder.string() + ":" + std::getenv("PATH")).c_str());
+    const KeptEnvironment kept;
+    setenv("PATH", (folder.string() + ":" + std::getenv("PATH")).c_str(), 1);
     const std::pair<void (*)(), const char*> cases[] = {
         { [] { MFile::Execute("https://example.org/?a=1&b=$HOME"); }, "https://example.org/?a=1&b=$HOME" },
         { [] { MFile::ExecuteWWW("www.example.org/?q='$HOME'"); }, "http://www.example.org/?q='$HOME'" },
@@ -330,6 +333,9 @@ TEST_F(Files, AreOpenedByTheDesktopOrRun)
     Put("killed", "#!/bin/sh\nkill -9 $$\n", fs::perms::owner_all);
     EXPECT_EQ(MFile::Execute(Path("killed"), "", "", true), 128 + 9);
     EXPECT_EQ(MFile::Execute(Path("script"), "", Path("there")), 0);
+    for (const bool waits : { false, true })
+        EXPECT_EQ(ErrorOf([&] { MFile::Execute(Path("script"), "", Path("nowhere"), waits); }),
+                  "Could not execute file " + Quoted("script") + ". No such file or directory");
 }
 
 TEST_F(Files, StandInTheDesktopsSpecialFolders)
@@ -338,9 +344,10 @@ TEST_F(Files, StandInTheDesktopsSpecialFolders)
     Put("user-dirs.dirs",
         "# a comment\nXDG_DESKTOP_DIR=\"$HOME/Schreibtisch\"\nXDG_DOCUMENTS_DIR=\"/data/papers/\"\n"
         "XDG_DOCUMENTS_DIR=\"relative\"\nXDG_DOCUMENTS_DIR=\"\"\nXDG_DOCUMENTS_DIR=\"\n");
-    const Variable setHome("HOME", home.c_str());
-    const Variable setConfig("XDG_CONFIG_HOME", home.c_str());
-    const Variable setData("XDG_DATA_DIRS", "/opt/share/:/usr/share");
+    const KeptEnvironment kept;
+    setenv("HOME", home.c_str(), 1);
+    setenv("XDG_CONFIG_HOME", home.c_str(), 1);
+    setenv("XDG_DATA_DIRS", "/opt/share/:/usr/share", 1);
     const struct
     {
         const char* variable;
@@ -372,7 +379,8 @@ TEST_F(Files, StandInTheDesktopsSpecialFolders)
     for (const auto& [variable, value, kinds, wanted] : cases)
         for (const int kind : kinds)
         {
-            const Variable set(variable, value);
+            const KeptEnvironment before;
+            value != nullptr ? setenv(variable, value, 1) : unsetenv(variable);
             EXPECT_EQ(MFile::GetSpecialFolder(kind).ToUTF8(), wanted) << kind << " with " << variable;
         }
     for (const int kind : { -1, int{ MFile::SpecialFolderCount } })

@@ -412,6 +412,8 @@ TEST(MZLibStream, InsistsOnItsEndAndIdlesWithoutATarget)
     char byte = 0;
     EXPECT_EQ(stream.Read(&byte, 1), 0);
     const char unusable[] = "258 Compressed stream is not initialized.";
+    stream.Close();
+    EXPECT_EQ(CodedErrorOf([&] { stream.Read(&byte, 1); }), unusable);
     EXPECT_EQ(CodedErrorOf([&] { stream.Write("x", 1); }), unusable);
     MZLibStream idle(nullptr, MZLibStream::Direction::Inflate);
     EXPECT_FALSE(idle.IsOpen());
