@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <chrono>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -267,30 +268,6 @@ TEST_F(Files, AreListedByFilter)
               "0 Could not access path " + Quoted("none") + " to get file list. No such file or directory");
 }
 
-// What was changed of the environment is as before at its end.
-class KeptEnvironment
-{
-public:
-    KeptEnvironment() = default;
-    KeptEnvironment(const KeptEnvironment&) = delete;
-    KeptEnvironment& operator=(const KeptEnvironment&) = delete;
-    ~KeptEnvironment()
-    {
-        clearenv();
-        for (const std::string& variable : variables)
-            setenv(variable.substr(0, variable.find('=')).c_str(), &variable[variable.find('=') + 1], 1);
-    }
-
-private:
-    const std::vector<std::string> variables = []
-    {
-        std::vector<std::string> all;
-        for (char** variable = environ; *variable != nullptr; ++variable)
-            all.emplace_back(*variable);
-        return all;
-    }();
-};
-
 TEST_F(Files, AreOpenedByTheDesktopOrRun)
 {
     EXPECT_EQ(ErrorOf([&] { MFile::Execute(Path("none")); }),
@@ -300,8 +277,8 @@ TEST_F(Files, AreOpenedByTheDesktopOrRun)
     Put("xdg-open",
         "#!/bin/sh\nprintf %s \"$1\" > '" + output + ".part'\nmv '" + output + ".part' '" + output + "'\n",
         fs::perms::owner_all);
-    const KeptEnvironment kept;
-    setenv("PATH", (folder.string() + ":" + std::getenv("PATH")).c_str(), 1);
+    const std::string oldPath = std::getenv("PATH");
+    setenv("PATH", (folder.string() + ":" + oldPath).c_str(), 1);
     const std::pair<void (*)(), const char*> cases[] = {
         { [] { MFile::Execute("https://example.org/?a=1&b=$HOME"); }, "https://example.org/?a=1&b=$HOME" },
         { [] { MFile::ExecuteWWW("www.example.org/?q='$HOME'"); }, "http://www.example.org/?q='$HOME'" },
@@ -336,6 +313,7 @@ TEST_F(Files, AreOpenedByTheDesktopOrRun)
     for (const bool waits : { false, true })
         EXPECT_EQ(ErrorOf([&] { MFile::Execute(Path("script"), "", Path("nowhere"), waits); }),
                   "Could not execute file " + Quoted("script") + ". No such file or directory");
+    setenv("PATH", oldPath.c_str(), 1);
 }
 
 TEST_F(Files, StandInTheDesktopsSpecialFolders)
@@ -344,10 +322,6 @@ TEST_F(Files, StandInTheDesktopsSpecialFolders)
     Put("user-dirs.dirs",
         "# a comment\nXDG_DESKTOP_DIR=\"$HOME/Schreibtisch\"\nXDG_DOCUMENTS_DIR=\"/data/papers/\"\n"
         "XDG_DOCUMENTS_DIR=\"relative\"\nXDG_DOCUMENTS_DIR=\"\"\nXDG_DOCUMENTS_DIR=\"\n");
-    const KeptEnvironment kept;
-    setenv("HOME", home.c_str(), 1);
-    setenv("XDG_CONFIG_HOME", home.c_str(), 1);
-    setenv("XDG_DATA_DIRS", "/opt/share/:/usr/share", 1);
     const struct
     {
         const char* variable;
@@ -379,9 +353,18 @@ TEST_F(Files, StandInTheDesktopsSpecialFolders)
     for (const auto& [variable, value, kinds, wanted] : cases)
         for (const int kind : kinds)
         {
-            const KeptEnvironment before;
-            value != nullptr ? setenv(variable, value, 1) : unsetenv(variable);
-            EXPECT_EQ(MFile::GetSpecialFolder(kind).ToUTF8(), wanted) << kind << " with " << variable;
+            // The environment of a process of its own.
+            const auto ask = [&, name = variable, text = value, folder = wanted]
+            {
+                setenv("HOME", home.c_str(), 1);
+                setenv("XDG_CONFIG_HOME", home.c_str(), 1);
+                setenv("XDG_DATA_DIRS", "/opt/share/:/usr/share", 1);
+                text != nullptr ? setenv(name, text, 1) : unsetenv(name);
+                const std::string answer = MFile::GetSpecialFolder(kind).ToUTF8();
+                std::fputs(answer.c_str(), stderr);
+                _exit(answer == folder ? 0 : 1);
+            };
+            EXPECT_EXIT(ask(), testing::ExitedWithCode(0), "") << kind << " with " << variable;
         }
     for (const int kind : { -1, int{ MFile::SpecialFolderCount } })
         EXPECT_EQ(ErrorOf([kind] { MFile::GetSpecialFolder(kind); }),

@@ -180,19 +180,32 @@ TEST(MDataBlock, CopiesBeforeItWrites)
 {
     const char foreign[] = "foreign";
     MDataBlock first = MDataBlock::Borrow(foreign, 7);
+    EXPECT_TRUE(first.IsBorrowed());
     EXPECT_EQ(first.WritableData(), nullptr);
     first.MakeUnique(9);
+    EXPECT_FALSE(first.IsBorrowed());
     first.WritableData()[0] = 'F';
     EXPECT_EQ(BytesOf(first).substr(0, 7), "Foreign");
     EXPECT_STREQ(foreign, "foreign");
 
     MDataBlock second = first;
+    EXPECT_FALSE(first.IsUnique());
     EXPECT_EQ(second.WritableData(), nullptr);
     second.MakeUnique(3);
     second.WritableData()[0] = 'f';
     EXPECT_EQ(BytesOf(second), "for");
+    second.MakeUnique(2);
+    EXPECT_EQ(BytesOf(second), "fo");
     EXPECT_EQ(BytesOf(first).substr(0, 7), "Foreign");
     EXPECT_TRUE(first.IsUnique());
+    second = std::move(first);
+    EXPECT_TRUE(second.IsUnique());
+    EXPECT_EQ(first.Size(), 0);
+    EXPECT_EQ(first.Data(), nullptr);
+    EXPECT_FALSE(first.IsUnique());
+    for (const auto& [bytes, size] : { std::pair<const char*, int>{ nullptr, 5 }, { foreign, -1 } })
+        EXPECT_EQ(MDataBlock::Borrow(bytes, size).Size(), 0);
+    EXPECT_EQ(CodedErrorOf([] { MDataBlock(-1); }), "2 A data block cannot have a negative size.");
 }
 
 TEST(MCharFilter, AllowsItsCharacters)

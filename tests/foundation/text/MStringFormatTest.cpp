@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "foundation/text/MStringFormat.h"
 
+#include <cerrno>
 #include <string>
 #include <utility>
 
@@ -87,6 +88,21 @@ TEST(MStringFormat, RefusesWhatIsNoFormat)
                                          { "{32}", unknown },
                                          { "{-1}", unknown } })
         EXPECT_EQ(ErrorOf([&text = format] { Format(text); }), error);
+}
+
+TEST(MStringFormat, SharesItsArgumentsAmongItsCopies)
+{
+    MStringFormat first("{0}-{1}-{2}");
+    MStringFormat second(first);
+    {
+        MStringFormat third("other");
+        third = second;
+        third.Add("a");
+    }
+    first.Add(1);
+    second.Add(-1.5);
+    for (const MStringFormat& format : { first, second })
+        EXPECT_EQ(format.Text().ToUTF8(), "a-1--1.5000");
 }
 
 TEST(MStringScan, CapturesWhatThePatternNames)
@@ -181,7 +197,13 @@ TEST(Boundary, DropsItsOwnErrorsAndLogsTheOthers)
     EXPECT_EQ(AtBoundary("ClearAutomationAdapters", -1, []() -> int { throw 5; }), -1);
     EXPECT_EQ(loggedLine, "SYSTEM EXCEPTION! ClearAutomationAdapters");
     EXPECT_EQ(AtBoundary("Fine", -1, [] { return 7; }), 7);
+    AtBoundary("Void", [] { throw 5; });
+    EXPECT_EQ(loggedLine, "SYSTEM EXCEPTION! Void");
+    SetLogSink([](const MString&) { throw 5; });   // dropped
+    AtBoundary("Void", [] { throw 5; });
     SetLogSink(nullptr);
+    EXPECT_EQ(SystemErrorText(0).ToUTF8(), "No error description available.");
+    EXPECT_EQ(SystemErrorText(ENOENT).ToUTF8(), "No such file or directory");
     EXPECT_EQ(AtBoundary("Unheard", -1, []() -> int { throw 5; }), -1);
 }
 
