@@ -27,58 +27,53 @@ TEST(MArrayQueue, BehavesLikeADequeUnderRandomOperations)
         const auto amount = static_cast<int>(size);
         const bool isHeld = size <= expected.size();
         std::vector<float> samples(size, -1.0f);
-        switch (random() % 8)
+        const std::uint32_t kind = random() % 32;
+        if (kind < 8)
         {
-        case 0:
-        case 1:
             std::generate(samples.begin(), samples.end(), [&next] { return next++; });
             queue.Push(samples.data(), amount);
             expected.insert(expected.end(), samples.begin(), samples.end());
-            break;
-        case 2:
+        }
+        else if (kind < 12)
+        {
             queue.PushZeros(amount);
             expected.insert(expected.end(), size, 0.0f);
-            break;
-        case 3:
-        case 4:
-            ASSERT_EQ(ErrorOf([&] { queue.Pull(samples.data(), amount); }),
+        }
+        else if (kind < 24)
+        {
+            const auto first = expected.begin();
+            const bool keeps = kind < 16;
+            ASSERT_EQ(ErrorOf([&] { keeps ? queue.DropFront(amount) : queue.Pull(samples.data(), amount); }),
                       isHeld ? "" : "Not enough data in the queue.");
-            ASSERT_EQ(samples, isHeld ? std::vector<float>(expected.begin(), expected.begin() + amount)
-                                      : std::vector<float>(size, -1.0f));
+            if (isHeld && !keeps)
+                ASSERT_TRUE(std::equal(samples.begin(), samples.end(), first));
+            else
+                ASSERT_EQ(samples, std::vector<float>(size, -1.0f));
             if (isHeld)
-                expected.erase(expected.begin(), expected.begin() + amount);
-            break;
-        case 5:
-            ASSERT_EQ(ErrorOf([&] { queue.DropFront(amount); }).empty(), isHeld);
-            if (isHeld)
-                expected.erase(expected.begin(), expected.begin() + amount);
-            break;
-        case 6:
+                expected.erase(first, first + amount);
+        }
+        else if (kind < 28)
             queue.Normalize();
-            break;
-        default:
-            if (amount < 2)
-            {
-                queue.Clear();
-                expected.clear();
-            }
-            else if (amount < 10)
-            {
-                queue.FillZero();
-                std::fill(expected.begin(), expected.end(), 0.0f);
-            }
-            else if (amount < 20)
-            {
-                queue.Reserve(20 * amount);
-                capacity = std::max(capacity, std::bit_ceil(20 * static_cast<unsigned>(amount)));
-            }
-            else if (amount < 30)
-            {
-                const MArrayQueue<float> copy(queue);
-                queue.Clear();
-                queue = copy;
-            }
-            break;
+        else if (kind == 28 && size < 10)
+        {
+            queue.Clear();
+            expected.clear();
+        }
+        else if (kind == 29)
+        {
+            queue.FillZero();
+            std::fill(expected.begin(), expected.end(), 0.0f);
+        }
+        else if (kind == 30)
+        {
+            queue.Reserve(5 * amount);
+            capacity = std::max(capacity, std::bit_ceil(5 * static_cast<unsigned>(amount)));
+        }
+        else
+        {
+            const MArrayQueue<float> copy(queue);
+            queue.Clear();
+            queue = copy;
         }
         // It grows to what was ever held at once, and no further.
         if (!expected.empty())

@@ -5,6 +5,7 @@
 #include <map>
 #include <span>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include <dlfcn.h>
@@ -97,6 +98,11 @@ TEST(MModuleTest, FindsTheStyleBesideItselfOrInTheCurrentFolder)
     std::ofstream(folder / "qstyle.qrf") << "x";
     EXPECT_EQ(module.FindStyleFile().ToUTF8(), (folder / "qstyle.qrf").string());
     fs::current_path(old);
+    module.productName = "nothing of this name";
+    EXPECT_EQ(
+        ErrorOf([&] { module.LoadDocumentation(); }),
+        "Could not execute file \"/usr/share/doc/nothing of this name/nothing of this name.html\". No such "
+        "file or directory");
 }
 
 TEST(ConfigurationFiles, MissingAndBrokenOnesAreEmptyTrees)
@@ -109,15 +115,23 @@ TEST(ConfigurationFiles, MissingAndBrokenOnesAreEmptyTrees)
     LoadPluginConfiguration(tree);
     EXPECT_EQ(tree.Name().ToUTF8(), "Configuration");
     EXPECT_EQ(tree.AttributeCount(), 0);
-    EXPECT_EQ(ReadPluginConfiguration().surround, 0);
-    EXPECT_TRUE(ReadPluginConfiguration().confirmationEnabled);
+    const auto read = []
+    {
+        const PluginConfiguration all = ReadPluginConfiguration();
+        return std::tuple(all.surround, all.confirmationEnabled, all.tabletMode,
+                          all.onlinePresetExchange.ToUTF8());
+    };
+    EXPECT_EQ(read(), std::tuple(0, true, false, ""));
 
     // What others keep in the file survives a change.
     tree.SetAttribute("Foreign", "kept");
     SavePluginConfiguration(tree);
-    WritePluginConfiguration({ .surround = 1, .confirmationEnabled = false });
-    EXPECT_EQ(ReadPluginConfiguration().surround, 1);
-    EXPECT_FALSE(ReadPluginConfiguration().confirmationEnabled);
+    for (const bool flag : { true, false })
+        for (const bool other : { true, false })
+        {
+            WritePluginConfiguration({ flag ? 1 : 0, other, flag != other, flag ? "a" : "" });
+            EXPECT_EQ(read(), std::tuple(flag ? 1 : 0, other, flag != other, "a"));
+        }
     LoadPluginConfiguration(tree);
     EXPECT_EQ(tree.GetAttribute("Foreign").ToUTF8(), "kept");
 

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
-#include "foundation/module/MResourceTable.h"
+#include "foundation/module/MModule.h"
 #include "tests/ErrorOf.h"
 
 namespace
@@ -58,7 +60,8 @@ std::string ReadAll(MStream& stream)
 void ReadBoth(const std::string& block, auto&& check)
 {
     MResourceTable fromMemory;
-    fromMemory.Read(block.data(), static_cast<std::int32_t>(block.size()));
+    for (int round = 0; round < 2; ++round)   // the second replaces the first
+        fromMemory.Read(block.data(), static_cast<std::int32_t>(block.size()));
     check(fromMemory);
     MResourceTable fromStream;
     MMemoryStream stream = MMemoryStream::Borrow(block.data(), static_cast<std::int32_t>(block.size()));
@@ -80,6 +83,8 @@ TEST(ResourceTable, GivesEachEntryItsBytesAgainAndAgain)
              {
                  EXPECT_EQ(table.ResourceCount(), 4);
                  EXPECT_EQ(table.Find("style"), nullptr);
+                 EXPECT_EQ(ReadAll(table.ResourceAt(1).Content()),
+                           "a text that is compressed compressed compressed");
                  for (int round = 0; round < 2; ++round)
                  {
                      EXPECT_EQ(ReadAll(table.Get("logo").Content()), "logo!");
@@ -117,17 +122,49 @@ TEST(ResourceTable, StaysEmptyWithoutAHeaderAndAfterABrokenBlock)
         for (const std::string& error : errors)
             EXPECT_EQ(error.empty(), size < 12);
     }
-    for (const std::string& hostile :
-         { Word(0) + Word(0x7FFFFFFF) + Word(0), Word(0) + Word(0xFFFFFFFF) + Word(1),
-           Word(0) + Word(3) + Word(0x7FFFFFFF) + "<a/>", Block("", "data"), Block("<!-- nothing -->", ""),
-           Block(Solution(Entry("resource", "a", 0, 6)), "logo!"),
-           Block(Solution("<resource id=\"a\" offset=\"-1\" size=\"1\"/>"), "logo!"),
-           Block(Solution("<resource id=\"a\" offset=\"9223372036854775807\" size=\"9223372036854775807\"/>"),
-                 "logo!") })
+    const char size[] = "Invalid file contents. The resource block has an invalid size.";
+    const char outside[] = "Invalid file contents. The resource \"a\" lies outside the data.";
+    const char partial[] = "Could not read required data from stream.";
+    const std::string largest = "9223372036854775807";
+    for (const auto& [hostile, error] : {
+             std::pair{ Word(0) + Word(64 << 20) + Word(0), partial },
+             { Word(0) + Word((64 << 20) + 1) + Word(0), size },
+             { Word(0) + Word(0xFFFFFFFF) + Word(1), size },
+             { Word(0) + Word(4) + Word(0x7FFFFFFF) + "<a/>", size },
+             { Word(0) + Word(4) + Word(5) + "<a/>1234", partial },
+             { Block(Solution(Entry("resource", "a", 0, 6)), "logo!"), outside },
+             { Block(Solution(Entry("resource", "a", 6, 0)), "logo!"), outside },
+             { Block(Solution("<resource id=\"a\" offset=\"-1\" size=\"1\"/>"), "logo!"), outside },
+             { Block(Solution("<resource id=\"a\" offset=\"1\" size=\"-1\"/>"), "logo!"), outside },
+             { Block(Solution("<resource id=\"a\" offset=\"1\" size=\"" + largest + "\"/>"), "logo!"),
+               outside },
+         })
     {
         MResourceTable table;
-        EXPECT_THROW(table.Read(hostile.data(), static_cast<std::int32_t>(hostile.size())), MException);
+        EXPECT_EQ(ErrorOf([&] { table.Read(hostile.data(), static_cast<std::int32_t>(hostile.size())); }),
+                  error);
         EXPECT_TRUE(table.IsEmpty());
+        EXPECT_EQ(table.DataSize(), 0);
     }
+    for (const std::string& broken : { Block("", "data"), Block("<!-- nothing -->", "") })
+    {
+        MResourceTable table;
+        EXPECT_THROW(table.Read(broken.data(), static_cast<std::int32_t>(broken.size())), MException);
+    }
+}
+
+// The block is registered for good, so that a process of its own does it.
+TEST(ResourceTableDeathTest, ComesWithTheModule)
+{
+    const auto start = []
+    {
+        const std::string block = Block(Solution(Entry("resource", "logo", 0, 5)), "logo!");
+        MModule& module = StartModule();
+        const bool wasEmpty = module.resources.IsEmpty();
+        RegisterEmbeddedResources(block.data(), static_cast<std::int32_t>(block.size()));
+        module.Initialize();
+        _exit(wasEmpty && ReadAll(module.GetResource("logo").Content()) == "logo!" ? 0 : 1);
+    };
+    EXPECT_EXIT(start(), testing::ExitedWithCode(0), "");
 }
 }   // namespace
