@@ -2,7 +2,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <map>
+#include <set>
 #include <span>
 #include <string>
 #include <tuple>
@@ -193,28 +193,22 @@ TEST(ConfigurationFiles, AreNeverBrokenWhileTwoProcessesWrite)
 
 TEST(Locale, CodesAreUniqueTwoLetterCodesWithTheirNames)
 {
-    const auto check = [](std::span<const char* const> codes, std::span<const char* const> labels,
-                          const std::map<std::string, std::string>& known)
+    using Table = std::span<const char* const>;
+    for (const auto& [codes, labels] :
+         { std::pair<Table, Table>(MLocale::LanguageCodes, MLocale::LanguageLabels),
+           { MLocale::CountryCodes, MLocale::CountryLabels } })
     {
         ASSERT_EQ(codes.size(), labels.size());
         EXPECT_STREQ(codes[0], "");
-        std::map<std::string, std::string> table;
+        EXPECT_STREQ(labels[0], "");
+        std::set<std::string> unique;
         for (std::size_t index = 1; index < codes.size(); ++index)
         {
             EXPECT_EQ(std::string(codes[index]).size(), 2u);
-            EXPECT_GT(std::string(labels[index]).size(), 2u);
-            table[codes[index]] = labels[index];
+            EXPECT_TRUE(index == 1 || std::string(labels[index - 1]) < labels[index]) << labels[index];
+            unique.insert(codes[index]);
         }
-        EXPECT_EQ(table.size(), codes.size() - 1);
-        for (const auto& [code, label] : known)
-            EXPECT_EQ(table[code], label);
-    };
-    check(MLocale::LanguageCodes, MLocale::LanguageLabels,
-          { { "SQ", "Albanian" }, { "DE", "German" }, { "ZU", "Zulu" }, { "CY", "Welsh" } });
-    check(MLocale::CountryCodes, MLocale::CountryLabels,
-          { { "ZW", "Zimbabwe" }, { "AT", "Austria" }, { "US", "United States" }, { "NO", "Norway" } });
-    // ISO 639-1 has 184 codes with the deprecated ones that are still in use, ISO 3166-1 249.
-    EXPECT_EQ(std::size(MLocale::LanguageCodes), 185u);
-    EXPECT_EQ(std::size(MLocale::CountryCodes), 250u);
+        EXPECT_EQ(unique.size(), codes.size() - 1);
+    }
 }
 }   // namespace

@@ -104,25 +104,23 @@ TEST(MMutex, WaitsForItsTimeout)
     for (const std::uint32_t timeoutMs : { 1u, 30u })
         ExpectToTakeAsLong(timeoutMs, [&] { return Elsewhere([&] { return mutex.Acquire(timeoutMs); }); });
     auto waiter = std::async(std::launch::async, [&mutex] { return mutex.Acquire(LongMs); });
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));   // until it waits
     mutex.Release();
     EXPECT_EQ(waiter.get(), 0);
 }
 
-TEST(MMutex, IsInheritedFromADeadOwner)
+TEST(MMutex, IsInheritedFromADeadOwnerAndGrantsEverythingWithoutAHandle)
 {
-    MMutex mutex;
-    std::thread([&mutex] { mutex.Acquire(InfiniteTimeout); }).join();
-    EXPECT_EQ(mutex.Acquire(0), 0);
-    mutex.Release();
-    EXPECT_EQ(TryElsewhere(mutex), 0);
-}
-
-TEST(MMutex, GrantsEverythingWithoutAHandle)
-{
-    MMutex mutex(MMutex::Form::WithoutHandle);
-    EXPECT_EQ(mutex.Acquire(InfiniteTimeout), 0);
-    EXPECT_EQ(TryElsewhere(mutex), 0);
-    mutex.Release();
+    MMutex inherited;
+    std::thread([&inherited] { inherited.Acquire(InfiniteTimeout); }).join();
+    MMutex bare(MMutex::Form::WithoutHandle);
+    for (MMutex* mutex : { &inherited, &bare })
+    {
+        EXPECT_EQ(mutex->Acquire(0), 0);
+        EXPECT_EQ(TryElsewhere(*mutex) == 0, mutex == &bare);
+        mutex->Release();
+        EXPECT_EQ(TryElsewhere(*mutex), 0);
+    }
 }
 
 TEST(MSemaphore, CountsItsReleases)
