@@ -132,6 +132,8 @@ TEST(ConfigurationFiles, MissingAndBrokenOnesAreEmptyTrees)
             WritePluginConfiguration({ flag ? 1 : 0, other, flag != other, flag ? "a" : "" });
             EXPECT_EQ(read(), std::tuple(flag ? 1 : 0, other, flag != other, "a"));
         }
+    WritePluginConfiguration({});
+    EXPECT_EQ(read(), std::tuple(0, true, false, "a"));
     LoadPluginConfiguration(tree);
     EXPECT_EQ(tree.GetAttribute("Foreign").ToUTF8(), "kept");
 

@@ -1,5 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -166,5 +169,38 @@ TEST(ResourceTableDeathTest, ComesWithTheModule)
         _exit(wasEmpty && ReadAll(module.GetResource("logo").Content()) == "logo!" ? 0 : 1);
     };
     EXPECT_EXIT(start(), testing::ExitedWithCode(0), "");
+}
+
+// Started again in several ways, this very test tells what it finds.
+TEST(ResourceTable, LiesBesideAProgramHoweverThatWasStarted)
+{
+    if (const char* told = std::getenv("TOLD"))
+    {
+        const MModule& module = StartModule();
+        std::ofstream(told) << module.modulePath.ToUTF8() << " " << module.productName.ToUTF8() << " "
+                            << module.resources.ResourceCount();
+        return;
+    }
+    namespace fs = std::filesystem;
+    const fs::path folder = fs::path(std::getenv("TONALIGN_TEST_FOLDER")) / "started";
+    const fs::path self = fs::read_symlink("/proc/self/exe");
+    fs::create_directories(folder);
+    fs::create_symlink(self, folder / "program");
+    std::ofstream(folder / "program.qrf", std::ios::binary)
+        << Block(Solution(Entry("resource", "logo", 0, 5)), "logo!");
+    const std::string beside = (folder / "program").string() + " program 1";
+    for (const auto& [start, told] :
+         { std::pair<std::string, std::string>{ "./program", beside },
+           { (folder / "program").string(), beside },
+           // The name alone doesn't say where it was found.
+           { "PATH=.:$PATH program", self.string() + " " + self.stem().string() + " 0" } })
+    {
+        const std::string command = "cd '" + folder.string() + "' && TOLD=told " + start +
+                                    " --gtest_filter=*LiesBesideAProgram* >/dev/null";
+        EXPECT_EQ(std::system(command.c_str()), 0);
+        std::string line;
+        std::getline(std::ifstream(folder / "told"), line);
+        EXPECT_EQ(line, told);
+    }
 }
 }   // namespace
