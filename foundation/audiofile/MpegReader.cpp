@@ -128,7 +128,7 @@ private:
 };
 
 /// Samples a channel that the stream's first frame announces in a "Xing" or "Info" header, as most encoders
-/// write it; 0 where there is none. Stays where it was.
+/// write it; 0 where there is none. Goes back to the start.
 std::int64_t AnnouncedSamples(mp3dec::binfile& source)
 {
     std::array<std::uint8_t, 256> head{};
@@ -175,8 +175,7 @@ bool DecodeExtent(AudioSampleBuffer& buffer, mp3dec::binfile& source, Extent ext
     std::array<float*, AudioSampleBuffer::MaxChannels> out{};
     while (const std::int32_t got = decoder.Read(block.data(), ReadBytes))
     {
-        progress.Report(static_cast<double>(source.Tell()) /
-                        static_cast<double>(std::max<std::int64_t>(source.Length(), 1)));
+        progress.Report(static_cast<double>(source.Tell()) / static_cast<double>(source.Length()));
         const std::int32_t frameCount = got / layout.BytesPerFrame();
         if (!decoded.Append(frameCount, out.data()))
             ThrowInvalidContents("Error decompressing MPEG stream.");
@@ -198,7 +197,6 @@ void Decode(AudioSampleBuffer& buffer, mp3dec::binfile& source, const LoadProgre
 {
     if (DecodeExtent(buffer, source, Extent::Announced, progress))
         return;
-    source.Seek(0);
     DecodeExtent(buffer, source, Extent::AllBytes, progress);
 }
 }   // namespace

@@ -19,14 +19,11 @@ struct Positions
 {
     std::array<std::int32_t, BlockFrames> index;
     std::array<float, BlockFrames> fraction;
-    std::int32_t count = 0;   // behind these the block is silent
+    std::int32_t count = 0;
 
-    void Set(std::int32_t start, std::int32_t frameCount, double step, std::int32_t sourceFrames)
+    void Set(std::int32_t start, std::int32_t frameCount, double step, std::int32_t lastIndex)
     {
-        const std::int32_t lastIndex = sourceFrames - 2;
         count = frameCount;
-        while (count > 0 && (start + count - 1) * step >= sourceFrames)
-            --count;
         // One step at a time, as each then runs in vectors.
         std::array<double, BlockFrames> position;
         const auto used = static_cast<std::size_t>(count);
@@ -101,17 +98,14 @@ void Resample(AudioSampleBuffer& buffer, double targetRate, const LoadProgress& 
         const std::int32_t count = std::min(BlockFrames, newFrames - start);
         // A single frame has no neighbours: it stands for as long as it lasts.
         if (source.frames >= 2)
-            positions.Set(start, count, step, source.frames);
+            positions.Set(start, count, step, source.frames - 2);
         for (std::size_t channel = 0; channel < static_cast<std::size_t>(result.channels); ++channel)
         {
             float* out = result.channelData[channel] + start;
             if (source.frames < 2)
-            {
                 std::fill_n(out, count, source.channelData[channel][0]);
-                continue;
-            }
-            Interpolate(source.channelData[channel], positions, out);
-            std::fill(out + positions.count, out + count, 0.0f);
+            else
+                Interpolate(source.channelData[channel], positions, out);
         }
     }
     result.sampleRate = targetRate;

@@ -41,7 +41,7 @@ MString MadeFolder(const MString& subPath)
 {
     const MString base = MFile::GetSpecialFolder(MFile::UserData);
     std::string path = (SystemPath(base) / SystemPath(subPath).relative_path()).lexically_normal().string();
-    while (path.size() > 1 && path.back() == '/')
+    if (path.back() == '/')
         path.pop_back();
     const MString folder = PathText(path);
     MFile::CreatePath(folder);

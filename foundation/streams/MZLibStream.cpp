@@ -98,9 +98,7 @@ void MZLibStream::DeflateRounds(int flushMode)
         state->next_out = outputBuffer.data();
         state->avail_out = static_cast<uInt>(outputBuffer.size());
         deflate(state.get(), flushMode);
-        const auto produced = static_cast<std::int32_t>(outputBuffer.size() - state->avail_out);
-        if (produced > 0)
-            target->Write(outputBuffer.data(), produced);
+        target->Write(outputBuffer.data(), static_cast<std::int32_t>(outputBuffer.size() - state->avail_out));
     } while (state->avail_out == 0);
 }
 

@@ -11,13 +11,9 @@ timespec TimeIn(clockid_t clock, std::uint32_t milliseconds)
     constexpr long NanosecondsPerSecond = 1'000'000'000;
     timespec time = {};
     clock_gettime(clock, &time);
-    time.tv_sec += milliseconds / 1000;
-    time.tv_nsec += static_cast<long>(milliseconds % 1000) * 1'000'000;
-    if (time.tv_nsec >= NanosecondsPerSecond)
-    {
-        time.tv_nsec -= NanosecondsPerSecond;
-        ++time.tv_sec;
-    }
+    const long nanoseconds = time.tv_nsec + static_cast<long>(milliseconds % 1000) * 1'000'000;
+    time.tv_sec += milliseconds / 1000 + nanoseconds / NanosecondsPerSecond;
+    time.tv_nsec = nanoseconds % NanosecondsPerSecond;
     return time;
 }
 

@@ -41,8 +41,8 @@ bool MSynchronizationObject::WaitForGrant(std::uint32_t modeWord, std::uint32_t 
     const Clock::time_point start = Clock::now();
     while (!CanAcquire(modeWord))
     {
-        const bool hasTime = timeoutMs == InfiniteTimeout ||
-                             (timeoutMs > 0 && Clock::now() - start < std::chrono::milliseconds(timeoutMs));
+        const bool hasTime =
+            timeoutMs == InfiniteTimeout || Clock::now() - start < std::chrono::milliseconds(timeoutMs);
         if (!hasTime)
             return false;
         internalLock.Release();

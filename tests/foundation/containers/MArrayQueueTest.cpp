@@ -1,84 +1,84 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "foundation/containers/MArrayQueue.h"
 
+#include <algorithm>
+#include <bit>
 #include <deque>
 #include <random>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "tests/ErrorOf.h"
+
 namespace
 {
 TEST(MArrayQueue, BehavesLikeADequeUnderRandomOperations)
 {
-    constexpr unsigned Seed = 4711;
-    SCOPED_TRACE(Seed);
-    std::mt19937 random(Seed);
-    const auto pick = [&random](int low, int high)
-    {
-        return std::uniform_int_distribution<int>(low, high)(random);
-    };
+    std::mt19937 random(4711);
     MArrayQueue<float> queue;
     std::deque<float> expected;
-    float next = 0.0f;
+    float next = 1.0f;
+    unsigned capacity = 0;
     for (int round = 0; round < 50000; ++round)
     {
         SCOPED_TRACE(round);
-        const int amount = pick(0, 100);
-        std::vector<float> samples(static_cast<std::size_t>(amount));
-        switch (pick(0, 7))
+        const auto size = random() % 101;
+        const auto amount = static_cast<int>(size);
+        const bool isHeld = size <= expected.size();
+        std::vector<float> samples(size, -1.0f);
+        const std::uint32_t kind = random() % 32;
+        if (kind < 8)
         {
-        case 0:
-        case 1:
-            for (float& sample : samples)
-                expected.push_back(sample = next++);
+            std::generate(samples.begin(), samples.end(), [&next] { return next++; });
             queue.Push(samples.data(), amount);
-            break;
-        case 2:
-            queue.PushZeros(amount);
-            expected.insert(expected.end(), static_cast<std::size_t>(amount), 0.0f);
-            break;
-        case 3:
-        case 4:
+            expected.insert(expected.end(), samples.begin(), samples.end());
+        }
+        else if (kind < 12)
         {
-            const int held = static_cast<int>(expected.size());
-            if (amount > held)
-            {
-                ASSERT_THROW(queue.Pull(samples.data(), amount), MException);
-                ASSERT_THROW(queue.DropFront(amount), MException);
-                break;
-            }
-            queue.Pull(samples.data(), amount);
-            for (const float sample : samples)
-            {
-                ASSERT_EQ(sample, expected.front());
-                expected.pop_front();
-            }
-            break;
+            queue.PushZeros(amount);
+            expected.insert(expected.end(), size, 0.0f);
         }
-        case 5:
-            if (amount <= queue.Count())
-            {
-                queue.DropFront(amount);
-                expected.erase(expected.begin(), expected.begin() + amount);
-            }
-            break;
-        case 6:
+        else if (kind < 24)
+        {
+            const auto first = expected.begin();
+            const bool keeps = kind < 16;
+            ASSERT_EQ(ErrorOf([&] { keeps ? queue.DropFront(amount) : queue.Pull(samples.data(), amount); }),
+                      isHeld ? "" : "Not enough data in the queue.");
+            if (isHeld && !keeps)
+                ASSERT_TRUE(std::equal(samples.begin(), samples.end(), first));
+            else
+                ASSERT_EQ(samples, std::vector<float>(size, -1.0f));
+            if (isHeld)
+                expected.erase(first, first + amount);
+        }
+        else if (kind < 28)
             queue.Normalize();
-            break;
-        default:
-            if (amount < 2)
-            {
-                queue.Clear();
-                expected.clear();
-            }
-            else if (amount < 10)
-            {
-                queue.FillZero();
-                std::fill(expected.begin(), expected.end(), 0.0f);
-            }
-            break;
+        else if (kind == 28 && size < 10)
+        {
+            queue.Clear();
+            expected.clear();
         }
+        else if (kind == 29)
+        {
+            queue.FillZero();
+            std::fill(expected.begin(), expected.end(), 0.0f);
+        }
+        else if (kind == 30)
+        {
+            queue.Reserve(5 * amount);
+            capacity = std::max(capacity, std::bit_ceil(5 * static_cast<unsigned>(amount)));
+        }
+        else
+        {
+            const MArrayQueue<float> copy(queue);
+            queue.Clear();
+            queue = copy;
+        }
+        // It grows to what was ever held at once, and no further.
+        if (!expected.empty())
+            capacity = std::max(capacity, std::bit_ceil(static_cast<unsigned>(expected.size())));
+        ASSERT_EQ(queue.Capacity(), static_cast<int>(capacity));
         ASSERT_EQ(queue.Count(), static_cast<int>(expected.size()));
         std::vector<float> held(expected.size());
         queue.Peek(held.data(), queue.Count());
@@ -86,40 +86,14 @@ TEST(MArrayQueue, BehavesLikeADequeUnderRandomOperations)
     }
 }
 
-TEST(MArrayQueue, SaysWhatIsMissingAndKeepsWhatItHas)
+TEST(MArrayQueue, RefusesMoreThanAnArrayCanHold)
 {
-    MArrayQueue<float> queue;
-    const float samples[] = { 1.0f, 2.0f, 3.0f };
-    float target[4] = {};
-    queue.Push(samples, 3);
-    try
-    {
-        queue.Pull(target, 4);
-        FAIL();
-    }
-    catch (const MException& error)
-    {
-        EXPECT_EQ(error.Message.ToUTF8(), "Not enough data in the queue.");
-    }
-    EXPECT_EQ(target[0], 0.0f);
-    queue.Pull(target, 3);
-    EXPECT_EQ(target[2], 3.0f);
-    EXPECT_EQ(queue.Count(), 0);
-}
-
-TEST(MArrayQueue, StopsGrowingWhenItsFillIsBounded)
-{
-    MArrayQueue<float> queue;
-    queue.Reserve(1000);
-    const int capacity = queue.Capacity();
-    EXPECT_EQ(capacity, 1024);
-    std::vector<float> block(333);
-    queue.PushZeros(600);
-    for (int round = 0; round < 1000; ++round)
-    {
-        queue.Push(block.data(), 333);
-        queue.Pull(block.data(), 333);
-    }
-    EXPECT_EQ(queue.Capacity(), capacity);
+    MArrayQueue<char> queue;
+    queue.PushZeros(5);
+    const char text[] = "A queue cannot hold more data.";
+    EXPECT_EQ(ErrorOf([&] { queue.PushZeros((1 << 30) - 4); }), text);
+    EXPECT_EQ(ErrorOf([&] { queue.Reserve((1 << 30) + 1); }), text);
+    EXPECT_EQ(queue.Count(), 5);
+    EXPECT_EQ(queue.Capacity(), 8);
 }
 }   // namespace

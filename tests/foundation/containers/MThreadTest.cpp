@@ -31,6 +31,9 @@ public:
         while (!IsCancelled())
         {
             niceValue = getpriority(PRIO_PROCESS, 0);
+            sigset_t blocked;
+            pthread_sigmask(SIG_BLOCK, nullptr, &blocked);
+            isShielded = sigismember(&blocked, SIGTERM) == 1 && sigismember(&blocked, SIGPROF) == 1;
             ++rounds;
             hasRun.Release();
             if (throwsAfterFirst)
@@ -44,6 +47,7 @@ public:
     std::atomic<int> rounds = 0;
     std::atomic<int> codeAtFinish = 0;
     std::atomic<int> niceValue = 0;
+    std::atomic<bool> isShielded = false;   // from the host's signals
     std::atomic<bool> throwsAfterFirst = false;
     MSemaphore hasRun;
 };
@@ -92,26 +96,21 @@ TEST(MThread, RunsOnlyWhenStartedAndNotStoppedMeanwhile)
     EXPECT_TRUE(worker.Wait(InfiniteTimeout));
     EXPECT_EQ(worker.rounds, rounds);
     EXPECT_EQ(worker.codeAtFinish, 0);
+    MThread suspended;   // without a body, it may leave the stop to its destructor
+    suspended.Create();
 }
 
-// Has no data of its own in the body, so it may leave the stop to the base.
-class Sleeper : public MThread
-{
-};
-
-TEST(MThread, IsDestroyedWhileSuspended)
-{
-    Sleeper sleeper;
-    sleeper.Create();
-}
-
-TEST(MThread, LowersItsPriority)
+TEST(MThread, LowersItsPriorityAndLeavesSignalsToTheHost)
 {
     Worker worker;
     worker.SetPriority(MThread::Priority::Low);
     worker.Start();
     worker.hasRun.Acquire(InfiniteTimeout);
     EXPECT_EQ(worker.niceValue, std::min(19, getpriority(PRIO_PROCESS, 0) + 5));
+    EXPECT_TRUE(worker.isShielded);
+    sigset_t blocked;
+    pthread_sigmask(SIG_BLOCK, nullptr, &blocked);
+    EXPECT_EQ(sigismember(&blocked, SIGTERM), 0);
     EXPECT_THROW(worker.SetPriority(static_cast<MThread::Priority>(7)), MException);
 }
 

@@ -1,48 +1,29 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <algorithm>
+#include <cctype>
+#include <cstdio>
 #include <cstring>
+#include <functional>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 #include <zlib.h>
 
+#include "foundation/streams/MConsoleStream.h"
 #include "foundation/streams/MHexaStream.h"
 #include "foundation/streams/MMD5Stream.h"
 #include "foundation/streams/MMemoryStream.h"
 #include "foundation/streams/MZLibStream.h"
 #include "foundation/streams/StreamAdapters.h"
 #include "foundation/text/MEncoding.h"
-#include "foundation/text/MException.h"
+#include "tests/ErrorOf.h"
 
 namespace
 {
-struct Failure
-{
-    std::string message;
-    int code = -1;
-    bool operator==(const Failure&) const = default;
-};
-
-std::ostream& operator<<(std::ostream& output, const Failure& failure)
-{
-    return output << failure.code << " " << failure.message;
-}
-
-Failure FailureOf(auto&& operation)
-{
-    try
-    {
-        operation();
-    }
-    catch (const MException& error)
-    {
-        return { error.Message.ToUTF8(), error.Code };
-    }
-    return {};
-}
-
 MMemoryStream Holding(const std::string& bytes)
 {
     return MMemoryStream(MDataBlock(bytes.data(), static_cast<std::int32_t>(bytes.size())));
@@ -87,22 +68,63 @@ std::string RandomBytes(std::size_t count)
 TEST(MStream, ThrowsForEveryServiceThatAClassDoesNotOffer)
 {
     MStream stream;
-    const auto missing = [](const char* service)
-    {
-        return Failure{ "Service \"" + std::string(service) + "\" is not implemented.", 0 };
-    };
     char buffer[4];
-    EXPECT_EQ(FailureOf([&] { stream.GetSubStream(); }), missing("return substream"));
-    EXPECT_EQ(FailureOf([&] { stream.Write("x", 1); }), missing("write to stream"));
-    EXPECT_EQ(FailureOf([&] { stream.WriteBlank(3); }), missing("write to stream"));
-    EXPECT_EQ(FailureOf([&] { stream.Read(buffer, 1); }), missing("read from stream"));
-    EXPECT_EQ(FailureOf([&] { stream.GetPosition(); }), missing("get stream position"));
-    EXPECT_EQ(FailureOf([&] { stream.Flush(); }), missing("flush stream"));
-    EXPECT_EQ(FailureOf([&] { stream.IsEnd(); }), missing("end of stream test"));
-    EXPECT_EQ(FailureOf([&] { stream.Truncate(); }), missing("truncate stream"));
-    EXPECT_EQ(FailureOf([&] { stream.GetSize(); }), missing("stream size detection"));
-    EXPECT_EQ(FailureOf([&] { stream.Seek(-1, MStream::Current); }), missing("backward seek in a stream"));
+    const std::pair<const char*, std::function<void()>> services[] = {
+        { "return substream",
+          [&]
+          {
+              stream.GetSubStream();
+          } },
+        { "write to stream",
+          [&]
+          {
+              stream.Write("x", 1);
+          } },
+        { "write to stream",
+          [&]
+          {
+              stream.WriteBlank(1);
+          } },
+        { "read from stream",
+          [&]
+          {
+              stream.Read(buffer, 1);
+          } },
+        { "get stream position",
+          [&]
+          {
+              stream.GetPosition();
+          } },
+        { "flush stream",
+          [&]
+          {
+              stream.Flush();
+          } },
+        { "end of stream test",
+          [&]
+          {
+              stream.IsEnd();
+          } },
+        { "truncate stream",
+          [&]
+          {
+              stream.Truncate();
+          } },
+        { "stream size detection",
+          [&]
+          {
+              stream.GetSize();
+          } },
+        { "backward seek in a stream",
+          [&]
+          {
+              stream.Seek(-1, MStream::Current);
+          } },
+    };
+    for (const auto& [service, call] : services)
+        EXPECT_EQ(CodedErrorOf(call), "0 Service \"" + std::string(service) + "\" is not implemented.");
     EXPECT_TRUE(stream.IsOpen());
+    stream.WriteBlank(0);
 }
 
 TEST(MStream, ReadsLines)
@@ -154,10 +176,15 @@ TEST(MStream, ReadsLinesOfAnyLengthAndEncodesThem)
     stream.Seek(0, MStream::Begin);
     for (const std::string& expected : { longLine, accent, std::string(), std::string("end") })
         EXPECT_EQ(ReadLineOrFail(stream).ToUTF8(), expected);
-    EXPECT_EQ(FailureOf([&] { ReadLineOrFail(stream); }),
-              (Failure{ "Could not load a line from stream.", 256 }));
-    EXPECT_EQ(FailureOf([&] { ReadExact(stream, nullptr, 1); }),
-              (Failure{ "Could not read required data from stream.", 256 }));
+    EXPECT_EQ(CodedErrorOf([&] { ReadLineOrFail(stream); }), "256 Could not load a line from stream.");
+    EXPECT_EQ(CodedErrorOf([&] { ReadExact(stream, nullptr, 1); }),
+              "256 Could not read required data from stream.");
+    for (const int count : { 1, 1024, 1025 })
+    {
+        MMemoryStream blank;
+        blank.WriteBlank(count);
+        EXPECT_EQ(ContentOf(blank), std::string(static_cast<std::size_t>(count), '\0'));
+    }
 }
 
 TEST(MStream, SeeksForwardByReading)
@@ -169,18 +196,22 @@ TEST(MStream, SeeksForwardByReading)
     EXPECT_EQ(character, 'b');
     source.Seek(0, MStream::Current);
     EXPECT_EQ(source.GetPosition(), 3001);
-    EXPECT_EQ(FailureOf([&] { source.Seek(0, 3); }), (Failure{ "Invalid seek origin.", 2 }));
-    EXPECT_EQ(FailureOf([&] { source.Seek(3000, MStream::Begin); }),
-              (Failure{ "Service \"backward seek in a stream\" is not implemented.", 0 }));
+    EXPECT_EQ(CodedErrorOf([&] { source.Seek(0, 3); }), "2 Invalid seek origin.");
+    const char noWayBack[] = "Service \"backward seek in a stream\" is not implemented.";
+    EXPECT_EQ(ErrorOf([&] { source.Seek(3000, MStream::Begin); }), noWayBack);
     source.Seek(100, MStream::Current);
     EXPECT_EQ(source.GetPosition(), 3002);
+    PlainSource digits("00112233", 8);
+    MHexaStream hexa(digits);
+    hexa.Seek(4, MStream::Begin);
+    hexa.Read(&character, 1);
+    EXPECT_EQ(character, 0x22);
+    EXPECT_EQ(ErrorOf([&] { hexa.Seek(0, MStream::Begin); }), noWayBack);
 }
 
 TEST(MMemoryStream, SeeksReadsAndWritesLikeAByteVector)
 {
-    constexpr unsigned Seed = 31;
-    SCOPED_TRACE(Seed);
-    std::mt19937 random(Seed);
+    std::mt19937 random(31);
     const auto pick = [&random](int low, int high)
     {
         return std::uniform_int_distribution<int>(low, high)(random);
@@ -220,7 +251,7 @@ TEST(MMemoryStream, SeeksReadsAndWritesLikeAByteVector)
         ASSERT_EQ(stream.IsEnd(), position == expected.size());
         ASSERT_TRUE(round % 50 != 0 || ContentOf(stream) == expected);
     }
-    EXPECT_EQ(FailureOf([&] { stream.Seek(0, 3); }), (Failure{ "Invalid seek origin.", 2 }));
+    EXPECT_EQ(CodedErrorOf([&] { stream.Seek(0, 3); }), "2 Invalid seek origin.");
     stream.Seek(std::numeric_limits<std::int64_t>::max(), MStream::Current);
     EXPECT_TRUE(stream.IsEnd());
 }
@@ -246,54 +277,41 @@ TEST(MMemoryStream, CopiesASharedOrBorrowedBlockBeforeWriting)
 
 TEST(MHexaStream, WritesUpperCaseAndReadsEither)
 {
-    MMemoryStream target;
-    MHexaStream(target).Write("\x0A\xFF", 2);
-    EXPECT_EQ(ContentOf(target), "0AFF");
-
     const std::string bytes = RandomBytes(1000);
     MMemoryStream digits;
     MHexaStream writer(digits);
     writer.Write(bytes.data(), 1000);
     EXPECT_EQ(writer.GetPosition(), 1000);
     EXPECT_EQ(writer.GetSize(), 1000);
-    std::string lower = ContentOf(digits);
-    std::transform(lower.begin(), lower.end(), lower.begin(),
-                   [](char c) { return c >= 'A' ? static_cast<char>(c + 32) : c; });
-    for (const std::string& text : { ContentOf(digits), lower })
+    std::string upper;
+    for (const char byte : bytes)
+    {
+        char pair[3];
+        std::snprintf(pair, sizeof pair, "%02X", static_cast<unsigned char>(byte));
+        upper += pair;
+    }
+    EXPECT_EQ(ContentOf(digits), upper);
+    std::string lower = upper;
+    std::transform(lower.begin(), lower.end(), lower.begin(), [](char c) { return std::tolower(c); });
+    for (const std::string& text : { upper, lower })
     {
         MMemoryStream source = Holding(text);
-        MHexaStream reader(source);
         std::string back(1200, '\0');
-        EXPECT_EQ(reader.Read(back.data(), 1200), 1000);
+        EXPECT_EQ(MHexaStream(source).Read(back.data(), 1200), 1000);
         EXPECT_EQ(back.substr(0, 1000), bytes);
     }
-    MMemoryStream all = Holding("\x0A\xFF");
-    all.Seek(0, MStream::End);
-    EXPECT_EQ(ReadAllAsHex(all, true).ToUTF8(), "0AFF");
-    EXPECT_EQ(ReadAllAsHex(all, true).ToUTF8(), "0AFF");
-}
-
-TEST(MHexaStream, RefusesWhatIsNoDigit)
-{
-    const Failure invalid = { "Invalid character to be converted to a number.", 0 };
-    for (const char* text : { "0G", "0 ", "123", "1", "/0", ":0", "@0", "`0" })
+    MMemoryStream all = Holding(bytes);
+    all.Seek(1, MStream::Begin);
+    EXPECT_EQ(ReadAllAsHex(all, false).ToUTF8(), upper.substr(2));
+    EXPECT_EQ(ReadAllAsHex(all, true).ToUTF8(), upper);
+    for (const char* text : { "0G", "0 ", "123", "1", "/0", ":0", "@0", "`0", "0\xFF" })
     {
         MMemoryStream source = Holding(text);
         char buffer[8];
-        EXPECT_EQ(FailureOf([&] { MHexaStream(source).Read(buffer, 8); }), invalid) << text;
+        EXPECT_EQ(CodedErrorOf([&] { MHexaStream(source).Read(buffer, 8); }),
+                  "0 Invalid character to be converted to a number.")
+            << text;
     }
-}
-
-TEST(MHexaStream, SeeksForwardInASourceThatOnlyReads)
-{
-    PlainSource source("00112233", 8);
-    MHexaStream stream(source);
-    stream.Seek(4, MStream::Begin);
-    std::uint8_t byte = 0;
-    stream.Read(&byte, 1);
-    EXPECT_EQ(byte, 0x22);
-    EXPECT_EQ(FailureOf([&] { stream.Seek(0, MStream::Begin); }).message,
-              "Service \"backward seek in a stream\" is not implemented.");
 }
 
 std::string Compressed(const std::string& bytes, int quality)
@@ -342,57 +360,65 @@ TEST(MZLibStream, InflatesWhatItCompressed)
     EXPECT_EQ(static_cast<unsigned char>(Compressed("x", 100)[1]), 0xDA);
 }
 
-TEST(MZLibStream, RefusesBadData)
+TEST(MZLibStream, RefusesBadDataAndMoreThanItsLimit)
 {
-    std::string good = Compressed(RandomBytes(50001), 100);
+    const std::string good = Compressed(RandomBytes(50001), 100);
     std::string damaged = good;
     damaged[damaged.size() / 2] ^= 0x55;
     std::string badSum = good;
     badSum.back() ^= 1;
-    const struct
-    {
-        std::string bytes;
-        int code;
-    } cases[] = { { "no zlib data at all", 256 },
-                  { damaged, 256 },
-                  { badSum, 256 },
-                  { good.substr(0, good.size() - 5), 0 },
-                  { "", 0 } };
-    for (const auto& [bytes, code] : cases)
+    for (const auto& [bytes, code] : { std::pair<std::string, std::string>("no zlib data at all", "256"),
+                                       { damaged, "256" },
+                                       { badSum, "256" },
+                                       { good.substr(0, good.size() - 5), "0" },
+                                       { "", "0" } })
     {
         MMemoryStream source = Holding(bytes);
-        EXPECT_EQ(FailureOf([&] { Inflated(source, 1000); }),
-                  (Failure{ "Source compressed stream has invalid content.", code }));
+        EXPECT_EQ(CodedErrorOf([&] { Inflated(source, 1000); }),
+                  code + " Source compressed stream has invalid content.");
     }
-}
-
-TEST(MZLibStream, StopsAtItsReadLimit)
-{
-    MMemoryStream source = Holding(Compressed(std::string(1000000, 'x'), 100));
-    MZLibStream stream(&source, MZLibStream::Direction::Inflate);
-    stream.SetReadLimit(10000);
-    char piece[1000];
-    EXPECT_EQ(FailureOf(
-                  [&]
-                  {
-                      while (stream.Read(piece, 1000) > 0)
+    for (const int limit : { 10000, 10999 })
+    {
+        MMemoryStream source = Holding(Compressed(std::string(1000000, 'x'), 100));
+        MZLibStream stream(&source, MZLibStream::Direction::Inflate);
+        stream.SetReadLimit(limit);
+        char piece[1000];
+        EXPECT_EQ(CodedErrorOf(
+                      [&]
                       {
-                      }
-                  }),
-              (Failure{ "Source compressed stream has invalid content.", 256 }));
-    EXPECT_EQ(stream.GetPosition(), 11000);
+                          while (stream.Read(piece, 1000) > 0)
+                          {
+                          }
+                      }),
+                  "256 Source compressed stream has invalid content.");
+        EXPECT_EQ(stream.GetPosition(), 11000);
+    }
 }
 
 TEST(MZLibStream, InsistsOnItsEndAndIdlesWithoutATarget)
 {
     MMemoryStream target;
     MZLibStream stream(&target, MZLibStream::Direction::Compress);
-    EXPECT_EQ(FailureOf([&] { stream.Close(); }), (Failure{ "ZLIB stream has not been terminated.", 0 }));
+    EXPECT_TRUE(stream.IsOpen());
+    EXPECT_EQ(stream.GetSubStream(), &target);
+    EXPECT_EQ(CodedErrorOf([&] { stream.Close(); }), "0 ZLIB stream has not been terminated.");
     stream.Finish();
     stream.Close();
+    EXPECT_FALSE(stream.IsOpen());
+    EXPECT_TRUE(stream.IsEnd());
+    target.Seek(0, MStream::Begin);
+    stream.Open(&target, MZLibStream::Direction::Inflate);
+    EXPECT_FALSE(stream.IsEnd());
+    char byte = 0;
+    EXPECT_EQ(stream.Read(&byte, 1), 0);
+    const char unusable[] = "258 Compressed stream is not initialized.";
+    stream.Close();
+    EXPECT_EQ(CodedErrorOf([&] { stream.Read(&byte, 1); }), unusable);
+    EXPECT_EQ(CodedErrorOf([&] { stream.Write("x", 1); }), unusable);
     MZLibStream idle(nullptr, MZLibStream::Direction::Inflate);
     EXPECT_FALSE(idle.IsOpen());
-    EXPECT_EQ(FailureOf([&] { idle.Write("x", 1); }).code, 258);
+    EXPECT_EQ(CodedErrorOf([&] { idle.Read(&byte, 1); }), unusable);
+    idle.Flush();
     idle.Close();
 }
 
@@ -413,9 +439,9 @@ TEST(MMD5Stream, AgreesWithTheTestSuiteOfTheStandard)
                   { "12345678901234567890123456789012345678901234567890123456789012345678901234567890",
                     "57EDF4A22BE3C955AC49DA2E2107B67A" }
     };
+    MMD5Stream stream;
     for (const auto& [text, digest] : cases)
     {
-        MMD5Stream stream;
         stream.Initialize();
         for (const char& character : text)
             stream.Write(&character, 1);
@@ -424,8 +450,29 @@ TEST(MMD5Stream, AgreesWithTheTestSuiteOfTheStandard)
         EXPECT_EQ(ReadAllAsHex(hash, true).ToUTF8(), digest);
     }
     MMD5Stream raw;
-    EXPECT_EQ(FailureOf([&] { raw.Write("x", 1); }),
-              (Failure{ "Cryptographic hash stream has not been initialized.", 0 }));
+    EXPECT_EQ(CodedErrorOf([&] { raw.Write("x", 1); }),
+              "0 Cryptographic hash stream has not been initialized.");
+}
+
+// Its input and output are those of the process: here a pipe each, in a process of its own.
+TEST(MConsoleStreamDeathTest, PassesCharactersThrough)
+{
+    const auto echo = []
+    {
+        int pipes[2];
+        if (pipe(pipes) != 0 || write(pipes[1], "ab\xFF", 3) != 3 || dup2(pipes[0], STDIN_FILENO) < 0)
+            _exit(1);
+        close(pipes[1]);
+        dup2(STDERR_FILENO, STDOUT_FILENO);
+        MConsoleStream console;
+        char buffer[8] = {};
+        bool isRight = !console.IsEnd() && console.Read(buffer, 2) == 2 && !console.IsEnd();
+        isRight = isRight && console.Read(buffer + 2, 5) == 1 && console.IsEnd();
+        console.Write(buffer, 3);
+        console.Flush();
+        _exit(isRight ? 0 : 2);
+    };
+    EXPECT_EXIT(echo(), testing::ExitedWithCode(0), "ab\xFF");
 }
 
 TEST(StreamAdapters, LetCodecsWorkOnStreams)

@@ -2,15 +2,18 @@
 #include "foundation/text/MEncoding.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cstring>
 #include <iconv.h>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include <gtest/gtest.h>
 
 #include "foundation/text/Codecs.h"
 #include "foundation/text/MCharFilter.h"
-#include "foundation/text/MException.h"
+#include "tests/ErrorOf.h"
 
 namespace
 {
@@ -51,54 +54,41 @@ std::string BytesOf(const MDataBlock& block)
 
 TEST(MEncoding, FindsCodecsByEveryNameWithoutCase)
 {
-    const struct
-    {
-        const char* name;
-        const char* codec;
-    } cases[] = { { "", "ascii" },
-                  { "ASCII", "ascii" },
-                  { "UTF-8", "utf8" },
-                  { "Utf8", "utf8" },
-                  { "utf-16", "utf16" },
-                  { "KOI8-RU", "KOI8-U" },
-                  { "LATIN2", "ISO-8859-2" },
-                  { "iso-ir-101", "ISO-8859-2" },
-                  { "Hebrew", "ISO-8859-8" },
-                  { "asmo-708", "ISO-8859-6" },
-                  { "cp866", "IBM866" },
-                  { "ISO-8859-1", "windows-1252" },
-                  { "apple roman", "Apple Roman" },
-                  { "roman8", "hp-roman8" } };
-    for (const auto& [name, codec] : cases)
-        EXPECT_EQ(MEncoding::Find(name).GetName().ToUTF8(), codec) << name;
-    try
-    {
-        MEncoding::Find("ebcdic");
-        FAIL();
-    }
-    catch (const MException& error)
-    {
-        EXPECT_EQ(error.Message.ToUTF8(), "No codec found for encoding ebcdic.");
-    }
+    std::vector<std::pair<std::string, std::string>> names = { { "", "ascii" },
+                                                               { "us-ascii", "ascii" },
+                                                               { "ASCII", "ascii" },
+                                                               { "Utf8", "utf8" },
+                                                               { "UTF-8", "utf8" },
+                                                               { "utf16", "utf16" },
+                                                               { "utf-16", "utf16" },
+                                                               { "KOI8-RU", "KOI8-U" },
+                                                               { "latin2", "ISO-8859-2" },
+                                                               { "iso-ir-101", "ISO-8859-2" },
+                                                               { "ISO-8859-1", "windows-1252" } };
+    for (const CodePage& page : CodePages)
+        for (const char* name : page.names)
+            if (name != nullptr)
+                names.emplace_back(name, page.names[0]);
+    for (auto [name, codec] : names)
+        for (const auto change : std::initializer_list<int (*)(int)>{ std::tolower, std::toupper })
+        {
+            std::transform(name.begin(), name.end(), name.begin(), change);
+            EXPECT_EQ(MEncoding::Find(MString::Copy(name)).GetName().ToUTF8(), codec) << name;
+        }
+    EXPECT_EQ(ErrorOf([] { MEncoding::Find("ebcdic"); }), "No codec found for encoding ebcdic.");
 }
 
-// The C library has tables of its own for the same code pages.
+// The C library has tables of its own for most code pages. Where they differ, they leave characters out.
 TEST(MEncoding, AgreesWithTheSystemsConverter)
 {
-    const struct
+    int compared = 0;
+    for (const CodePage& page : CodePages)
     {
-        const char* name;
-        const char* systemName;
-    } cases[] = { { "KOI8-R", "KOI8-R" },       { "KOI8-U", "KOI8-U" },      { "greek", "ISO-8859-7" },
-                  { "cyrillic", "ISO-8859-5" }, { "arabic", "ISO-8859-6" },  { "latin8", "ISO-8859-14" },
-                  { "CP850", "CP850" },         { "CP866", "CP866" },        { "CP1250", "CP1250" },
-                  { "CP1258", "CP1258" },       { "hp-roman8", "HP-ROMAN8" } };
-    for (const auto& [name, systemName] : cases)
-    {
-        SCOPED_TRACE(name);
-        iconv_t converter = iconv_open("UTF-8", systemName);
-        ASSERT_NE(converter, reinterpret_cast<iconv_t>(-1));
-        int compared = 0;
+        SCOPED_TRACE(page.names[0]);
+        iconv_t converter = iconv_open("UTF-8", page.names[0]);
+        if (converter == reinterpret_cast<iconv_t>(-1))
+            continue;
+        const MEncoding::Codec& codec = MEncoding::Find(MString::Literal(page.names[0]));
         for (int byte = 1; byte < 256; ++byte)
         {
             char input = static_cast<char>(byte);
@@ -111,16 +101,17 @@ TEST(MEncoding, AgreesWithTheSystemsConverter)
             // Letters that may combine with a following mark come out with the flush.
             const bool isDefined = iconv(converter, &from, &fromSize, &to, &toSize) == 0 &&
                                    iconv(converter, nullptr, nullptr, &to, &toSize) == 0;
-            const MString decoded = MEncoding::Find(name).Decode(std::string_view(&input, 1));
-            if (!isDefined || decoded[0] == CodePage::Undefined)
+            const MString decoded = codec.Decode(std::string_view(&input, 1));
+            if (!isDefined || decoded[0] == CodePage::Undefined ||
+                (byte >= 0x80 && byte < 0xA0 && output[0] == '\xC2'))
                 continue;
             EXPECT_EQ(decoded.ToUTF8(), output) << byte;
-            EXPECT_EQ(BytesOf(MEncoding::Find(name).Encode(decoded, false)), std::string(1, input)) << byte;
+            EXPECT_EQ(BytesOf(codec.Encode(decoded, false)), std::string(1, input)) << byte;
             ++compared;
         }
-        EXPECT_GT(compared, 200);
         iconv_close(converter);
     }
+    EXPECT_GT(compared, 20 * 220);
 }
 
 TEST(MEncoding, WritesAndReadsEachFormOfText)
@@ -189,19 +180,32 @@ TEST(MDataBlock, CopiesBeforeItWrites)
 {
     const char foreign[] = "foreign";
     MDataBlock first = MDataBlock::Borrow(foreign, 7);
+    EXPECT_TRUE(first.IsBorrowed());
     EXPECT_EQ(first.WritableData(), nullptr);
     first.MakeUnique(9);
+    EXPECT_FALSE(first.IsBorrowed());
     first.WritableData()[0] = 'F';
     EXPECT_EQ(BytesOf(first).substr(0, 7), "Foreign");
     EXPECT_STREQ(foreign, "foreign");
 
     MDataBlock second = first;
+    EXPECT_FALSE(first.IsUnique());
     EXPECT_EQ(second.WritableData(), nullptr);
     second.MakeUnique(3);
     second.WritableData()[0] = 'f';
     EXPECT_EQ(BytesOf(second), "for");
+    second.MakeUnique(2);
+    EXPECT_EQ(BytesOf(second), "fo");
     EXPECT_EQ(BytesOf(first).substr(0, 7), "Foreign");
     EXPECT_TRUE(first.IsUnique());
+    second = std::move(first);
+    EXPECT_TRUE(second.IsUnique());
+    EXPECT_EQ(first.Size(), 0);
+    EXPECT_EQ(first.Data(), nullptr);
+    EXPECT_FALSE(first.IsUnique());
+    for (const auto& [bytes, size] : { std::pair<const char*, int>{ nullptr, 5 }, { foreign, -1 } })
+        EXPECT_EQ(MDataBlock::Borrow(bytes, size).Size(), 0);
+    EXPECT_EQ(CodedErrorOf([] { MDataBlock(-1); }), "2 A data block cannot have a negative size.");
 }
 
 TEST(MCharFilter, AllowsItsCharacters)

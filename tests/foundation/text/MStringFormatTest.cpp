@@ -1,13 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "foundation/text/MStringFormat.h"
 
+#include <cerrno>
 #include <string>
+#include <utility>
 
 #include <gtest/gtest.h>
 
 #include "foundation/text/Boundary.h"
 #include "foundation/text/MStringScan.h"
 #include "foundation/text/Translate.h"
+#include "tests/ErrorOf.h"
 
 namespace
 {
@@ -76,25 +79,30 @@ TEST(MStringFormat, KeepsLongLiteralsWhole)
     EXPECT_EQ(Format(MString::Copy(format), 5).ToUTF8(), half + "5" + half);
 }
 
-std::string ErrorOf(const char* format)
-{
-    try
-    {
-        Format(format);
-    }
-    catch (const MException& error)
-    {
-        return error.Message.ToUTF8();
-    }
-    return {};
-}
-
 TEST(MStringFormat, RefusesWhatIsNoFormat)
 {
-    EXPECT_EQ(ErrorOf("{0"), "Formatting string ends in an argument specification.");
-    EXPECT_EQ(ErrorOf("text {"), "Formatting string ends in an argument specification.");
-    EXPECT_EQ(ErrorOf("{32}"), "Formatting string names an argument out of range.");
-    EXPECT_EQ(ErrorOf("{-1}"), "Formatting string names an argument out of range.");
+    const std::string unfinished = "Formatting string ends in an argument specification.";
+    const std::string unknown = "Formatting string names an argument out of range.";
+    for (const auto& [format, error] : { std::pair{ "{0", unfinished },
+                                         { "text {", unfinished },
+                                         { "{32}", unknown },
+                                         { "{-1}", unknown } })
+        EXPECT_EQ(ErrorOf([&text = format] { Format(text); }), error);
+}
+
+TEST(MStringFormat, SharesItsArgumentsAmongItsCopies)
+{
+    MStringFormat first("{0}-{1}-{2}");
+    MStringFormat second(first);
+    {
+        MStringFormat third("other");
+        third = second;
+        third.Add("a");
+    }
+    first.Add(1);
+    second.Add(-1.5);
+    for (const MStringFormat& format : { first, second })
+        EXPECT_EQ(format.Text().ToUTF8(), "a-1--1.5000");
 }
 
 TEST(MStringScan, CapturesWhatThePatternNames)
@@ -189,7 +197,13 @@ TEST(Boundary, DropsItsOwnErrorsAndLogsTheOthers)
     EXPECT_EQ(AtBoundary("ClearAutomationAdapters", -1, []() -> int { throw 5; }), -1);
     EXPECT_EQ(loggedLine, "SYSTEM EXCEPTION! ClearAutomationAdapters");
     EXPECT_EQ(AtBoundary("Fine", -1, [] { return 7; }), 7);
+    AtBoundary("Void", [] { throw 5; });
+    EXPECT_EQ(loggedLine, "SYSTEM EXCEPTION! Void");
+    SetLogSink([](const MString&) { throw 5; });   // dropped
+    AtBoundary("Void", [] { throw 5; });
     SetLogSink(nullptr);
+    EXPECT_EQ(SystemErrorText(0).ToUTF8(), "No error description available.");
+    EXPECT_EQ(SystemErrorText(ENOENT).ToUTF8(), "No such file or directory");
     EXPECT_EQ(AtBoundary("Unheard", -1, []() -> int { throw 5; }), -1);
 }
 

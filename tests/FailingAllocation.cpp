@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "tests/foundation/containers/FailingAllocation.h"
+#include "tests/FailingAllocation.h"
 
 #include <cstdlib>
 #include <new>
