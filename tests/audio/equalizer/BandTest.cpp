@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "audio/equalizer/MEqualizerBase.h"
+#include "audio/equalizer/MValueQ.h"
 #include "audio/filters/FilterTypes.h"
 #include "foundation/streams/MMemoryStream.h"
 #include "state/tree/MAttribute.h"
@@ -32,30 +33,35 @@ TEST(Bands, WidthStandsForQ)
 TEST(Bands, AFreshSetIsFlatWithOneBandOn)
 {
     MEqualizerBase equalizer;
-    int enabled = 0;
+    BandPoint changed;
+    changed.y = 4.0;
+    changed.width = 0.1;
+    changed.harmonicsDepth = 0.5;
+    changed.harmonicsMaxCount = 2;
+    changed.harmonicsSemitones = 5.0;
+    changed.harmonicsEnabled[7] = false;
+    changed.harmonicsLinear = true;
+    changed.order = 4;
+    changed.left = false;
+    changed.right = false;
+    equalizer.Band(3) = changed;
+    equalizer.SetDefaults(false);
+    EXPECT_DOUBLE_EQ(equalizer.Band(3).y, 4) << "a complete set stays";
+    equalizer.SetDefaults(true);
     for (std::int32_t index = 0; index < MEqualizerBase::BandCount; ++index)
     {
         const BandPoint& band = equalizer.Band(index);
-        enabled += band.enabled ? 1 : 0;
-        EXPECT_DOUBLE_EQ(band.y, 0);
+        EXPECT_EQ(band.enabled, index == 5);
+        EXPECT_EQ(band.type, index == 0   ? MAudioFilters::LowShelf
+                             : index == 9 ? MAudioFilters::HighShelf
+                                          : MAudioFilters::Peak);
         EXPECT_NEAR(band.x, BandMinimumX + (BandMaximumX - BandMinimumX) * (index + 1) / 11, 1e-12);
+        EXPECT_NEAR(band.Q(), 0.7071067811865, 1e-10);
     }
-    EXPECT_EQ(enabled, 1);
-    EXPECT_TRUE(equalizer.Band(5).enabled);
-    EXPECT_EQ(equalizer.Band(0).type, MAudioFilters::LowShelf);
-    EXPECT_EQ(equalizer.Band(9).type, MAudioFilters::HighShelf);
-    equalizer.Band(3).y = 4.0;
-    equalizer.SetDefaults(false);
-    EXPECT_DOUBLE_EQ(equalizer.Band(3).y, 4) << "a complete set stays";
-    equalizer.Band(3).width = 0.1;
-    equalizer.Band(3).harmonicsDepth = 0.5;
-    equalizer.Band(3).harmonicsEnabled[7] = false;
-    equalizer.Band(3).order = 4;
-    equalizer.SetDefaults(true);
-    EXPECT_DOUBLE_EQ(equalizer.Band(3).y, 0);
-    EXPECT_NEAR(equalizer.Band(3).Q(), 0.7071067811865, 1e-10);
-    EXPECT_EQ(equalizer.Band(3).order, 0);
-    EXPECT_TRUE(equalizer.Band(3).harmonicsDepth == 0.0 && equalizer.Band(3).harmonicsEnabled[7]);
+    // What isn't written is at its default.
+    MAttribute node("point");
+    equalizer.Band(3).Save(node);
+    EXPECT_EQ(node.AttributeCount(), 5) << AsXML(node);
 }
 
 TEST(Bands, AreStoredInTheirFormAndLeaveDefaultsOut)
@@ -126,4 +132,26 @@ TEST(Bands, NonsenseInAStoreIsBroughtToSoundValues)
         EXPECT_EQ(band.type, 0);
         EXPECT_TRUE(std::isfinite(band.harmonicsDepth) && std::isfinite(band.harmonicsSemitones));
     }
+}
+
+TEST(MValueQ, EditsABandsWidthByItsQ)
+{
+    BandPoint band;
+    MValueQ value(&band.width);
+    EXPECT_EQ(value.ToText().ToUTF8(), "0.71");
+    for (const auto& [text, q] : std::initializer_list<std::pair<const char*, double>>{
+             { "2", 2.0 }, { "0.05", 0.05 }, { "10", 10.0 }, { "99", 10.0 }, { "0", 0.05 }, { "-3", 0.05 } })
+    {
+        EXPECT_TRUE(value.SetDisplayText(text)) << text;
+        EXPECT_NEAR(band.Q(), q, 1e-9) << text;
+    }
+    EXPECT_FALSE(value.SetDisplayText("wide"));
+    value.SetNormalized(0.25);   // the place on the scale is the width
+    EXPECT_EQ(band.width, 0.25);
+    MValueQ percent(&band.width, MValueQ::Display::Percent);
+    EXPECT_EQ(percent.ToText().ToUTF8(), "25.0%");
+    EXPECT_TRUE(percent.SetDisplayText("50%"));
+    EXPECT_EQ(band.width, 0.5);
+    value.SetDefault();
+    EXPECT_NEAR(band.Q(), 0.7071067811865, 1e-9);
 }

@@ -172,60 +172,83 @@ TEST(EqualizerProcessor, EveryModeKeepsThePromisedMagnitude)
 {
     struct Case
     {
-        std::int32_t type;
-        double hertz, gainDb, q;
-        std::int32_t order;
+        double rate, ratio;
+        struct
+        {
+            std::int32_t type;
+            double hertz, gainDb, q;
+            std::int32_t order;
+        } bands[4];
     };
     using namespace MAudioFilters;
     const Case cases[] = {
-        { Peak, 1000, 12, 1, 0 },        { Peak, 40, -12, 4, 0 },         { Peak, 12000, 24, 0.3, 0 },
-        { LowShelf, 120, -9, 0.7, 0 },   { HighShelf, 6000, 15, 0.9, 0 }, { LowPass, 5000, 0, 0.707, 0 },
-        { LowPass, 900, 0, 1.1, 1 },     { HighPass, 80, 0, 0.707, 0 },   { LowPass6, 3000, 0, 1, 0 },
-        { HighPass6, 150, 0, 1, 1 },     { BandPass, 1500, 0, 0.6, 0 },   { Notch, 9000, 0, 0.5, 0 },
-        { HighShelf, 20000, 9, 0.7, 0 },
+        { 48000,
+          1.0,
+          { { Peak, 1000, 12, 1, 0 },
+            { LowShelf, 120, -9, 0.7, 0 },
+            { LowPass, 5000, 0, 0.7, 1 },
+            { Notch, 9000, 0, 0.5, 0 } } },
+        { 22050,
+          1.0,
+          { { Peak, 60, -12, 4, 0 },
+            { HighShelf, 6000, 15, 0.9, 0 },
+            { LowPass6, 3000, 0, 1, 0 },
+            { HighPass, 80, 0, 0.7, 0 } } },
+        { 48000,
+          0.5,
+          { { Peak, 9000, 18, 0.3, 0 },
+            { HighShelf, 20000, 9, 0.7, 0 },
+            { HighPass6, 150, 0, 1, 1 },
+            { BandPass, 1500, 0, 0.4, 0 } } },
+        { 48000, 0.0, { { Peak, 1000, 12, 1, 0 } } },
     };
-    for (const double rate : { 22050.0, 48000.0 })
-        for (const EqualizerMode mode : AllModes)
-            for (const Case& each : cases)
+    for (const EqualizerMode mode : AllModes)
+        for (const Case& each : cases)
+        {
+            SCOPED_TRACE(::testing::Message()
+                         << NameOf(mode) << ", " << each.rate << " Hz, ratio " << each.ratio);
+            TestEqualizer equalizer(mode, each.rate);
+            for (std::int32_t index = 0; index < 4 && each.bands[index].hertz > 0; ++index)
             {
-                SCOPED_TRACE(::testing::Message() << NameOf(mode) << ", " << rate << " Hz, type " << each.type
-                                                  << " at " << each.hertz << " Hz, " << each.gainDb
-                                                  << " dB, Q " << each.q << ", order " << each.order);
-                TestEqualizer equalizer(mode, rate);
-                equalizer.SetBand(0, each.type, each.hertz, each.gainDb, each.q).order = each.order;
-                equalizer.Update();
-                const std::vector<float> response = equalizer.Impulse();
-                for (double hertz = 30; hertz < 0.45 * rate; hertz *= 1.3)
-                {
-                    const double promised = PromisedDb(equalizer, mode, hertz);
-                    // Float samples leave a floor of about -150 dB of the impulse; 60 dB above it rounding
-                    // costs 0.01 dB at the most. In spectra, half the sample rate shares the gain of 0 Hz:
-                    // a floor of 1 / 32768 where a filter takes the top away.
-                    if (promised < (mode == EqualizerMode::LinearPhaseFFT ? -30 : -85))
-                        continue;
-                    // A band of 10 Hz rings so long that the frames of the spectra begin to show.
-                    const bool rings = mode == EqualizerMode::LinearPhaseFFT && each.hertz < 50;
-                    EXPECT_NEAR(MeasuredDb(response, hertz, rate), promised, rings ? 0.03 : 0.01)
-                        << hertz << " Hz";
-                }
-                if (mode == EqualizerMode::Normal)
-                    continue;
-                double asymmetry = 0;
-                for (std::size_t distance = 1; distance < Latency; ++distance)
-                    asymmetry = std::max<double>(
-                        asymmetry, std::fabs(response[Latency + distance] - response[Latency - distance]));
-                EXPECT_LT(asymmetry, 1e-5 * std::max(1.0, static_cast<double>(response[Latency])))
-                    << "-100 dB of the impulse";
+                const auto& band = each.bands[index];
+                equalizer.SetBand(index, band.type, band.hertz, band.gainDb, band.q).order = band.order;
             }
+            equalizer.SetRatio(each.ratio);
+            const std::vector<float> response = equalizer.Impulse();
+            const double wet =
+                mode == EqualizerMode::Normal ? 1.0 : each.ratio;   // there the sections hold it
+            for (double hertz = 30; hertz < 0.45 * each.rate; hertz *= 1.5)
+            {
+                const double filtered = std::pow(10.0, PromisedDb(equalizer, mode, hertz) / 20.0);
+                const double promised = 20.0 * std::log10(wet * filtered + 1.0 - wet);
+                // Float samples leave a floor of about -150 dB of the impulse; 60 dB above it rounding costs
+                // 0.01 dB at the most. In spectra, half the sample rate shares the gain of 0 Hz: a floor of 1
+                // / 32768 where a filter takes the top away.
+                if (promised < (mode == EqualizerMode::LinearPhaseFFT ? -30 : -85))
+                    continue;
+                // A band of 15 Hz rings so long that the frames of the spectra begin to show.
+                const bool rings = mode == EqualizerMode::LinearPhaseFFT && each.bands[0].hertz < 100;
+                EXPECT_NEAR(MeasuredDb(response, hertz, each.rate), promised, rings ? 0.03 : 0.01)
+                    << hertz << " Hz";
+            }
+            if (mode == EqualizerMode::Normal)
+                continue;
+            double asymmetry = 0;
+            for (std::size_t distance = 1; distance < Latency; ++distance)
+                asymmetry = std::max<double>(
+                    asymmetry, std::fabs(response[Latency + distance] - response[Latency - distance]));
+            EXPECT_LT(asymmetry, 1e-5 * std::max(1.0, static_cast<double>(response[Latency])))
+                << "-100 dB of the impulse";
+        }
 }
 
 // Whatever the bands, the rate, the mode and their changes: finite, bounded, the same in all channels that
 // get the same, and the same in blocks of any lengths, in place or not.
 TEST(EqualizerProcessor, AnyBandsAtAnyRateInAnyModeStayWithinBounds)
 {
-    constexpr double rates[] = { 8000, 11025, 16000, 22050, 32000, 44100, 48000, 96000, 192000, 384000 };
-    constexpr std::size_t count = 90000;
-    for (std::uint32_t seed = 1; seed <= 10; ++seed)
+    constexpr double rates[] = { 8000, 22050, 44100, 48000, 96000, 384000 };
+    constexpr std::size_t count = 66000;
+    for (std::uint32_t seed = 1; seed <= 6; ++seed)
     {
         std::mt19937 random(seed);
         const double rate = rates[seed - 1];
@@ -292,7 +315,7 @@ TEST(EqualizerProcessor, WithoutBandsTheInputReturnsAfterTheLatencyWhateverTheMo
     {
         SCOPED_TRACE(seed);
         std::mt19937 random(seed);
-        const Channels input = NoiseChannels(2, 10 * Latency, seed, 0.7f);
+        const Channels input = NoiseChannels(2, 6 * Latency, seed, 0.7f);
         TestEqualizer equalizer(AllModes[seed % 3], 48000, 2);
         // With a ratio there is dry signal, too, and without bands it is the same; switched off, bands are
         // none.
@@ -314,53 +337,56 @@ TEST(EqualizerProcessor, WithoutBandsTheInputReturnsAfterTheLatencyWhateverTheMo
                                               });
         // Below -120 dB of the signal's 0.7 where spectra or frames are added up again.
         for (std::size_t channel = 0; channel < 2; ++channel)
-            EXPECT_LE(LargestDifference(output[channel], input[channel], 0, 10 * Latency, Latency), 7e-7);
+            EXPECT_LE(LargestDifference(output[channel], input[channel], 0, 6 * Latency, Latency), 7e-7);
     }
 }
 
 TEST(EqualizerProcessor, AChangeOfModeSoundsSoonLikeTheNewModeAndNeverLikeAnythingElse)
 {
-    constexpr std::size_t count = 6 * Latency;
-    constexpr std::size_t turn = 3 * Latency + 77;
+    constexpr std::size_t count = 4 * Latency;
+    constexpr std::size_t turn = 2 * Latency + 77;
     const Channels input = NoiseChannels(1, count, 9, 0.5f);
-    for (const EqualizerMode from : AllModes)
-        for (const EqualizerMode to : AllModes)
+    const auto setBand = [](TestEqualizer& equalizer)
+    {
+        equalizer.SetBand(0, MAudioFilters::HighShelf, 2000, -12, 0.7);
+        equalizer.Update();
+    };
+    std::vector<std::vector<float>> plain;
+    for (const EqualizerMode mode : AllModes)
+    {
+        TestEqualizer equalizer(mode);
+        setBand(equalizer);
+        plain.push_back(equalizer.Run(input[0], { 480 }));
+    }
+    for (std::size_t from = 0; from < 3; ++from)
+        for (std::size_t to = 0; to < 3; ++to)
         {
-            SCOPED_TRACE(::testing::Message() << NameOf(from) << " to " << NameOf(to));
-            Channels plain[2];
-            for (const int index : { 0, 1 })
-            {
-                TestEqualizer equalizer(index == 0 ? from : to);
-                equalizer.SetBand(0, MAudioFilters::HighShelf, 2000, -12, 0.7);
-                equalizer.Update();
-                plain[index] = equalizer.Run(input, { 480 }, [](std::size_t) {});
-            }
+            SCOPED_TRACE(::testing::Message() << NameOf(AllModes[from]) << " to " << NameOf(AllModes[to]));
             // A block of nothing is no beginning: the mode that comes before the first sample holds at once.
-            TestEqualizer equalizer(to);
+            TestEqualizer equalizer(AllModes[to]);
             const float* nothing = nullptr;
             float* nowhere = nullptr;
             equalizer.ProcessChannels(&nothing, &nowhere, 0);
-            equalizer.SetMode(from);
-            equalizer.SetBand(0, MAudioFilters::HighShelf, 2000, -12, 0.7);
-            equalizer.Update();
-            const std::vector<float> output = equalizer.Run(input, { static_cast<std::int32_t>(turn), 480 },
-                                                            [&](std::size_t position)
-                                                            {
-                                                                if (position == turn)
-                                                                    equalizer.SetMode(to);
-                                                            })[0];
-            EXPECT_LT(LargestDifference(output, plain[0][0], 0, turn, 0), 1e-6);
+            equalizer.SetMode(AllModes[from]);
+            setBand(equalizer);
+            const auto change = [&](std::size_t position)
+            {
+                if (position == turn)
+                    equalizer.SetMode(AllModes[to]);
+            };
+            const std::vector<float> output =
+                equalizer.Run(input, { static_cast<std::int32_t>(turn), 480 }, change)[0];
+            EXPECT_LT(LargestDifference(output, plain[from], 0, turn), 1e-6);
             const std::size_t settled = turn + 48000 / 5;
             // Frames of spectra begin where the mode began, and each wraps a little.
-            const float tolerance = to == EqualizerMode::LinearPhaseFFT ? 1e-3f : 2e-6f;
-            EXPECT_LT(LargestDifference(output, plain[1][0], settled, count, 0), tolerance)
+            const float tolerance = AllModes[to] == EqualizerMode::LinearPhaseFFT ? 1e-3f : 2e-6f;
+            EXPECT_LT(LargestDifference(output, plain[to], settled, count), tolerance)
                 << "a fifth of a second";
             for (std::size_t i = turn; i < settled; ++i)
             {
-                const float one = plain[0][0][i];
-                const float other = plain[1][0][i];
-                ASSERT_GE(output[i], std::min(one, other) - tolerance) << i - turn;
-                ASSERT_LE(output[i], std::max(one, other) + tolerance) << i - turn;
+                const auto [low, high] = std::minmax(plain[from][i], plain[to][i]);
+                ASSERT_GE(output[i], low - tolerance) << i - turn;
+                ASSERT_LE(output[i], high + tolerance) << i - turn;
             }
         }
 }
@@ -386,22 +412,4 @@ TEST(EqualizerProcessor, KnowsItsInputAsLateAsItsOutput)
     }
 }
 
-TEST(EqualizerProcessor, TheRatioMixesTheDelayedInput)
-{
-    for (const EqualizerMode mode : AllModes)
-    {
-        SCOPED_TRACE(NameOf(mode));
-        TestEqualizer dry(mode);
-        dry.SetBand(0, MAudioFilters::Peak, 1000, 12, 1);
-        dry.SetRatio(0.0);
-        const std::vector<float> input = Noise(2 * Latency, 5, 0.7f);
-        EXPECT_LT(LargestDifference(dry.Run(input, { 480 }), input, 0, 2 * Latency, Latency), 7e-7);
-
-        TestEqualizer half(mode);
-        half.SetBand(0, MAudioFilters::Peak, 1000, 12, 1);
-        half.SetRatio(0.5);
-        const double expected = 20 * std::log10(0.5 + 0.5 * std::pow(10.0, 12 / 20.0));
-        EXPECT_NEAR(MeasuredDb(half.Impulse(), 1000, 48000), expected, 0.01);
-    }
-}
 }   // namespace
