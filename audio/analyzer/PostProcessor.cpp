@@ -17,8 +17,7 @@ constexpr std::int32_t BandsOfViewType[] = { 0, 30, 10 };
 
 void PostProcessor::Process(float* array) const
 {
-    if (slope != nullptr)
-        ApplySlope(array);
+    ApplySlope(array);
     if (gain != nullptr)
         MVector::MultiplyConstantInPlace(array, PointCount,
                                          static_cast<float>(std::pow(10.0, GetGain() * 0.05)));

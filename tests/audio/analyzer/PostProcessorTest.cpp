@@ -152,14 +152,14 @@ TEST(SpectrumOperations, DeharmonizeFollowsItsProduct)
 TEST(SpectrumOperations, KeepPeaksLowersEverythingElse)
 {
     //                          0  1  2  3  4  5  6  7  8  9  10 11 12 13
-    const std::vector<float> x = { 9, 1, 2, 5, 3, 1, 4, 4, 1, 2, 6, 2, 1, 8 };
+    const std::vector<float> x = { 9, 1, 2, 5, 3, 1, 4, 4, 1, 2, 6, 2, 1, 2, 3, 3, 2, 1, 8 };
     struct Row
     {
         double amount;
         double thresholdDb;
         std::set<std::size_t> peaks;
     };
-    // 4 4 is no strict peak, and the two outermost bins at each end never are.
+    // 4 4 and 3 3 are no strict peaks, and the two outermost bins at each end never are.
     for (const Row& row : { Row{ 1.0, -40.0, { 3, 10 } }, Row{ 0.5, -4.0, { 10 } }, Row{ 1.0, 0.0, {} } })
     {
         std::vector<float> y = x;
