@@ -130,7 +130,7 @@ TEST(GainControl, WeightsAsPublished)
 {
     // Both sides at one amplitude, the input at another frequency: the gain is the ratio of the weights.
     // 0.03 dB: the sections come from a design formula with rounded corner frequencies, not from the table.
-    for (const double hertz : { 100.0, 200.0, 500.0, 1500.0, 2000.0, 4000.0, 10000.0 })
+    for (const double hertz : { 100.0, 200.0, 1500.0, 2000.0, 10000.0 })
     {
         Stage stage;
         stage.Run(3, { .hertz = hertz }, { .hertz = 1000 });
@@ -138,21 +138,17 @@ TEST(GainControl, WeightsAsPublished)
                     0.03)
             << hertz;
     }
+    Stage plain;
+    plain.control.useWeighting = false;
+    plain.control.Init(rate, 2, 0);
+    plain.Run(3, { .hertz = 50 }, { .hertz = 5000 });
+    EXPECT_NEAR(plain.control.Gain(), 1, 1e-4) << "every frequency counts the same";
     // The recommendation's own anchor: a sine of 997 Hz at full scale in one channel reads -3.01 LKFS, which
     // is 10 log10 of the weighted mean square less 0.691 dB.
     Stage alone(1);
     alone.Run(3, {}, { .hertz = 997, .amplitude = 1 }, false);
     const double weightedMean = 0.05 / (alone.control.Gain() * alone.control.Gain());
     EXPECT_NEAR(10 * std::log10(weightedMean) - 0.691, -3.01, 0.02);
-}
-
-TEST(GainControl, WithoutWeightingEveryFrequencyCounts)
-{
-    Stage stage;
-    stage.control.useWeighting = false;
-    stage.control.Init(rate, 2, 0);
-    stage.Run(3, { .hertz = 50 }, { .hertz = 5000 });
-    EXPECT_NEAR(stage.control.Gain(), 1, 1e-4);
 }
 
 TEST(GainControl, ComparesTheSameSoundWhateverTheLatency)
@@ -168,28 +164,16 @@ TEST(GainControl, ComparesTheSameSoundWhateverTheLatency)
     EXPECT_NEAR(stage.control.Gain(), 1, 1e-3);
 }
 
-TEST(GainControl, RampsInsideTheBlock)
-{
-    MAutomaticGainControl control;
-    control.Init(rate, 1, 0);
-    std::vector<float> ones(100, 1e-7f);
-    float* channels[] = { ones.data() };
-    control.MeasureInput(channels, 100, 1);
-    control.Process(channels, 100, 1);
-    EXPECT_FLOAT_EQ(ones[0], 0) << "from the gain of a fresh start, 0,";
-    EXPECT_FLOAT_EQ(ones[50], 0.5e-7f);
-    EXPECT_FLOAT_EQ(ones[99], 0.99e-7f) << "to the 1 of silence";
-}
-
-TEST(GainControl, ASharedChannelGetsTheGainOnce)
+TEST(GainControl, RampsInsideTheBlockOnceForASharedChannel)
 {
     MAutomaticGainControl control;
     control.Init(rate, 2, 0);
-    std::vector<float> samples(100, 1e-7f);
-    float* channels[] = { samples.data(), samples.data() };
+    std::vector<float> ones(100, 1e-7f);
+    float* channels[] = { ones.data(), ones.data() };
     control.MeasureInput(channels, 100, 2);
     control.Process(channels, 100, 2);
-    EXPECT_FLOAT_EQ(samples[50], 0.5e-7f);
+    for (std::size_t i = 0; i < 100; ++i)   // from the gain of a fresh start, 0, to the 1 of silence
+        EXPECT_FLOAT_EQ(ones[i], 1e-9f * static_cast<float>(i));
 }
 
 TEST(GainControl, RecoversFromSamplesThatAreNoNumbers)
