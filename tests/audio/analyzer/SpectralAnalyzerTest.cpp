@@ -249,7 +249,7 @@ TEST(SpectralAnalyzer, ShowsSinesAtEveryRateAndNoAliases)
         {
             SCOPED_TRACE(std::to_string(hz) + " Hz at " + std::to_string(row.sampleRate));
             AnalyzerClient client;
-            analyzer.ConfigureClient(client, Parameters(0.5, row.superResolution));
+            analyzer.ConfigureClient(client, Parameters(0.3, row.superResolution));
             Feed(analyzer, client,
                  Sine(static_cast<std::size_t>(row.seconds * row.sampleRate), hz, row.sampleRate, 0.8));
             const double point = std::log10(hz / 20.0) * 1024.0 / 3.0;

@@ -109,6 +109,49 @@ void CompareWithPlain(const Case& known)
             << "channel " << channel;
 }
 
+TEST(ChunkTransition, CarriesAMemoryThroughAChunkOfSilence)
+{
+    for (const std::int32_t count : { 0, 1, 7, ChunkTransition::MaxSections })
+    {
+        SectionList list;
+        list.Set(Sections(count, Seed).data(), count);
+        ChunkTransition transition;
+        transition.Prepare();
+        EXPECT_FALSE(transition.HasWork());
+        transition.Begin(list);
+        for (std::int32_t left = count; left > 0; --left)
+        {
+            EXPECT_FALSE(transition.IsReady());
+            const std::int64_t before = transition.CostLeft();
+            const std::int64_t cost = transition.BuildNext();
+            EXPECT_EQ(cost, before - transition.CostLeft());
+        }
+        EXPECT_TRUE(transition.IsReady() && !transition.HasWork());
+        EXPECT_EQ(transition.CostLeft(), 0);
+        std::vector<MVector::CascadeMemory> start(static_cast<std::size_t>(count) + 1);
+        for (std::size_t i = 0; i < start.size(); ++i)
+            start[i] = { { 1.0 / static_cast<double>(i + 1), -0.3 }, { 0.7, 0.01 * static_cast<double>(i) } };
+        std::vector<MVector::CascadeMemory> carried = start;   // it is added to what is there
+        transition.Apply(start.data(), carried.data());
+        std::vector<MVector::CascadeMemory> run = start;
+        std::vector<double> pairs(2 * LinearPhaseGeometry::ChunkSize);
+        MVector::CascadeRun(list.Taps(), run.data(), count, pairs.data(), LinearPhaseGeometry::ChunkSize,
+                            MVector::CascadeDirection::Forward);
+        for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i)
+            for (const std::size_t channel : { 0u, 1u })
+            {
+                EXPECT_NEAR(carried[i].s1[channel], run[i].s1[channel] + start[i].s1[channel], 1e-9) << i;
+                EXPECT_NEAR(carried[i].s2[channel], run[i].s2[channel] + start[i].s2[channel], 1e-9) << i;
+            }
+    }
+    SectionList tooLong;
+    tooLong.Set(Sections(ChunkTransition::MaxSections + 1, Seed).data(), ChunkTransition::MaxSections + 1);
+    ChunkTransition transition;
+    transition.Prepare();
+    transition.Begin(tooLong);
+    EXPECT_FALSE(transition.HasWork() || transition.IsReady());
+}
+
 TEST(LinearPhaseEngine, EqualsThePlainFormForAnyListsChannelsAndBlocks)
 {
     const Case cases[] = {
