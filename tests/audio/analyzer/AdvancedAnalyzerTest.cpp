@@ -180,6 +180,7 @@ TEST(AdvancedAnalyzer, BringsTheEngineInLineWithSaneAndInsaneSettings)
         analyzer.Initialise(SampleRate, true);
         EXPECT_EQ(analyzer.FFTSize(), row.frameSize);
         EXPECT_EQ(analyzer.OwnClient(0).keep, row.keep);
+        EXPECT_EQ(analyzer.OwnClient(0).averageLength, row.averageLength);
         Points points;
         analyzer.GetSpectrum(analyzer.OwnClient(0), points.data(), 0, 0.0);
         EXPECT_NEAR(points[500], 1e-10f, 1e-14f);
