@@ -93,66 +93,46 @@ TEST(AdvancedAnalyzer, TakesTheChannelsThatTheModeSays)
     }
 }
 
-TEST(AdvancedAnalyzer, FeedsItsOwnWhereEnabledAndNothingWhileFrozen)
+TEST(AdvancedAnalyzer, LatchesItsSettingsAndFeedsWhatTheyAskFor)
 {
-    struct Row
-    {
-        bool frozen;
-        bool enabled;
-        bool sonogram;
-        bool own;
-        bool added;
-    };
-    const Row rows[] = { { true, true, false, false, false },
-                         { false, false, false, false, true },
-                         { false, false, true, true, true },
-                         { false, true, false, true, true } };
     const Channels channels;
-    for (const Row& row : rows)
+    for (unsigned bits = 0; bits < 16; ++bits)
     {
+        const bool enabled = (bits & 1) != 0, sonogram = (bits & 2) != 0, frozen = (bits & 4) != 0;
+        const bool forced = (bits & 8) != 0;
+        SCOPED_TRACE(bits);
         MSpectralAnalyzerAdvanced analyzer;
         AnalyzerClient added;
         analyzer.AddClient(added, MSpectralAnalyzerAdvanced::AllProcessors);
-        analyzer.settings.enabled = row.enabled;
-        analyzer.settings.sonogramEnabled = row.sonogram;
-        analyzer.settings.freeze = row.frozen;
         analyzer.Initialise(SampleRate, true);
-        channels.Feed(analyzer, added);
-        EXPECT_EQ(Level(analyzer, analyzer.OwnClient(0), LeftHz) > 0.4, row.own);
-        for (const std::int32_t processor : { 0, 1, 2, 3 })
-            EXPECT_EQ(Level(analyzer, added, LeftHz, processor) > 0.4, row.added);
+        analyzer.settings.enabled = enabled;
+        analyzer.settings.sonogramEnabled = sonogram;
+        analyzer.settings.freeze = frozen;
+        analyzer.settings.comparisonEnable = enabled != sonogram;
+        analyzer.settings.resolutionDb = -75;
+        analyzer.settings.channelMode = ChannelModeLeftAndRight;
+        analyzer.settings.processors[2].enabled = true;
+        EXPECT_TRUE(analyzer.IsLatchedEnabled());
+        analyzer.Initialise(SampleRate, forced);
+        EXPECT_EQ(analyzer.IsLatchedEnabled(), enabled);
+        EXPECT_EQ(analyzer.IsLatchedSonogramEnabled(), sonogram);
+        EXPECT_EQ(analyzer.LatchedChannelMode(), forced ? ChannelModeLeftAndRight : ChannelModeMix);
         // With the analyzer off only the sonogram's statistic runs, and no curve is drawn.
-        EXPECT_EQ(analyzer.LatchedProcessors()[0], row.enabled);
-        EXPECT_EQ(analyzer.Visibility().processors[0][0], row.enabled);
-        EXPECT_EQ(analyzer.Visibility().sonogram, row.sonogram);
+        const bool latched[] = { forced ? enabled : true, false, forced && enabled, false };
+        for (std::size_t p = 0; p < 4; ++p)
+        {
+            EXPECT_EQ(analyzer.LatchedProcessors()[p], latched[p]) << p;
+            EXPECT_EQ(analyzer.Visibility().processors[p][0], latched[p]) << p;
+            EXPECT_EQ(analyzer.Visibility().processors[p][1], latched[p] && forced) << p;
+        }
+        EXPECT_EQ(analyzer.Visibility().sonogram, sonogram);
+        EXPECT_EQ(analyzer.Visibility().comparison, enabled != sonogram);
+        EXPECT_EQ(analyzer.displayFloor, -75.0);
+        channels.Feed(analyzer, added);
+        EXPECT_EQ(Level(analyzer, analyzer.OwnClient(0), LeftHz) > 0.4, (enabled || sonogram) && !frozen);
+        for (const std::int32_t processor : { 0, 1, 2, 3 })
+            EXPECT_EQ(Level(analyzer, added, LeftHz, processor) > 0.4, !frozen);
     }
-}
-
-TEST(AdvancedAnalyzer, LatchesWhatTheAudioThreadReads)
-{
-    MSpectralAnalyzerAdvanced analyzer;
-    analyzer.Initialise(SampleRate, true);
-    EXPECT_TRUE(analyzer.IsLatchedEnabled());
-    EXPECT_EQ(analyzer.LatchedChannelMode(), ChannelModeMix);
-    analyzer.settings.channelMode = ChannelModeLeftAndRight;
-    analyzer.settings.processors[2].enabled = true;
-    analyzer.settings.enabled = false;
-    analyzer.settings.comparisonEnable = true;
-    EXPECT_TRUE(analyzer.IsLatchedEnabled());
-    analyzer.Initialise(SampleRate, false);
-    EXPECT_FALSE(analyzer.IsLatchedEnabled());
-    EXPECT_TRUE(analyzer.Visibility().comparison);
-    EXPECT_EQ(analyzer.LatchedChannelMode(), ChannelModeMix);
-    EXPECT_FALSE(analyzer.LatchedProcessors()[2]);
-    analyzer.settings.enabled = true;
-    analyzer.Initialise(SampleRate, true);
-    EXPECT_EQ(analyzer.LatchedChannelMode(), ChannelModeLeftAndRight);
-    EXPECT_TRUE(analyzer.LatchedProcessors()[2]);
-    EXPECT_TRUE(analyzer.Visibility().processors[2][1]);
-    EXPECT_FALSE(analyzer.Visibility().processors[3][0]);
-    analyzer.settings.resolutionDb = -75;
-    analyzer.Initialise(SampleRate, false);
-    EXPECT_EQ(analyzer.displayFloor, -75.0);
 }
 
 TEST(AdvancedAnalyzer, BringsTheEngineInLineWithSaneAndInsaneSettings)
