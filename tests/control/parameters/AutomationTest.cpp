@@ -116,11 +116,11 @@ public:
     }
     void SetValue(std::int32_t sub, double value01, bool silent) override
     {
-        values[static_cast<std::size_t>(sub)] = value01;
+        values.at(static_cast<std::size_t>(sub)) = value01;
         ++sets;
         silentSets += silent ? 1 : 0;
     }
-    double GetValue(std::int32_t sub) const override { return values[static_cast<std::size_t>(sub)]; }
+    double GetValue(std::int32_t sub) const override { return values.at(static_cast<std::size_t>(sub)); }
     bool IsRandomizable() const override { return randomizable; }
     std::vector<double> values;
     int sets = 0;
@@ -282,6 +282,8 @@ TEST_F(Automation, ValuesMapBothWaysAndAsText)
     const double defaults[] = { 0.625, 0.25, 0.2, 0, 0, 0.25, 0.5, 0.5, 0, 0.5, 1, 0, 0 };
     for (std::size_t index = 0; index < list.Adapters().size(); ++index)
         EXPECT_DOUBLE_EQ(list.Adapters()[index]->GetDefaultValue(0), defaults[index]) << index;
+    effect.records[Effect::Toggle].boolean.defaultValue = false;
+    EXPECT_EQ(Of(Effect::Toggle).GetDefaultValue(0), 0);
 }
 
 TEST_F(Automation, ASetTellsTheEffectAtOnceAndLeavesAMark)
@@ -315,6 +317,10 @@ TEST_F(Automation, ASetTellsTheEffectAtOnceAndLeavesAMark)
     EXPECT_EQ(effect.records[Effect::Bent].number.value, 4);
     bent.SetInterpolation(0, false);
     EXPECT_EQ(effect.records[Effect::Bent].RunningValue(), 4);
+    MPluginParameterInfo& steps = effect.records[Effect::Steps];
+    steps.WithFlags(ParameterFlag::Interpolating);
+    Of(Effect::Steps).SetValue(0, 1, true);
+    EXPECT_EQ(std::pair(steps.integer.value.Get(), steps.integer.smoothedValue.Get()), std::pair(0, 6));
 }
 
 TEST_F(Automation, SendingAndRandomizingReachEveryTarget)
@@ -467,9 +473,11 @@ TEST(AutomationNumbers, BelongToOneTargetEachWhateverComesAndGoes)
         EXPECT_EQ(std::count(list.Adapters().begin(), list.Adapters().end(), adapters[0].get()), 0);
         ASSERT_FALSE(::testing::Test::HasFailure()) << "round " << round;
     }
-    Many tooMany(4);
+    Many one(2), other(2);
     AutomationList full;
     full.Reserve({ { .sortKey = 0, .first = 0, .count = 3 } });
-    full.Add(&tooMany);
+    full.Add(&one);
+    EXPECT_NO_THROW(full.AssignIndices());
+    full.Add(&other);
     EXPECT_THROW(full.AssignIndices(), MException);
 }
