@@ -83,7 +83,7 @@ std::vector<float> RoundTrip(MUpsampler& upsampler, const std::vector<float>& in
 }
 
 const std::vector<MUpsampler::Setup> highQualitySetups{
-    { 44100, 2, true }, { 192000, 2, true }, { 48000, 3, true }, { 8000, 4, true }, { 96000, 3, true }
+    { 44100, 2, true }, { 192000, 2, true }, { 48000, 3, true }, { 50000, 4, true }, { 96000, 3, true }
 };
 
 std::string NameOf(const MUpsampler::Setup& setup)
@@ -126,30 +126,21 @@ TEST(Upsampler, HighQualityKeepsThePassBandAndNothingElseOnBothWays)
 
 TEST(Upsampler, HighQualityIsAsLateAsItSaysAndSymmetric)
 {
-    struct Case
+    for (const MUpsampler::Setup& setup : highQualitySetups)
     {
-        MUpsampler::Setup setup;
-        std::int32_t latency;
-    };
-    for (const Case& each :
-         { Case{ { 48000, 2, true }, 768 }, Case{ { 48000, 3, true }, 512 }, Case{ { 48000, 4, true }, 384 },
-           Case{ { 50000, 4, true }, 384 }, Case{ { 96000, 4, true }, 1536 },
-           Case{ { 192000, 2, true }, 3072 }, Case{ { 96000, 3, true }, 2048 } })
-    {
-        SCOPED_TRACE(NameOf(each.setup));
-        EXPECT_EQ(MUpsampler::LatencySamples(each.setup), each.latency);
+        SCOPED_TRACE(NameOf(setup));
+        const auto latency = MUpsampler::LatencySamples(setup);
+        EXPECT_EQ(latency, (setup.factor * setup.sampleRate > 200000 ? 4 : 1) * 1536 / setup.factor);
         MUpsampler upsampler;
-        upsampler.Init(each.setup);
+        upsampler.Init(setup);
         std::vector<float> impulse(16384, 0.0f);
         impulse[100] = 1;
         const std::vector<float> response = RoundTrip(upsampler, impulse, { 512 });
-        const auto peak = std::max_element(response.begin(), response.end()) - response.begin();
-        EXPECT_EQ(peak, 100 + each.latency);
+        const auto peak = std::max_element(response.begin(), response.end());
+        EXPECT_EQ(peak - response.begin(), 100 + latency);
         // The window isn't quite symmetric to its sine cardinal: half a sample of the higher rate off.
         for (std::ptrdiff_t distance = 1; distance < 100; ++distance)
-            EXPECT_NEAR(response[static_cast<std::size_t>(peak - distance)],
-                        response[static_cast<std::size_t>(peak + distance)], 2e-3)
-                << distance;
+            EXPECT_NEAR(*(peak - distance), *(peak + distance), 2e-3) << distance;
     }
     EXPECT_EQ(MUpsampler::LatencySamples({ 48000, 2, false }), 0);
     EXPECT_EQ(MUpsampler::LatencySamples({ 48000, 1, true }), 0);

@@ -394,6 +394,8 @@ TEST(AutomationAdapter, HasOneTargetInTheMiddleUntilItKnowsBetter)
     std::int32_t sub = 0;
     AutomationList list;
     EXPECT_EQ(list.ParameterCount() + list.HostParameterCount(), 0);
+    list.AssignIndices();
+    EXPECT_EQ(list.ParameterCount() + list.HostParameterCount(), 0);
     EXPECT_EQ(list.Find(0, sub), nullptr);
     Many bands(3);
     list.Add(&bands);
