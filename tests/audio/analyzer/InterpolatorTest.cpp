@@ -54,13 +54,11 @@ TEST(Interpolator, ConvolvesWithTheBellOnBothPaths)
             Interpolator interpolator;
             interpolator.SetWidth(width);
             ASSERT_EQ(interpolator.HalfLength(), bell.half);
-            std::vector<float> direct(source.size());
-            interpolator.Convolve(direct.data(), source.data(), count, false);
+            std::vector<float> direct(source.size()), again(source.size()), maximum(source.size());
             std::vector<float> fast = source;
+            interpolator.Convolve(direct.data(), source.data(), count, false);
             interpolator.Convolve(fast.data(), fast.data(), count, true);   // in place
-            std::vector<float> again(source.size());
             interpolator.Convolve(again.data(), source.data(), count, true);   // with the spectrum kept
-            std::vector<float> maximum(source.size());
             interpolator.MaxFilter(maximum.data(), source.data(), count);
             for (int i = 0; i < count; ++i)
             {
