@@ -85,10 +85,11 @@ TEST(EqualizerProcessor, ListsHoldTheSectionsThatTheBandsAskFor)
 {
     std::mt19937 random(12);
     std::uniform_real_distribution<double> share(0.0, 1.0);
+    TestEqualizer equalizer(EqualizerMode::Normal);
     for (std::uint32_t turn = 0; turn < 300; ++turn)
     {
         SCOPED_TRACE(turn);
-        TestEqualizer equalizer(AllModes[turn % 3]);
+        equalizer.SetMode(AllModes[turn % 3]);
         equalizer.upsamplingRatio = turn % 2 == 0 ? 1 : 2;
         SetRandomBands(equalizer, random, 20);
         const double ratio = share(random);
@@ -128,13 +129,17 @@ TEST(EqualizerProcessor, ListsHoldTheSectionsThatTheBandsAskFor)
         }
         EXPECT_EQ(equalizer.GetTailSize(), (equalizer.filters.count + 1) * 1024);
     }
-    TestEqualizer equalizer(EqualizerMode::LinearPhase);
+    equalizer.SetMode(EqualizerMode::LinearPhase);
     for (std::int32_t index = 0; index < 10; ++index)
     {
         BandPoint& each = equalizer.SetBand(index, MAudioFilters::LowShelf, 20, 20, 1);
         each.harmonicsDepth = 1.0;
         each.harmonicsLinear = true;
+        each.harmonicsSemitones = 12.0;
+        each.harmonicsMaxCount = BandPoint::MaxHarmonics;
+        each.harmonicsEnabled.fill(true);
     }
+    equalizer.SetRatio(1.0);
     equalizer.upsamplingRatio = 2;
     equalizer.Update();
     EXPECT_EQ(equalizer.filters.count, 340) << "the longest lists fit";
