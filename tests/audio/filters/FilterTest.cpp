@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "audio/filters/Filter.h"
 
+#include <array>
 #include <cmath>
 #include <complex>
 #include <limits>
@@ -131,6 +132,7 @@ TEST(Filter, EveryBandIsStableAtEveryRateAndSoundsBelowItsTopAsAt96kHz)
 {
     constexpr unsigned seed = 71;
     std::mt19937 random(seed);
+    std::array<double, MAudioFilters::AllPass> deviationDb{}, compared{};
     for (int turn = 0; turn < 12000; ++turn)
     {
         const AnyBand band = RandomBand(random);
@@ -162,8 +164,15 @@ TEST(Filter, EveryBandIsStableAtEveryRateAndSoundsBelowItsTopAsAt96kHz)
                 return std::max(20.0 * std::log10(linear), -40.0);   // nobody hears what is below
             };
             ASSERT_NEAR(level(magnitude), level(usual.Magnitude(hertz)), 6.0) << hertz << " Hz";
+            const auto type = static_cast<std::size_t>(band.type);
+            deviationDb[type] += std::abs(level(magnitude) - level(usual.Magnitude(hertz)));
+            ++compared[type];
         }
     }
+    // On average the fits are far better; the limits lie a fifth above what was measured.
+    constexpr double limitsDb[] = { 0.07, 0.026, 0.096, 0.032, 0.044, 0.007, 0.09, 0.066, 0.046 };
+    for (std::size_t type = 0; type < MAudioFilters::AllPass; ++type)
+        EXPECT_LT(deviationDb[type] / compared[type], limitsDb[type]) << type;
 }
 
 TEST(Filter, ABandMovesAcrossTheTopOfItsRangeInSmallSteps)
