@@ -132,7 +132,10 @@ TEST(Filter, EveryBandIsStableAtEveryRateAndSoundsBelowItsTopAsAt96kHz)
 {
     constexpr unsigned seed = 71;
     std::mt19937 random(seed);
-    std::array<double, MAudioFilters::AllPass> deviationDb{}, compared{};
+    // What the fits reach, and a tenth more.
+    constexpr double worstDb[] = { 2.6, 0.47, 2.6, 0.79, 2.9, 0.16, 0.58, 2.6, 1.48 };
+    constexpr double averageDb[] = { 0.064, 0.024, 0.088, 0.03, 0.041, 0.0063, 0.083, 0.06, 0.0425 };
+    std::array<double, MAudioFilters::AllPass> sumDb{}, compared{};
     for (int turn = 0; turn < 12000; ++turn)
     {
         const AnyBand band = RandomBand(random);
@@ -163,16 +166,15 @@ TEST(Filter, EveryBandIsStableAtEveryRateAndSoundsBelowItsTopAsAt96kHz)
             {
                 return std::max(20.0 * std::log10(linear), -40.0);   // nobody hears what is below
             };
-            ASSERT_NEAR(level(magnitude), level(usual.Magnitude(hertz)), 6.0) << hertz << " Hz";
             const auto type = static_cast<std::size_t>(band.type);
-            deviationDb[type] += std::abs(level(magnitude) - level(usual.Magnitude(hertz)));
+            const double deviationDb = std::abs(level(magnitude) - level(usual.Magnitude(hertz)));
+            ASSERT_LT(deviationDb, worstDb[type]) << hertz << " Hz";
+            sumDb[type] += deviationDb;
             ++compared[type];
         }
     }
-    // On average the fits are far better; the limits lie a fifth above what was measured.
-    constexpr double limitsDb[] = { 0.07, 0.026, 0.096, 0.032, 0.044, 0.007, 0.09, 0.066, 0.046 };
     for (std::size_t type = 0; type < MAudioFilters::AllPass; ++type)
-        EXPECT_LT(deviationDb[type] / compared[type], limitsDb[type]) << type;
+        EXPECT_LT(sumDb[type] / compared[type], averageDb[type]) << type;
 }
 
 TEST(Filter, ABandMovesAcrossTheTopOfItsRangeInSmallSteps)
