@@ -17,11 +17,10 @@ constexpr std::int32_t BandsOfViewType[] = { 0, 30, 10 };
 
 void PostProcessor::Process(float* array) const
 {
-    if (slope != nullptr)
-        ApplySlope(array);
-    if (gain != nullptr)
+    ApplySlope(array);
+    if (const double gainDb = GetGain(); gainDb != 0.0)
         MVector::MultiplyConstantInPlace(array, PointCount,
-                                         static_cast<float>(std::pow(10.0, GetGain() * 0.05)));
+                                         static_cast<float>(std::pow(10.0, gainDb * 0.05)));
     if (interpolator != nullptr && interpolator->HalfLength() > 1)
     {
         if (maximizedSmoothing != nullptr && *maximizedSmoothing)

@@ -176,7 +176,7 @@ void MEqualizerProcessor::AddSoloSections(const BandPoint& band, double gainDb, 
     if (type >= MAudioFilters::LowPass && type <= MAudioFilters::BandPass)
     {
         for (std::int32_t pass = 0; pass < passes; ++pass)
-            list.Add(type, std::fabs(gainDb), frequency, sampleRate, q);
+            list.Add(type, 0, frequency, sampleRate, q);   // they have no gain
         return;
     }
     // What passes is the response less 1: just what the band changes, whether it boosts or cuts.

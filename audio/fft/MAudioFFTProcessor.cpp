@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <bit>
-#include <cmath>
 
 #include "foundation/vector/VectorOperations.h"
 
@@ -74,8 +73,7 @@ void MAudioFFTProcessor::ProcessFrame(float scale)
     MVector::AddConstantInPlace(SpectrumGuard, work.data(), frameSize);
     ProcessSpectrum(frameSize, work.data());
     transform.Inverse(work.data());
-    if (std::abs(scale - 1.0f) >= 1e-20f)
-        MVector::MultiplyConstantInPlace(work.data(), frameSize, scale);
+    MVector::MultiplyConstantInPlace(work.data(), frameSize, scale);
     if (synthesisWindow)
         MVector::Multiply(work.data(), window.Data(), work.data(), frameSize);
     MVector::AddInPlace(work.data(), accumulator.data() + frameSize, frameSize);

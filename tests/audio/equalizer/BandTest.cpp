@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include <algorithm>
+#include <cmath>
+
 #include <gtest/gtest.h>
 
 #include "audio/equalizer/MEqualizerBase.h"
+#include "audio/equalizer/MValueQ.h"
 #include "audio/filters/FilterTypes.h"
 #include "foundation/streams/MMemoryStream.h"
 #include "state/tree/MAttribute.h"
@@ -32,30 +36,35 @@ TEST(Bands, WidthStandsForQ)
 TEST(Bands, AFreshSetIsFlatWithOneBandOn)
 {
     MEqualizerBase equalizer;
-    int enabled = 0;
+    BandPoint changed;
+    changed.y = 4.0;
+    changed.width = 0.1;
+    changed.harmonicsDepth = 0.5;
+    changed.harmonicsMaxCount = 2;
+    changed.harmonicsSemitones = 5.0;
+    changed.harmonicsEnabled[7] = false;
+    changed.harmonicsLinear = true;
+    changed.order = 4;
+    changed.left = false;
+    changed.right = false;
+    equalizer.Band(3) = changed;
+    equalizer.SetDefaults(false);
+    EXPECT_DOUBLE_EQ(equalizer.Band(3).y, 4) << "a complete set stays";
+    equalizer.SetDefaults(true);
     for (std::int32_t index = 0; index < MEqualizerBase::BandCount; ++index)
     {
         const BandPoint& band = equalizer.Band(index);
-        enabled += band.enabled ? 1 : 0;
-        EXPECT_DOUBLE_EQ(band.y, 0);
+        EXPECT_EQ(band.enabled, index == 5);
+        EXPECT_EQ(band.type, index == 0   ? MAudioFilters::LowShelf
+                             : index == 9 ? MAudioFilters::HighShelf
+                                          : MAudioFilters::Peak);
         EXPECT_NEAR(band.x, BandMinimumX + (BandMaximumX - BandMinimumX) * (index + 1) / 11, 1e-12);
+        EXPECT_NEAR(band.Q(), 0.7071067811865, 1e-10);
     }
-    EXPECT_EQ(enabled, 1);
-    EXPECT_TRUE(equalizer.Band(5).enabled);
-    EXPECT_EQ(equalizer.Band(0).type, MAudioFilters::LowShelf);
-    EXPECT_EQ(equalizer.Band(9).type, MAudioFilters::HighShelf);
-    equalizer.Band(3).y = 4.0;
-    equalizer.SetDefaults(false);
-    EXPECT_DOUBLE_EQ(equalizer.Band(3).y, 4) << "a complete set stays";
-    equalizer.Band(3).width = 0.1;
-    equalizer.Band(3).harmonicsDepth = 0.5;
-    equalizer.Band(3).harmonicsEnabled[7] = false;
-    equalizer.Band(3).order = 4;
-    equalizer.SetDefaults(true);
-    EXPECT_DOUBLE_EQ(equalizer.Band(3).y, 0);
-    EXPECT_NEAR(equalizer.Band(3).Q(), 0.7071067811865, 1e-10);
-    EXPECT_EQ(equalizer.Band(3).order, 0);
-    EXPECT_TRUE(equalizer.Band(3).harmonicsDepth == 0.0 && equalizer.Band(3).harmonicsEnabled[7]);
+    // What isn't written is at its default.
+    MAttribute node("point");
+    equalizer.Band(3).Save(node);
+    EXPECT_EQ(node.AttributeCount(), 5) << AsXML(node);
 }
 
 TEST(Bands, AreStoredInTheirFormAndLeaveDefaultsOut)
@@ -64,66 +73,113 @@ TEST(Bands, AreStoredInTheirFormAndLeaveDefaultsOut)
     band.x = 3.0;
     band.y = -1.5;
     band.enabled = true;
+    MAttribute fresh("point");
+    band.Save(fresh);
+    EXPECT_EQ(AsXML(fresh),
+              "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n"
+              "<point q=\"0.707107\" type=\"Peak\" x=\"3\" y=\"-1.5\"><Harmonics/>\n</point>\n");
+    BandPoint other;
+    other.type = MAudioFilters::HighPass6;
+    other.order = 2;
+    other.left = false;
+    other.right = false;
+    other.harmonicsDepth = 0.5;
+    other.harmonicsMaxCount = 3;
+    other.harmonicsSemitones = 7.0;
+    other.harmonicsLinear = true;
+    other.harmonicsEnabled[15] = false;
     MAttribute node("point");
-    band.Save(node);
+    other.Save(node);
     EXPECT_EQ(AsXML(node), "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n"
-                           "<point q=\"0.707107\" type=\"Peak\" x=\"3\" y=\"-1.5\"><Harmonics/>\n</point>\n");
-    band.enabled = false;
-    band.type = MAudioFilters::HighPass6;
-    band.order = 2;
-    band.left = false;
-    band.harmonicsDepth = 0.5;
-    band.harmonicsMaxCount = 3;
-    band.harmonicsSemitones = 7.0;
-    band.harmonicsLinear = true;
-    band.harmonicsEnabled[15] = false;
-    band.Save(node);
-    for (const auto& [key, value] : { std::pair{ "enabled", "0" },
-                                      { "type", "HighPass6" },
-                                      { "Order", "2" },
-                                      { "L", "0" },
-                                      { "Harmonics.Depth", "0.5" },
-                                      { "Harmonics.MaxCount", "3" },
-                                      { "Harmonics.Semitones", "7" },
-                                      { "Harmonics.Linear", "1" } })
-        EXPECT_EQ(node.GetAttribute(key).ToUTF8(), value) << key;
-    EXPECT_EQ(node.RequireSubItem("Harmonics").GetAttribute("Item15").ToUTF8(), "0");
-
+                           "<point enabled=\"0\" Harmonics.Depth=\"0.5\" Harmonics.Linear=\"1\" "
+                           "Harmonics.MaxCount=\"3\" Harmonics.Semitones=\"7\" L=\"0\" Order=\"2\" "
+                           "q=\"0.707107\" R=\"0\" type=\"HighPass6\" x=\"3\" y=\"0\">"
+                           "<Harmonics Item15=\"0\"/>\n</point>\n");
     BandPoint read;
     read.Load(node);
-    EXPECT_FALSE(read.enabled);
-    EXPECT_EQ(read.type, MAudioFilters::HighPass6);
-    EXPECT_FALSE(read.harmonicsEnabled[15]);
-    EXPECT_TRUE(read.harmonicsEnabled[14]);
-    EXPECT_NEAR(read.Q(), 0.7071067, 1e-6);
     MAttribute again("point");
     read.Save(again);
     EXPECT_EQ(AsXML(again), AsXML(node)) << "a band that was read is written as it stood";
+    band.Save(again);
+    EXPECT_EQ(AsXML(again), AsXML(fresh)) << "over what another has left";
+    read.Load(fresh);
+    read.Save(again);
+    EXPECT_EQ(AsXML(again), AsXML(fresh)) << "what is absent is at its default";
+    MAttribute bare("point");
+    bare.SetAttribute("q", "3");
+    read.type = MAudioFilters::Notch;
+    read.Load(bare);
+    EXPECT_NEAR(read.Q(), 3, 1e-9);
+    EXPECT_TRUE(read.x == 3.0 && read.y == -1.5 && read.type == MAudioFilters::Notch) << "but these stay";
+
+    other.x = other.y = std::sqrt(2.0);
+    other.width = 0.123456789;
+    other.RoundToStored();
+    other.Save(node);
+    read.Load(node);
+    EXPECT_TRUE(read.x == other.x && read.y == other.y && read.width == other.width);
+    EXPECT_NEAR(read.x, std::sqrt(2.0), 1e-11);
+    EXPECT_NEAR(read.width, 0.123456789, 1e-6);
 }
 
 TEST(Bands, NonsenseInAStoreIsBroughtToSoundValues)
 {
+    const auto expected = [](double value, double low, double high, double otherwise)
+    {
+        return std::isfinite(value) ? std::clamp(value, low, high) : otherwise;
+    };
     MAttribute tree("MEqualizerSettings");
-    const char* numbers[] = { "nan", "inf", "-1e308", "abc", "" };
+    const char* numbers[] = { "nan", "inf", "-1e308", "abc", "0.5", "3", "1e99" };
     for (int index = 0; index < 12; ++index)
     {
+        tree.AddSubItem("other");
         MAttribute& point = tree.AddSubItem("point");
-        const char* number = numbers[index % 5];
         for (const char* key : { "x", "y", "q", "Harmonics.Depth", "Harmonics.Semitones" })
-            point.SetAttribute(key, number);
-        point.SetAttribute("type", "Nonsense");
+            point.SetAttribute(key, numbers[index % 7]);
+        point.SetAttribute("type", index % 2 == 0 ? "Nonsense" : "Notch");
         point.SetAttribute("Order", "99999999999999999999");
     }
     MEqualizerBase equalizer;
-    equalizer.LoadPoints(tree);
+    equalizer.Paste(tree);
     for (std::int32_t index = 0; index < MEqualizerBase::BandCount; ++index)
     {
         const BandPoint& band = equalizer.Band(index);
-        EXPECT_GE(band.x, BandMinimumX);
-        EXPECT_LE(band.x, BandMaximumX);
-        EXPECT_LE(std::fabs(band.y), 24);
-        EXPECT_TRUE(band.width >= 0 && band.width <= 1);
-        EXPECT_EQ(band.type, 0);
-        EXPECT_TRUE(std::isfinite(band.harmonicsDepth) && std::isfinite(band.harmonicsSemitones));
+        SCOPED_TRACE(numbers[index % 7]);
+        const double number = MString(numbers[index % 7]).ToDouble();
+        EXPECT_EQ(band.x, expected(number, BandMinimumX, BandMaximumX, 3.0));
+        EXPECT_EQ(band.y, expected(number, -24, 24, 0));
+        EXPECT_NEAR(band.Q(), number > 10 ? band.Q() : expected(number, 0.05, 10, band.Q()), 1e-9);
+        EXPECT_EQ(band.harmonicsDepth, expected(number, -1, 1, 0));
+        EXPECT_EQ(band.harmonicsSemitones, expected(number, 1, 48, 12));
+        EXPECT_EQ(band.type, index % 2 == 0 ? MAudioFilters::Peak : MAudioFilters::Notch);
     }
+    MAttribute copied;
+    equalizer.Copy(copied);
+    MEqualizerBase pasted;
+    pasted.Paste(copied);
+    MAttribute again;
+    pasted.Copy(again);
+    EXPECT_EQ(AsXML(again), AsXML(copied));
+}
+
+TEST(MValueQ, EditsABandsWidthByItsQ)
+{
+    BandPoint band;
+    MValueQ value(&band.width);
+    EXPECT_EQ(value.ToText().ToUTF8(), "0.71");
+    for (const auto& [text, q] : std::initializer_list<std::pair<const char*, double>>{
+             { "2", 2.0 }, { "0.05", 0.05 }, { "10", 10.0 }, { "99", 10.0 }, { "0", 0.05 }, { "-3", 0.05 } })
+    {
+        EXPECT_TRUE(value.SetDisplayText(text)) << text;
+        EXPECT_NEAR(band.Q(), q, 1e-9) << text;
+    }
+    EXPECT_FALSE(value.SetDisplayText("wide"));
+    value.SetNormalized(0.25);   // the place on the scale is the width
+    EXPECT_EQ(band.width, 0.25);
+    MValueQ percent(&band.width, MValueQ::Display::Percent);
+    EXPECT_EQ(percent.ToText().ToUTF8(), "25.0%");
+    EXPECT_TRUE(percent.SetDisplayText("50%"));
+    EXPECT_EQ(band.width, 0.5);
+    value.SetDefault();
+    EXPECT_NEAR(band.Q(), 0.7071067811865, 1e-9);
 }

@@ -43,68 +43,107 @@ void SetRandomBands(TestEqualizer& equalizer, std::mt19937& random, double highe
         band.order = share(random) < 0.2 ? 2 : 0;
         band.harmonicsDepth = share(random) < 0.3 ? 2.0 * share(random) - 1.0 : 0.0;
         band.harmonicsLinear = share(random) < 0.5;
-        band.harmonicsSemitones = 1.0 + 47.0 * share(random);
+        band.harmonicsSemitones = share(random) < 0.3 ? 12.0 : 1.0 + 47.0 * share(random);
+        band.harmonicsMaxCount = static_cast<std::int32_t>(16 * share(random));
+        band.harmonicsEnabled[random() % 4] = false;
     }
     equalizer.Update();
 }
 
+struct Section
+{
+    double gainDb, hertz, q;
+};
+
+// The sections of one band in closed form: harmonic n = 1, 2, ... of types that have them, or a cascade of
+// others.
+std::vector<Section> SectionsOf(const BandPoint& band, double gainDb, double rate)
+{
+    const double step = std::pow(2.0, band.harmonicsSemitones / 12.0);
+    const bool hasHarmonics = band.type <= MAudioFilters::HighShelf;
+    std::vector<Section> sections;
+    for (int n = 1; n <= (hasHarmonics ? band.harmonicsMaxCount : band.order) + 1; ++n)
+    {
+        Section section = { gainDb, band.FrequencyHz(), band.Q() };
+        if (hasHarmonics)
+        {
+            section.gainDb *= std::pow(band.harmonicsDepth, n - 1.0);
+            section.hertz *= band.harmonicsLinear ? std::pow(n, step - 1.0) : std::pow(step, n - 1.0);
+            if (band.harmonicsLinear)
+                section.q = 20.0 - (20.0 - section.q) * std::pow(0.9, n - 1.0);   // each is narrower
+            if (n > 1 && (std::abs(section.gainDb) < 0.001 || section.hertz >= rate / 2))
+                break;
+            if (n > 1 && !band.harmonicsEnabled[static_cast<std::size_t>(n - 2)])
+                continue;
+        }
+        sections.push_back(section);
+    }
+    return sections;
+}
+
 TEST(EqualizerProcessor, ListsHoldTheSectionsThatTheBandsAskFor)
 {
-    TestEqualizer equalizer(EqualizerMode::LinearPhase);
-    const auto counts = [&equalizer]
+    std::mt19937 random(12);
+    std::uniform_real_distribution<double> share(0.0, 1.0);
+    TestEqualizer equalizer(EqualizerMode::Normal);
+    for (std::uint32_t turn = 0; turn < 300; ++turn)
     {
-        equalizer.Update();
+        SCOPED_TRACE(turn);
+        equalizer.SetMode(AllModes[turn % 3]);
+        equalizer.upsamplingRatio = turn % 2 == 0 ? 1 : 2;
+        SetRandomBands(equalizer, random, 20);
+        const double ratio = share(random);
+        equalizer.SetRatio(ratio);
+        const bool isLinear = AllModes[turn % 3] == EqualizerMode::LinearPhase;
+        std::vector<Section> expected[2];   // of "Linear-phase", where each runs twice, and of the others
+        for (std::int32_t index = 0; index < MEqualizerBase::BandCount; ++index)
+        {
+            const BandPoint& band = equalizer.Band(index);
+            const bool isShelf =
+                band.type == MAudioFilters::LowShelf || band.type == MAudioFilters::HighShelf;
+            for (const bool linear : { true, false })
+            {
+                double gain = band.y * (isShelf || (linear && band.type == MAudioFilters::Peak) ? 0.5 : 1.0);
+                if (AllModes[turn % 3] == EqualizerMode::Normal)   // it has no other way to mix
+                    gain = 20.0 * std::log10(std::pow(10.0, gain / 20.0) * ratio + 1.0 - ratio);
+                for (const Section& each :
+                     band.enabled ? SectionsOf(band, gain, 48000) : std::vector<Section>())
+                    expected[linear ? 0 : 1].insert(expected[linear ? 0 : 1].end(),
+                                                    linear || band.type == MAudioFilters::Peak ? 1 : 2, each);
+            }
+        }
+        if (equalizer.upsamplingRatio > 1)   // the images of the rate before upsampling go, too
+            expected[0].push_back({ 0, 24000 * 20000.0 / 44100, 0.73 });
+        for (const std::size_t kind : { isLinear ? 0u : 1u, 1u })
+        {
+            const FilterList& list = kind == 0 ? equalizer.LinearFilters() : equalizer.filters;
+            ASSERT_EQ(static_cast<std::size_t>(list.count), expected[kind].size());
+            for (std::size_t i = 0; i < expected[kind].size(); ++i)
+            {
+                const auto& section = list.filters[i];
+                EXPECT_NEAR(section.frequency, expected[kind][i].hertz, 1e-6 * section.frequency);
+                EXPECT_NEAR(section.q, expected[kind][i].q, 1e-6);
+                EXPECT_TRUE(section.type > MAudioFilters::HighShelf ||   // they have no gain
+                            std::abs(section.gain - expected[kind][i].gainDb) < 1e-5);
+            }
+        }
         EXPECT_EQ(equalizer.GetTailSize(), (equalizer.filters.count + 1) * 1024);
-        return std::pair{ equalizer.filters.count, equalizer.LinearFilters().count };
-    };
-    EXPECT_EQ(counts(), std::pair(0, 0));
-    BandPoint& band = equalizer.SetBand(0, MAudioFilters::Peak, 1000, 6, 1);
-    EXPECT_EQ(counts(), std::pair(1, 1));
-    band.type = MAudioFilters::LowShelf;
-    EXPECT_EQ(counts(), std::pair(2, 1)) << "a shelf is two passes of half the gain";
-    EXPECT_NEAR(equalizer.filters.filters[0].gain, 3, 1e-12);
-    band.type = MAudioFilters::LowPass;
-    band.order = 9;
-    EXPECT_EQ(counts(), std::pair(20, 10));
-    band.type = MAudioFilters::Peak;
-    band.harmonicsDepth = 1.0;
-    EXPECT_EQ(counts(), std::pair(5, 5)) << "1, 2, 4, 8 and 16 kHz; 32 kHz lies beyond half the rate";
-    band.harmonicsSemitones = 24.0;
-    EXPECT_EQ(counts(), std::pair(3, 3)) << "1, 4 and 16 kHz";
-    EXPECT_NEAR(equalizer.filters.filters[2].frequency, 16000, 1e-6);
-    band.harmonicsMaxCount = 1;
-    EXPECT_EQ(counts(), std::pair(2, 2));
-    band.harmonicsMaxCount = 16;
-    band.harmonicsSemitones = 12.0;
-    band.harmonicsEnabled[0] = false;
-    EXPECT_EQ(counts(), std::pair(4, 4));
-    band.harmonicsEnabled[0] = true;
-    band.harmonicsLinear = true;
-    EXPECT_EQ(counts(), std::pair(17, 17)) << "1 kHz and its sixteen multiples";
-    EXPECT_NEAR(equalizer.filters.filters[2].frequency, 3000, 1e-6);
-    EXPECT_NEAR(equalizer.filters.filters[1].q, 1 + 19 * 0.1, 1e-9) << "each harmonic is narrower";
-    band.harmonicsSemitones = 24.0;
-    EXPECT_EQ(counts(), std::pair(2, 2)) << "2 to the power of 3 is 8 kHz, 3 to it beyond";
-    band.harmonicsSemitones = 12.0;
-    band.harmonicsDepth = -0.5;
-    equalizer.Update();
-    EXPECT_LT(equalizer.filters.filters[1].gain, 0);
-    EXPECT_GT(equalizer.filters.filters[2].gain, 0);
-    band.harmonicsDepth = 0.01;
-    EXPECT_EQ(counts(), std::pair(2, 2)) << "0.0006 dB is nothing";
-    band.harmonicsDepth = 1.0;
-    band.x = std::log10(15000.0);
-    EXPECT_EQ(counts(), std::pair(1, 1));
+    }
+    equalizer.SetMode(EqualizerMode::LinearPhase);
     for (std::int32_t index = 0; index < 10; ++index)
     {
         BandPoint& each = equalizer.SetBand(index, MAudioFilters::LowShelf, 20, 20, 1);
         each.harmonicsDepth = 1.0;
         each.harmonicsLinear = true;
+        each.harmonicsSemitones = 12.0;
+        each.harmonicsMaxCount = BandPoint::MaxHarmonics;
+        each.harmonicsEnabled.fill(true);
     }
-    EXPECT_EQ(counts(), std::pair(340, 170)) << "the longest lists fit";
+    equalizer.SetRatio(1.0);
     equalizer.upsamplingRatio = 2;
-    EXPECT_EQ(counts(), std::pair(340, 171)) << "the images of the rate before upsampling go, too";
-    EXPECT_NEAR(equalizer.LinearFilters().filters[170].frequency, 24000 * 20000.0 / 44100, 1e-6);
+    equalizer.Update();
+    EXPECT_EQ(equalizer.filters.count, 340) << "the longest lists fit";
+    EXPECT_EQ(equalizer.LinearFilters().count, 171);
 }
 
 TEST(EqualizerProcessor, SoloAndListenPassWhatABandChanges)
@@ -143,89 +182,109 @@ TEST(EqualizerProcessor, SoloAndListenPassWhatABandChanges)
     equalizer.SetBand(0, MAudioFilters::Peak, 200, 12, 1);
     equalizer.listening = true;
     equalizer.listenFrequency = 3000.0;
+    equalizer.listenWidth = 0.25;
     equalizer.Update();
-    ASSERT_EQ(equalizer.filters.count, 1);
-    ASSERT_EQ(equalizer.LinearFilters().count, 1);
-    EXPECT_NEAR(PromisedDb(equalizer, EqualizerMode::LinearPhase, 3000), 0, 1e-6);
-    EXPECT_LT(PromisedDb(equalizer, EqualizerMode::LinearPhase, 200), -20);
-}
-
-TEST(EqualizerProcessor, KnowsTheResponseOfItsBandsAtAnyTime)
-{
-    MEqualizerProcessor fresh;
-    fresh.Update();
-    EXPECT_EQ(fresh.CurrentResponse().DecibelsAt(3.0), 0.0) << "nothing runs before the preparation";
-    for (const EqualizerMode mode : AllModes)
+    for (const FilterList* list :
+         { static_cast<const FilterList*>(&equalizer.filters), &equalizer.LinearFilters() })
     {
-        TestEqualizer equalizer(mode);
-        equalizer.SetBand(0, MAudioFilters::Peak, 1000, 6, 1);
-        equalizer.SetRatio(0.5);
-        const double half = 20 * std::log10(0.5 + 0.5 * std::pow(10.0, 0.3));
-        EXPECT_NEAR(equalizer.CurrentResponse().DecibelsAt(3.0), half, 1e-6);
-        if (mode == EqualizerMode::Normal)
-            continue;   // there the sections hold the ratio
-        EXPECT_NEAR(equalizer.CurrentResponse(false).DecibelsAt(3.0), 6, 1e-6);
+        ASSERT_EQ(list->count, 1);
+        EXPECT_EQ(list->filters[0].type, MAudioFilters::BandPass);
+        EXPECT_EQ(list->filters[0].frequency, 3000.0);
+        EXPECT_EQ(list->filters[0].q, QFromWidth(0.25));
     }
 }
 
 TEST(EqualizerProcessor, EveryModeKeepsThePromisedMagnitude)
 {
+    MEqualizerProcessor fresh;
+    fresh.Update();
+    EXPECT_EQ(fresh.CurrentResponse().DecibelsAt(3.0), 0.0) << "nothing runs before the preparation";
     struct Case
     {
-        std::int32_t type;
-        double hertz, gainDb, q;
-        std::int32_t order;
+        double rate, ratio;
+        struct
+        {
+            std::int32_t type;
+            double hertz, gainDb, q;
+            std::int32_t order;
+        } bands[4];
     };
     using namespace MAudioFilters;
     const Case cases[] = {
-        { Peak, 1000, 12, 1, 0 },        { Peak, 40, -12, 4, 0 },         { Peak, 12000, 24, 0.3, 0 },
-        { LowShelf, 120, -9, 0.7, 0 },   { HighShelf, 6000, 15, 0.9, 0 }, { LowPass, 5000, 0, 0.707, 0 },
-        { LowPass, 900, 0, 1.1, 1 },     { HighPass, 80, 0, 0.707, 0 },   { LowPass6, 3000, 0, 1, 0 },
-        { HighPass6, 150, 0, 1, 1 },     { BandPass, 1500, 0, 0.6, 0 },   { Notch, 9000, 0, 0.5, 0 },
-        { HighShelf, 20000, 9, 0.7, 0 },
+        { 48000,
+          1.0,
+          { { Peak, 1000, 12, 1, 0 },
+            { LowShelf, 120, -9, 0.7, 0 },
+            { LowPass, 5000, 0, 0.7, 1 },
+            { Notch, 9000, 0, 0.5, 0 } } },
+        { 22050,
+          1.0,
+          { { Peak, 60, -12, 4, 0 },
+            { HighShelf, 6000, 15, 0.9, 0 },
+            { LowPass6, 3000, 0, 1, 0 },
+            { HighPass, 80, 0, 0.7, 0 } } },
+        { 48000,
+          0.5,
+          { { Peak, 9000, 18, 0.3, 0 },
+            { HighShelf, 20000, 9, 0.7, 0 },
+            { HighPass6, 150, 0, 1, 1 },
+            { BandPass, 1500, 0, 0.4, 0 } } },
+        { 48000, 0.0, { { Peak, 1000, 12, 1, 0 } } },
     };
-    for (const double rate : { 22050.0, 48000.0 })
-        for (const EqualizerMode mode : AllModes)
-            for (const Case& each : cases)
+    for (const EqualizerMode mode : AllModes)
+        for (const Case& each : cases)
+        {
+            SCOPED_TRACE(::testing::Message()
+                         << NameOf(mode) << ", " << each.rate << " Hz, ratio " << each.ratio);
+            TestEqualizer equalizer(mode, each.rate);
+            for (std::int32_t index = 0; index < 4 && each.bands[index].hertz > 0; ++index)
             {
-                SCOPED_TRACE(::testing::Message() << NameOf(mode) << ", " << rate << " Hz, type " << each.type
-                                                  << " at " << each.hertz << " Hz, " << each.gainDb
-                                                  << " dB, Q " << each.q << ", order " << each.order);
-                TestEqualizer equalizer(mode, rate);
-                equalizer.SetBand(0, each.type, each.hertz, each.gainDb, each.q).order = each.order;
-                equalizer.Update();
-                const std::vector<float> response = equalizer.Impulse();
-                for (double hertz = 30; hertz < 0.45 * rate; hertz *= 1.3)
-                {
-                    const double promised = PromisedDb(equalizer, mode, hertz);
-                    // Float samples leave a floor of about -150 dB of the impulse; 60 dB above it rounding
-                    // costs 0.01 dB at the most. In spectra, half the sample rate shares the gain of 0 Hz:
-                    // a floor of 1 / 32768 where a filter takes the top away.
-                    if (promised < (mode == EqualizerMode::LinearPhaseFFT ? -30 : -85))
-                        continue;
-                    // A band of 10 Hz rings so long that the frames of the spectra begin to show.
-                    const bool rings = mode == EqualizerMode::LinearPhaseFFT && each.hertz < 50;
-                    EXPECT_NEAR(MeasuredDb(response, hertz, rate), promised, rings ? 0.03 : 0.01)
-                        << hertz << " Hz";
-                }
-                if (mode == EqualizerMode::Normal)
-                    continue;
-                double asymmetry = 0;
-                for (std::size_t distance = 1; distance < Latency; ++distance)
-                    asymmetry = std::max<double>(
-                        asymmetry, std::fabs(response[Latency + distance] - response[Latency - distance]));
-                EXPECT_LT(asymmetry, 1e-5 * std::max(1.0, static_cast<double>(response[Latency])))
-                    << "-100 dB of the impulse";
+                const auto& band = each.bands[index];
+                equalizer.SetBand(index, band.type, band.hertz, band.gainDb, band.q).order = band.order;
             }
+            equalizer.SetRatio(each.ratio);
+            const std::vector<float> response = equalizer.Impulse();
+            const ResponseCurve curve = equalizer.CurrentResponse();
+            const ResponseCurve filteredCurve = equalizer.CurrentResponse(false);
+            const double wet =
+                mode == EqualizerMode::Normal ? 1.0 : each.ratio;   // there the sections hold it
+            for (double hertz = 30; hertz < 0.45 * each.rate; hertz *= 1.5)
+            {
+                const double filtered = std::pow(10.0, PromisedDb(equalizer, mode, hertz) / 20.0);
+                const double promised = 20.0 * std::log10(wet * filtered + 1.0 - wet);
+                if (mode != EqualizerMode::LinearPhase)   // there the graphs show the list of the others
+                {
+                    EXPECT_NEAR(curve.DecibelsAt(std::log10(hertz)), promised, 1e-5);
+                    EXPECT_NEAR(filteredCurve.DecibelsAt(std::log10(hertz)), 20 * std::log10(filtered), 1e-5);
+                }
+                // Float samples leave a floor of about -150 dB of the impulse; 60 dB above it rounding costs
+                // 0.01 dB at the most. In spectra, half the sample rate shares the gain of 0 Hz: a floor of 1
+                // / 32768 where a filter takes the top away.
+                if (promised < (mode == EqualizerMode::LinearPhaseFFT ? -30 : -85))
+                    continue;
+                // A band of 15 Hz rings so long that the frames of the spectra begin to show.
+                const bool rings = mode == EqualizerMode::LinearPhaseFFT && each.bands[0].hertz < 100;
+                EXPECT_NEAR(MeasuredDb(response, hertz, each.rate), promised, rings ? 0.03 : 0.01)
+                    << hertz << " Hz";
+            }
+            if (mode == EqualizerMode::Normal)
+                continue;
+            double asymmetry = 0;
+            for (std::size_t distance = 1; distance < Latency; ++distance)
+                asymmetry = std::max<double>(
+                    asymmetry, std::fabs(response[Latency + distance] - response[Latency - distance]));
+            EXPECT_LT(asymmetry, 1e-5 * std::max(1.0, static_cast<double>(response[Latency])))
+                << "-100 dB of the impulse";
+        }
 }
 
 // Whatever the bands, the rate, the mode and their changes: finite, bounded, the same in all channels that
 // get the same, and the same in blocks of any lengths, in place or not.
 TEST(EqualizerProcessor, AnyBandsAtAnyRateInAnyModeStayWithinBounds)
 {
-    constexpr double rates[] = { 8000, 11025, 16000, 22050, 32000, 44100, 48000, 96000, 192000, 384000 };
-    constexpr std::size_t count = 90000;
-    for (std::uint32_t seed = 1; seed <= 10; ++seed)
+    constexpr double rates[] = { 8000, 22050, 44100, 48000, 96000, 384000 };
+    constexpr std::size_t count = 66000;
+    for (std::uint32_t seed = 1; seed <= 6; ++seed)
     {
         std::mt19937 random(seed);
         const double rate = rates[seed - 1];
@@ -286,122 +345,85 @@ TEST(EqualizerProcessor, AnyBandsAtAnyRateInAnyModeStayWithinBounds)
     }
 }
 
-TEST(EqualizerProcessor, WithoutBandsTheInputReturnsAfterTheLatencyWhateverTheModeTurnsTo)
-{
-    for (std::uint32_t seed = 0; seed < 6; ++seed)
-    {
-        SCOPED_TRACE(seed);
-        std::mt19937 random(seed);
-        const Channels input = NoiseChannels(2, 10 * Latency, seed, 0.7f);
-        TestEqualizer equalizer(AllModes[seed % 3], 48000, 2);
-        // With a ratio there is dry signal, too, and without bands it is the same; switched off, bands are
-        // none.
-        equalizer.SetRatio(seed % 2 == 0 ? 1.0 : 0.4);
-        if (seed >= 3)
-        {
-            equalizer.bandsEnabled = false;
-            SetRandomBands(equalizer, random, 12);
-        }
-        const std::vector<std::int32_t> blocks = { 64, 1, 441, 4096,
-                                                   static_cast<std::int32_t>(17 + 1000 * seed) };
-        std::size_t block = 0;
-        const Channels output = equalizer.Run(input, blocks,
-                                              [&](std::size_t)
-                                              {
-                                                  // Sometimes at once again, sometimes with time to settle.
-                                                  if (++block % (seed % 2 == 0 ? 7 : 101) == 0)
-                                                      equalizer.SetMode(AllModes[random() % 3]);
-                                              });
-        // Below -120 dB of the signal's 0.7 where spectra or frames are added up again.
-        for (std::size_t channel = 0; channel < 2; ++channel)
-            EXPECT_LE(LargestDifference(output[channel], input[channel], 0, 10 * Latency, Latency), 7e-7);
-    }
-}
-
 TEST(EqualizerProcessor, AChangeOfModeSoundsSoonLikeTheNewModeAndNeverLikeAnythingElse)
 {
-    constexpr std::size_t count = 6 * Latency;
-    constexpr std::size_t turn = 3 * Latency + 77;
+    constexpr std::size_t count = 4 * Latency;
+    constexpr std::size_t turn = 2 * Latency + 77;
     const Channels input = NoiseChannels(1, count, 9, 0.5f);
-    for (const EqualizerMode from : AllModes)
-        for (const EqualizerMode to : AllModes)
+    const auto setBand = [](TestEqualizer& equalizer)
+    {
+        equalizer.SetBand(0, MAudioFilters::HighShelf, 2000, -12, 0.7);
+        equalizer.Update();
+    };
+    std::vector<std::vector<float>> plain;
+    for (const EqualizerMode mode : AllModes)
+    {
+        TestEqualizer equalizer(mode);
+        setBand(equalizer);
+        plain.push_back(equalizer.Run(input[0], { 480 }));
+    }
+    for (std::size_t from = 0; from < 3; ++from)
+        for (std::size_t to = 0; to < 3; ++to)
         {
-            SCOPED_TRACE(::testing::Message() << NameOf(from) << " to " << NameOf(to));
-            Channels plain[2];
-            for (const int index : { 0, 1 })
-            {
-                TestEqualizer equalizer(index == 0 ? from : to);
-                equalizer.SetBand(0, MAudioFilters::HighShelf, 2000, -12, 0.7);
-                equalizer.Update();
-                plain[index] = equalizer.Run(input, { 480 }, [](std::size_t) {});
-            }
+            SCOPED_TRACE(::testing::Message() << NameOf(AllModes[from]) << " to " << NameOf(AllModes[to]));
             // A block of nothing is no beginning: the mode that comes before the first sample holds at once.
-            TestEqualizer equalizer(to);
+            TestEqualizer equalizer(AllModes[to]);
             const float* nothing = nullptr;
             float* nowhere = nullptr;
             equalizer.ProcessChannels(&nothing, &nowhere, 0);
-            equalizer.SetMode(from);
-            equalizer.SetBand(0, MAudioFilters::HighShelf, 2000, -12, 0.7);
-            equalizer.Update();
-            const std::vector<float> output = equalizer.Run(input, { static_cast<std::int32_t>(turn), 480 },
-                                                            [&](std::size_t position)
-                                                            {
-                                                                if (position == turn)
-                                                                    equalizer.SetMode(to);
-                                                            })[0];
-            EXPECT_LT(LargestDifference(output, plain[0][0], 0, turn, 0), 1e-6);
+            equalizer.SetMode(AllModes[from]);
+            setBand(equalizer);
+            const auto change = [&](std::size_t position)
+            {
+                if (position == turn)
+                    equalizer.SetMode(AllModes[to]);
+            };
+            const std::vector<float> output =
+                equalizer.Run(input, { static_cast<std::int32_t>(turn), 480 }, change)[0];
+            EXPECT_LT(LargestDifference(output, plain[from], 0, turn), 1e-6);
             const std::size_t settled = turn + 48000 / 5;
             // Frames of spectra begin where the mode began, and each wraps a little.
-            const float tolerance = to == EqualizerMode::LinearPhaseFFT ? 1e-3f : 2e-6f;
-            EXPECT_LT(LargestDifference(output, plain[1][0], settled, count, 0), tolerance)
+            const float tolerance = AllModes[to] == EqualizerMode::LinearPhaseFFT ? 1e-3f : 2e-6f;
+            EXPECT_LT(LargestDifference(output, plain[to], settled, count), tolerance)
                 << "a fifth of a second";
+            std::size_t mixed = 0;
             for (std::size_t i = turn; i < settled; ++i)
             {
-                const float one = plain[0][0][i];
-                const float other = plain[1][0][i];
-                ASSERT_GE(output[i], std::min(one, other) - tolerance) << i - turn;
-                ASSERT_LE(output[i], std::max(one, other) + tolerance) << i - turn;
+                const auto [low, high] = std::minmax(plain[from][i], plain[to][i]);
+                ASSERT_GE(output[i], low - tolerance) << i - turn;
+                ASSERT_LE(output[i], high + tolerance) << i - turn;
+                mixed += output[i] > low + tolerance && output[i] < high - tolerance ? 1 : 0;
             }
+            // The fade takes 20 ms. The linear-phase modes sound alike, and where the others happen to, too,
+            // is no telling.
+            EXPECT_TRUE((from == 0) == (to == 0) || (mixed > 750 && mixed <= 960)) << mixed;
         }
 }
 
-TEST(EqualizerProcessor, KnowsItsInputAsLateAsItsOutput)
+TEST(EqualizerProcessor, SwitchedOffItsInputReturnsAsLateAsItSaysWhateverTheModeTurnsTo)
 {
-    const std::vector<float> input = Noise(200000, 3);
-    for (const std::size_t block : { 1u, 700u, 4096u, 50000u })
+    for (std::size_t block : { 700u, 64u, 4096u, 50000u, 1u })
     {
-        TestEqualizer equalizer(EqualizerMode::Normal);
+        std::mt19937 random(static_cast<std::uint32_t>(block));
+        const std::vector<float> input = Noise(block == 1 ? 40000 : 200000, 3, 0.7f);
         std::vector<float> delayed(input.size());
         std::vector<float> output(input.size());
-        const std::size_t count = block == 1 ? 40000 : input.size();
-        for (std::size_t position = 0; position < count; position += block)
+        TestEqualizer equalizer(EqualizerMode::Normal);
+        SetRandomBands(equalizer, random, 12);
+        equalizer.bandsEnabled = false;
+        for (std::size_t position = 0; position < input.size(); position += block)
         {
-            const auto n = static_cast<std::int32_t>(std::min(block, count - position));
+            const auto n = static_cast<std::int32_t>(std::min(block, input.size() - position));
             const float* in = input.data() + position;
             float* out = output.data() + position;
             equalizer.ReadDelayedInput(0, in, delayed.data() + position, n);
             equalizer.ProcessChannels(&in, &out, n);
+            if (block < 50000 && random() % 60 == 0)
+                equalizer.SetMode(AllModes[random() % 3]);
         }
-        EXPECT_TRUE(delayed == output) << block;
-    }
-}
-
-TEST(EqualizerProcessor, TheRatioMixesTheDelayedInput)
-{
-    for (const EqualizerMode mode : AllModes)
-    {
-        SCOPED_TRACE(NameOf(mode));
-        TestEqualizer dry(mode);
-        dry.SetBand(0, MAudioFilters::Peak, 1000, 12, 1);
-        dry.SetRatio(0.0);
-        const std::vector<float> input = Noise(2 * Latency, 5, 0.7f);
-        EXPECT_LT(LargestDifference(dry.Run(input, { 480 }), input, 0, 2 * Latency, Latency), 7e-7);
-
-        TestEqualizer half(mode);
-        half.SetBand(0, MAudioFilters::Peak, 1000, 12, 1);
-        half.SetRatio(0.5);
-        const double expected = 20 * std::log10(0.5 + 0.5 * std::pow(10.0, 12 / 20.0));
-        EXPECT_NEAR(MeasuredDb(half.Impulse(), 1000, 48000), expected, 0.01);
+        EXPECT_EQ(LargestDifference(delayed, input, 0, input.size(), Latency), 0.0) << block;
+        // Below -120 dB of the signal's 0.7 where spectra or frames are added up again.
+        EXPECT_LE(LargestDifference(output, input, 0, input.size(), Latency), 7e-7) << block;
     }
 }
 }   // namespace

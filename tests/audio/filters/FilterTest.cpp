@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "audio/filters/Filter.h"
 
+#include <array>
 #include <cmath>
 #include <complex>
 #include <limits>
@@ -13,6 +14,7 @@
 
 #include "audio/filters/Complex.h"
 #include "audio/filters/FilterCascade.h"
+#include "audio/filters/FilterMagnitudes.h"
 #include "audio/filters/FilterTypes.h"
 
 namespace
@@ -130,7 +132,11 @@ TEST(Filter, EveryBandIsStableAtEveryRateAndSoundsBelowItsTopAsAt96kHz)
 {
     constexpr unsigned seed = 71;
     std::mt19937 random(seed);
-    for (int turn = 0; turn < 30000; ++turn)
+    // What the fits reach, and a tenth more.
+    constexpr double worstDb[] = { 2.6, 0.47, 2.6, 0.79, 2.9, 0.16, 0.58, 2.6, 1.48 };
+    constexpr double averageDb[] = { 0.064, 0.024, 0.088, 0.03, 0.041, 0.0063, 0.083, 0.06, 0.0425 };
+    std::array<double, MAudioFilters::AllPass> sumDb{}, compared{};
+    for (int turn = 0; turn < 12000; ++turn)
     {
         const AnyBand band = RandomBand(random);
         SCOPED_TRACE(::testing::Message()
@@ -160,9 +166,15 @@ TEST(Filter, EveryBandIsStableAtEveryRateAndSoundsBelowItsTopAsAt96kHz)
             {
                 return std::max(20.0 * std::log10(linear), -40.0);   // nobody hears what is below
             };
-            ASSERT_NEAR(level(magnitude), level(usual.Magnitude(hertz)), 6.0) << hertz << " Hz";
+            const auto type = static_cast<std::size_t>(band.type);
+            const double deviationDb = std::abs(level(magnitude) - level(usual.Magnitude(hertz)));
+            ASSERT_LT(deviationDb, worstDb[type]) << hertz << " Hz";
+            sumDb[type] += deviationDb;
+            ++compared[type];
         }
     }
+    for (std::size_t type = 0; type < MAudioFilters::AllPass; ++type)
+        EXPECT_LT(sumDb[type] / compared[type], averageDb[type]) << type;
 }
 
 TEST(Filter, ABandMovesAcrossTheTopOfItsRangeInSmallSteps)
@@ -208,14 +220,21 @@ TEST(Filter, WhatIsNoFrequencyAndNoQPassesTheInput)
         }
 }
 
-TEST(Filter, FloatSectionsAreTheDoubleOnesRounded)
+TEST(Filter, FloatSectionsAreTheDoubleOnesRoundedAndEachDesignRaisesTheGeneration)
 {
-    for (const std::int32_t type : { 0, 1, 2, 3, 4, 7, 8, 9 })
+    for (std::int32_t type = 0; type < MAudioFilters::FilterTypeCount; ++type)
     {
         SCOPED_TRACE(type);
+        Filter<double> exact = Designed(type, 3.0, 4000.0, 1.5);
+        EXPECT_EQ(exact.generation, 1);
+        exact.Set(type, 3.0, 4000.0, SampleRate, 1.5);
+        EXPECT_EQ(exact.generation, 2);
+        EXPECT_TRUE(exact.b0 != 0 && exact.a1 != 0) << "zeros breed denormals";
+        if (type == MAudioFilters::LowPass6 || type == MAudioFilters::HighPass6 ||
+            type == MAudioFilters::AllPass6)
+            continue;
         Filter<float> rounded;
         rounded.Set(type, 3.0f, 4000.0f, 48000.0f, 1.5f);
-        const Filter<double> exact = Designed(type, 3.0, 4000.0, 1.5);
         EXPECT_EQ(rounded.generation, 1);
         for (const auto& [single, full] : { std::pair{ rounded.b0, exact.b0 },
                                             { rounded.b1, exact.b1 },
@@ -226,73 +245,17 @@ TEST(Filter, FloatSectionsAreTheDoubleOnesRounded)
     }
 }
 
-TEST(Filter, EveryDesignRaisesTheGenerationOnceAndNoCoefficientIsAnExactZero)
-{
-    for (std::int32_t type = 0; type < MAudioFilters::FilterTypeCount; ++type)
-    {
-        SCOPED_TRACE(type);
-        Filter<double> section = Designed(type, 0.0, 1000.0, 1.0);
-        EXPECT_EQ(section.generation, 1);
-        section.Set(type, 0.0, 1000.0, SampleRate, 1.0);
-        EXPECT_EQ(section.generation, 2);
-    }
-    const Filter<double> bandPass = Designed(MAudioFilters::BandPass, 0.0, 1000.0, 1.0);
-    EXPECT_EQ(bandPass.b1, 1.0000000036274937e-15);
-    EXPECT_EQ(bandPass.b1, static_cast<double>(1e-15f));
-    const Filter<double> allPass = Designed(MAudioFilters::AllPass6, 0.0, 1000.0, 1.0);
-    EXPECT_EQ(allPass.b0, allPass.a1);
-    EXPECT_EQ(allPass.b1, -0.999999999999999);
-    EXPECT_EQ(allPass.b2, 0.0);
-}
-
-TEST(Filter, FirstOrderDesignsLeaveTheSecondOrderFieldsAlone)
-{
-    for (const std::int32_t type : { 5, 6, 10 })
-    {
-        Filter<double> section = Designed(MAudioFilters::Peak, 7.0, 3000.0, 2.0);
-        const double cosW = section.cosW;
-        const double alpha = section.alpha;
-        section.Set(type, 1.0, 500.0, SampleRate, 1.0);
-        EXPECT_EQ(section.cosW, cosW);
-        EXPECT_EQ(section.alpha, alpha);
-        EXPECT_EQ(section.gain, 7.0);
-        EXPECT_EQ(section.frequency, 500.0);
-        EXPECT_EQ(section.generation, 2);
-    }
-}
-
-template <typename T>
-void ExpectRefusal(Filter<T>& section, bool bySet)
-{
-    const T before = section.b0;
-    const std::int32_t generation = section.generation;
-    try
-    {
-        if (bySet)
-            section.Set(section.type, T(0), T(100), T(48000), T(1));
-        else
-            section.Update(1.0);
-        ADD_FAILURE() << "type " << section.type << " was accepted";
-    }
-    catch (const MException& refusal)
-    {
-        EXPECT_EQ(refusal.Message.ToUTF8(), "Invalid filter type.");
-        EXPECT_EQ(refusal.Code, 2);
-    }
-    EXPECT_EQ(section.generation, generation + 1);
-    EXPECT_EQ(section.b0, before);
-}
-
 TEST(Filter, RefusesWhatItHasNoFormulaFor)
 {
     for (const std::int32_t type : { 5, 6, 10, 11, -1 })
     {
         Filter<double> section = Designed(MAudioFilters::Peak, 7.0, 3000.0, 2.0);
+        const double before = section.b0;
         section.type = type;
-        ExpectRefusal(section, false);
+        EXPECT_THROW(section.Update(1.0), MException) << type;
+        EXPECT_EQ(section.b0, before);
         Filter<float> single;
-        single.type = type;
-        ExpectRefusal(single, true);
+        EXPECT_THROW(single.Set(type, 0.0f, 100.0f, 48000.0f, 1.0f), MException) << type;
     }
 }
 
@@ -307,15 +270,7 @@ TEST(Complex, DividesOnBothBranchesAndRefusesZero)
         EXPECT_NEAR(back.re, a.re, 1e-14);
         EXPECT_NEAR(back.im, a.im, 1e-14);
     }
-    try
-    {
-        static_cast<void>(Complex{ 1, 1 } / Complex{ 0, 0 });
-        FAIL();
-    }
-    catch (const MException& refusal)
-    {
-        EXPECT_EQ(refusal.Message.ToUTF8(), "Complex division by zero.");
-    }
+    EXPECT_THROW(static_cast<void>(Complex{ 1, 1 } / Complex{ 0, 0 }), MException);
 }
 
 TEST(FilterCascade, IsAButterworthOfItsOrder)
@@ -335,13 +290,8 @@ TEST(FilterCascade, IsAButterworthOfItsOrder)
         {
             const double ratio = std::tan(std::numbers::pi * frequency / SampleRate) /
                                  std::tan(std::numbers::pi * 1000.0 / SampleRate);
-            double lowMagnitude = 1.0;
-            double highMagnitude = 1.0;
-            for (std::int32_t i = 0; i < low.count; ++i)
-            {
-                lowMagnitude *= low.sections[i].Magnitude(frequency);
-                highMagnitude *= high.sections[i].Magnitude(frequency);
-            }
+            const double lowMagnitude = MAudioFilters::MagnitudeOfList(low.sections, low.count, frequency);
+            const double highMagnitude = MAudioFilters::MagnitudeOfList(high.sections, high.count, frequency);
             EXPECT_NEAR(lowMagnitude * std::sqrt(1.0 + std::pow(ratio, 4 * orderIndex)), 1.0, 1e-9)
                 << frequency;
             EXPECT_NEAR(highMagnitude * std::sqrt(1.0 + std::pow(ratio, -4 * orderIndex)), 1.0, 1e-9)
@@ -371,19 +321,17 @@ TEST(FilterCascade, DecimatorHasTheQsOfOrderEight)
 TEST(FilterCascade, LoudnessWeightingMatchesTheTableOfTheStandardAt48kHz)
 {
     // ITU-R BS.1770-4, tables 1 and 2; the design formula follows them within 0.1 dB.
-    Filter<double> first;
-    first.b0 = 1.53512485958697;
-    first.b1 = -2.69169618940638;
-    first.b2 = 1.19839281085285;
-    first.a1 = 1.69065929318241;
-    first.a2 = -0.73248077421585;
-    Filter<double> second;
-    second.b0 = 1.0;
-    second.b1 = -2.0;
-    second.b2 = 1.0;
-    second.a1 = 1.99004745483398;
-    second.a2 = -0.99007225036621;
-    first.sampleRate = second.sampleRate = SampleRate;
+    Filter<double> first, second;
+    const double tables[2][5] = { { 1.53512485958697, -2.69169618940638, 1.19839281085285, 1.69065929318241,
+                                    -0.73248077421585 },
+                                  { 1.0, -2.0, 1.0, 1.99004745483398, -0.99007225036621 } };
+    for (Filter<double>* section : { &first, &second })
+    {
+        const auto& table = tables[section == &first ? 0 : 1];
+        std::tie(section->b0, section->b1, section->b2, section->a1, section->a2) =
+            std::tie(table[0], table[1], table[2], table[3], table[4]);
+        section->sampleRate = SampleRate;
+    }
     MAudioFilters::LoudnessWeighting weighting;
     weighting.Design(SampleRate);
     for (const double frequency : { 30.0, 100.0, 500.0, 1000.0, 2000.0, 4000.0, 10000.0 })

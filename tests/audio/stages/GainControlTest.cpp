@@ -3,6 +3,7 @@
 #include <cmath>
 #include <complex>
 #include <numbers>
+#include <numeric>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -130,7 +131,7 @@ TEST(GainControl, WeightsAsPublished)
 {
     // Both sides at one amplitude, the input at another frequency: the gain is the ratio of the weights.
     // 0.03 dB: the sections come from a design formula with rounded corner frequencies, not from the table.
-    for (const double hertz : { 100.0, 200.0, 500.0, 1500.0, 2000.0, 4000.0, 10000.0 })
+    for (const double hertz : { 100.0, 200.0, 1500.0, 2000.0, 10000.0 })
     {
         Stage stage;
         stage.Run(3, { .hertz = hertz }, { .hertz = 1000 });
@@ -138,21 +139,17 @@ TEST(GainControl, WeightsAsPublished)
                     0.03)
             << hertz;
     }
+    Stage plain;
+    plain.control.useWeighting = false;
+    plain.control.Init(rate, 2, 0);
+    plain.Run(3, { .hertz = 50 }, { .hertz = 5000 });
+    EXPECT_NEAR(plain.control.Gain(), 1, 1e-4) << "every frequency counts the same";
     // The recommendation's own anchor: a sine of 997 Hz at full scale in one channel reads -3.01 LKFS, which
     // is 10 log10 of the weighted mean square less 0.691 dB.
     Stage alone(1);
     alone.Run(3, {}, { .hertz = 997, .amplitude = 1 }, false);
     const double weightedMean = 0.05 / (alone.control.Gain() * alone.control.Gain());
     EXPECT_NEAR(10 * std::log10(weightedMean) - 0.691, -3.01, 0.02);
-}
-
-TEST(GainControl, WithoutWeightingEveryFrequencyCounts)
-{
-    Stage stage;
-    stage.control.useWeighting = false;
-    stage.control.Init(rate, 2, 0);
-    stage.Run(3, { .hertz = 50 }, { .hertz = 5000 });
-    EXPECT_NEAR(stage.control.Gain(), 1, 1e-4);
 }
 
 TEST(GainControl, ComparesTheSameSoundWhateverTheLatency)
@@ -168,28 +165,16 @@ TEST(GainControl, ComparesTheSameSoundWhateverTheLatency)
     EXPECT_NEAR(stage.control.Gain(), 1, 1e-3);
 }
 
-TEST(GainControl, RampsInsideTheBlock)
-{
-    MAutomaticGainControl control;
-    control.Init(rate, 1, 0);
-    std::vector<float> ones(100, 1e-7f);
-    float* channels[] = { ones.data() };
-    control.MeasureInput(channels, 100, 1);
-    control.Process(channels, 100, 1);
-    EXPECT_FLOAT_EQ(ones[0], 0) << "from the gain of a fresh start, 0,";
-    EXPECT_FLOAT_EQ(ones[50], 0.5e-7f);
-    EXPECT_FLOAT_EQ(ones[99], 0.99e-7f) << "to the 1 of silence";
-}
-
-TEST(GainControl, ASharedChannelGetsTheGainOnce)
+TEST(GainControl, RampsInsideTheBlockOnceForASharedChannel)
 {
     MAutomaticGainControl control;
     control.Init(rate, 2, 0);
-    std::vector<float> samples(100, 1e-7f);
-    float* channels[] = { samples.data(), samples.data() };
+    std::vector<float> ones(100, 1e-7f);
+    float* channels[] = { ones.data(), ones.data() };
     control.MeasureInput(channels, 100, 2);
     control.Process(channels, 100, 2);
-    EXPECT_FLOAT_EQ(samples[50], 0.5e-7f);
+    for (std::size_t i = 0; i < 100; ++i)   // from the gain of a fresh start, 0, to the 1 of silence
+        EXPECT_FLOAT_EQ(ones[i], 1e-9f * static_cast<float>(i));
 }
 
 TEST(GainControl, RecoversFromSamplesThatAreNoNumbers)
@@ -204,26 +189,27 @@ TEST(GainControl, RecoversFromSamplesThatAreNoNumbers)
     EXPECT_NEAR(DbOf(stage.control.Gain()), -6.0206, 0.01);
 }
 
-TEST(SlidingSum, FollowsTheMeanOfTheWindowForAnyBlockLength)
+TEST(SlidingSum, FollowsTheMeanOfTheWindowForAnyBlockLengthAndForgetsWhatIsNoNumber)
 {
-    for (const std::int32_t window : { 1, 7, 100 })
-        for (const std::int32_t length : { 1, 3, 64, 1000 })
+    for (const std::size_t window : { 1u, 7u, 100u })
+        for (const std::size_t length : { 1u, 3u, 64u, 1000u })
         {
             SlidingSum sum;
-            sum.Prepare(window);
-            std::vector<float> all;
-            for (std::int32_t done = 0; done < 2000; done += length)
+            sum.Prepare(static_cast<std::int32_t>(window));
+            std::vector<float> all(window, 0.0f);
+            for (std::size_t done = 0; done < 2000; done += length)
             {
-                std::vector<float> samples;
-                for (std::int32_t index = 0; index < length; ++index)
-                    samples.push_back(static_cast<float>((done + index) * 37 % 101));
-                sum.Slide(samples.data(), length);
-                all.insert(all.end(), samples.begin(), samples.end());
-                double expected = 0;
-                for (std::size_t back = 1;
-                     back <= std::min<std::size_t>(all.size(), static_cast<std::size_t>(window)); ++back)
-                    expected += all[all.size() - back];
-                ASSERT_NEAR(sum.Mean(), expected / window, 1e-9) << window << " " << length << " " << done;
+                for (std::size_t index = done; index < done + length; ++index)
+                    all.push_back(index == 500 ? std::nanf("") : static_cast<float>(index * 37 % 101));
+                sum.Slide(all.data() + all.size() - length, static_cast<std::int32_t>(length));
+                const double mean =
+                    std::accumulate(all.end() - static_cast<std::ptrdiff_t>(window), all.end(), 0.0) /
+                    static_cast<double>(window);
+                // It may take two windows: the sum is made anew once in each.
+                if (done + length < 500 || done > 500 + 2 * window)
+                {
+                    ASSERT_NEAR(sum.Mean(), mean, 1e-9) << window << " " << length << " " << done;
+                }
             }
         }
 }

@@ -83,8 +83,7 @@ std::vector<float> RoundTrip(MUpsampler& upsampler, const std::vector<float>& in
 }
 
 const std::vector<MUpsampler::Setup> highQualitySetups{
-    { 44100, 2, true }, { 48000, 2, true }, { 96000, 2, true }, { 192000, 2, true }, { 48000, 3, true },
-    { 44100, 4, true }, { 48000, 4, true }, { 96000, 3, true }, { 96000, 4, true },  { 8000, 4, true }
+    { 44100, 2, true }, { 192000, 2, true }, { 48000, 3, true }, { 50000, 4, true }, { 96000, 3, true }
 };
 
 std::string NameOf(const MUpsampler::Setup& setup)
@@ -93,46 +92,31 @@ std::string NameOf(const MUpsampler::Setup& setup)
 }
 }   // namespace
 
-TEST(Upsampler, HighQualityKeepsThePassBandAndNothingElseOnTheWayUp)
+TEST(Upsampler, HighQualityKeepsThePassBandAndNothingElseOnBothWays)
 {
     for (const MUpsampler::Setup& setup : highQualitySetups)
     {
         SCOPED_TRACE(NameOf(setup));
         MUpsampler upsampler;
         upsampler.Init(setup);
-        for (const double share : { 0.002, 0.1, 0.25, 0.4, 0.43, 0.45 })
+        const double unit = 1.0 / (setup.factor * frame);
+        for (const double share : { 0.002, 0.25, 0.43, 0.45 })
         {
             SCOPED_TRACE(share);
             const auto k = static_cast<std::int32_t>(share * frame);
             const std::vector<float> up = UpOfSine(upsampler, setup.factor, k);
-            const double unit = 1.0 / (setup.factor * frame);
             EXPECT_NEAR(LevelDb(up, k * unit), 0, 0.01);
             for (std::int32_t image = 1; image < setup.factor; ++image)
             {
                 EXPECT_LT(LevelDb(up, (image * frame - k) * unit), -90) << image;
                 EXPECT_LT(LevelDb(up, (image * frame + k) * unit), -90) << image;
             }
+            EXPECT_NEAR(LevelDb(DownOfSine(upsampler, setup.factor, k), static_cast<double>(k) / frame), 0,
+                        0.01);
         }
-    }
-}
-
-TEST(Upsampler, HighQualityLetsNothingAliasIntoThePassBandOnTheWayDown)
-{
-    for (const MUpsampler::Setup& setup : highQualitySetups)
-    {
-        SCOPED_TRACE(NameOf(setup));
-        MUpsampler upsampler;
-        upsampler.Init(setup);
-        for (const double share : { 0.01, 0.2, 0.45 })
-            EXPECT_NEAR(LevelDb(DownOfSine(upsampler, setup.factor, static_cast<std::int32_t>(share * frame)),
-                                std::floor(share * frame) / frame),
-                        0, 0.01)
-                << share;
         // From 0.55 of the host's rate on, whatever comes back lands at 0.45 or below.
-        for (const double share : { 0.55, 0.6, 0.8, 0.99, 1.3, 1.9 })
+        for (double share = 0.55; share <= setup.factor / 2.0; share += 0.22)
         {
-            if (share > setup.factor / 2.0)
-                continue;
             const auto k = static_cast<std::int32_t>(std::ceil(share * frame));
             EXPECT_LT(LevelDb(DownOfSine(upsampler, setup.factor, k), static_cast<double>(k) / frame), -90)
                 << share;
@@ -142,30 +126,21 @@ TEST(Upsampler, HighQualityLetsNothingAliasIntoThePassBandOnTheWayDown)
 
 TEST(Upsampler, HighQualityIsAsLateAsItSaysAndSymmetric)
 {
-    struct Case
+    for (const MUpsampler::Setup& setup : highQualitySetups)
     {
-        MUpsampler::Setup setup;
-        std::int32_t latency;
-    };
-    for (const Case& each :
-         { Case{ { 48000, 2, true }, 768 }, Case{ { 48000, 3, true }, 512 }, Case{ { 48000, 4, true }, 384 },
-           Case{ { 50000, 4, true }, 384 }, Case{ { 96000, 4, true }, 1536 },
-           Case{ { 192000, 2, true }, 3072 }, Case{ { 96000, 3, true }, 2048 } })
-    {
-        SCOPED_TRACE(NameOf(each.setup));
-        EXPECT_EQ(MUpsampler::LatencySamples(each.setup), each.latency);
+        SCOPED_TRACE(NameOf(setup));
+        const auto latency = MUpsampler::LatencySamples(setup);
+        EXPECT_EQ(latency, (setup.factor * setup.sampleRate > 200000 ? 4 : 1) * 1536 / setup.factor);
         MUpsampler upsampler;
-        upsampler.Init(each.setup);
+        upsampler.Init(setup);
         std::vector<float> impulse(16384, 0.0f);
         impulse[100] = 1;
         const std::vector<float> response = RoundTrip(upsampler, impulse, { 512 });
-        const auto peak = std::max_element(response.begin(), response.end()) - response.begin();
-        EXPECT_EQ(peak, 100 + each.latency);
+        const auto peak = std::max_element(response.begin(), response.end());
+        EXPECT_EQ(peak - response.begin(), 100 + latency);
         // The window isn't quite symmetric to its sine cardinal: half a sample of the higher rate off.
         for (std::ptrdiff_t distance = 1; distance < 100; ++distance)
-            EXPECT_NEAR(response[static_cast<std::size_t>(peak - distance)],
-                        response[static_cast<std::size_t>(peak + distance)], 2e-3)
-                << distance;
+            EXPECT_NEAR(*(peak - distance), *(peak + distance), 2e-3) << distance;
     }
     EXPECT_EQ(MUpsampler::LatencySamples({ 48000, 2, false }), 0);
     EXPECT_EQ(MUpsampler::LatencySamples({ 48000, 1, true }), 0);
@@ -173,7 +148,7 @@ TEST(Upsampler, HighQualityIsAsLateAsItSaysAndSymmetric)
 
 TEST(Upsampler, BlockLengthsDontChangeTheResult)
 {
-    const std::vector<float> input = Noise(9000, 3, 0.5f);
+    const std::vector<float> input = Noise(5000, 3, 0.5f);
     for (const bool highQuality : { true, false })
         for (const std::int32_t factor : { 2, 3, 4 })
             for (const double rate : { 44100.0, 96000.0 })
@@ -182,7 +157,7 @@ TEST(Upsampler, BlockLengthsDontChangeTheResult)
                 SCOPED_TRACE(NameOf(setup));
                 MUpsampler upsampler;
                 upsampler.Init(setup);
-                const std::vector<float> whole = RoundTrip(upsampler, input, { 9000 });
+                const std::vector<float> whole = RoundTrip(upsampler, input, { 5000 });
                 EXPECT_EQ(RoundTrip(upsampler, input, { 1 }), whole);
                 EXPECT_EQ(RoundTrip(upsampler, input, { 64, 1, 511, 7, 1024, 3 }), whole);
             }

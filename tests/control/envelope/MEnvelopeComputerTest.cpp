@@ -3,9 +3,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <numbers>
 #include <random>
-#include <set>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -58,133 +58,99 @@ double At(const MEnvelope& envelope, double x)
 }
 
 // One-sided difference quotients; the formulas are smooth, so their error is about the step.
-double SlopeAfter(const MEnvelope& envelope, double x, double step = 1e-6)
+constexpr double Step = 1e-6;
+
+double SlopeAfter(const MEnvelope& envelope, double x)
 {
-    return (At(envelope, x + step) - At(envelope, x)) / step;
+    return (At(envelope, x + Step) - At(envelope, x)) / Step;
 }
 
-double SlopeBefore(const MEnvelope& envelope, double x, double step = 1e-6)
+double SlopeBefore(const MEnvelope& envelope, double x)
 {
-    return (At(envelope, x - step) - At(envelope, x - 2.0 * step)) / step;
+    return (At(envelope, x - Step) - At(envelope, x - 2.0 * Step)) / Step;
 }
 
-constexpr double MeanSlope = (Y1 - Y0) / (X1 - X0);
+// The fourth-order shape: between a line and u^4, or that turned by half a turn.
+double BentLine(double u, double c)
+{
+    return c >= 0.0 ? std::lerp(u, std::pow(u, 4.0), c) : std::lerp(u, 1.0 - std::pow(1.0 - u, 4.0), -c);
+}
 
-TEST(MEnvelopeComputer, MeetsBothEndsWithEveryContinuousSegment)
+// De Casteljau: the curve as lines between lines; t is sought until x fits.
+double BezierAt(double x, double controlX, double controlY)
+{
+    const auto along = [](double control, double t)
+    {
+        return std::lerp(std::lerp(0.0, control, t), std::lerp(control, 1.0, t), t);
+    };
+    double low = 0.0;
+    double high = 1.0;
+    for (int turn = 0; turn < 60; ++turn)
+        (along(controlX, 0.5 * (low + high)) < x ? low : high) = 0.5 * (low + high);
+    return along(controlY, low);
+}
+
+// The shapes by their definitions, from 0 to 1.
+double Shape(MEnvelopeSegment type, double c, double cx, double u)
 {
     using enum MEnvelopeSegment;
-    for (const MEnvelopeSegment type :
-         { Quadratic, FourthOrder, Exponential, Bezier, Double, SmoothBySlopes, SmoothByNeighbours })
-        for (const double curvature : { -1.0, -0.4, 0.0, 0.3, 1.0 })
-        {
-            SCOPED_TRACE(testing::Message()
-                         << "type " << static_cast<int>(type) << " curvature " << curvature);
-            const MEnvelope envelope = Segment(type, curvature, 0.5 * curvature);
-            EXPECT_NEAR(At(envelope, X0), Y0, 1e-12);
-            // The steepest shape falls by half within a few 1e-5 before its end.
-            const double nearEnd = At(envelope, X1 - 1e-13);
-            EXPECT_NEAR(nearEnd, Y1, type == Exponential ? 2.0 : 1e-5);
-            EXPECT_EQ(At(envelope, X1), Y1);
-            EXPECT_EQ(At(envelope, -100.0), Y0);
-            EXPECT_EQ(At(envelope, 1e9), Y1);
-            EXPECT_EQ(At(envelope, std::numeric_limits<double>::infinity()), Y1);
-        }
-}
-
-TEST(MEnvelopeComputer, IsStraightWithoutCurvature)
-{
-    using enum MEnvelopeSegment;
-    for (const MEnvelopeSegment type : { Quadratic, FourthOrder, Exponential, Bezier, Double })
-        for (const double x : { 1.0, 1.7, 3.0, 4.9 })
-            EXPECT_NEAR(At(Segment(type, 0.0), x), Y0 + MeanSlope * (x - X0), 1e-12)
-                << static_cast<int>(type);
-}
-
-TEST(MEnvelopeComputer, IsFlatBetweenEqualHeights)
-{
-    for (int type = 0; type < 12; ++type)
+    const double count = std::max(1.0, std::round(64.0 * c * c));
+    const double period = u * count - std::floor(u * count);
+    const double sides = u * (2.0 * count - 1.0);
+    const double along = sides - std::floor(sides);
+    const bool isFalling = static_cast<int>(sides) % 2 == 1;
+    const auto turned = [c](double value)
     {
-        const auto segment = static_cast<MEnvelopeSegment>(type);
-        const MEnvelope envelope =
-            Curve({ PointAt(0.0, 0.7, segment, 0.9, 0.4), PointAt(1.0, 0.7, segment) });
-        for (const double x : { 0.0, 0.123, 0.5, 0.99 })
-            EXPECT_NEAR(At(envelope, x), 0.7, 1e-15) << type;
+        return c < 0.0 ? 1.0 - value : value;
+    };
+    switch (type)
+    {
+    case Quadratic:
+        return (1.0 - c) * u + c * u * u;
+    case MEnvelopeSegment::FourthOrder:
+        return BentLine(u, c);
+    case Exponential:   // u^e + (1 - y)^e = 1
+        return 1.0 - std::pow(1.0 - std::pow(u, std::exp(3.0 * c)), std::exp(-3.0 * c));
+    case MEnvelopeSegment::Bezier:
+        return BezierAt(u, 0.5 * (cx + 1.0), 0.5 * (c + 1.0));
+    case Double:
+        return u < 0.5 ? 0.5 * BentLine(2.0 * u, c) : 0.5 + 0.5 * BentLine(2.0 * u - 1.0, -c);
+    case Stairs:
+        return std::floor(u * count) / count;
+    case Pulses:
+        return (period < 0.5) == (c > 0.0) ? 1.0 : 0.0;
+    case Saw:
+        return turned(period);
+    case Triangles:
+        return turned(isFalling ? 1.0 - along : along);
+    case Sines:
+        return turned(0.5 - 0.5 * std::cos(std::numbers::pi * (isFalling ? along + 1.0 : along)));
+    default:   // alone, a smooth segment leaves and arrives level
+        return u * u * (3.0 - 2.0 * u);
     }
 }
 
-TEST(MEnvelopeComputer, StartsAndEndsWithTheSlopesOfItsShapes)
+TEST(MEnvelopeComputer, DrawsEverySegmentByItsDefinition)
 {
-    constexpr double Tolerance = 1e-3;   // of the difference quotient
-    for (const double c : { -0.8, -0.3, 0.5, 1.0 })
-    {
-        SCOPED_TRACE(c);
-        // The parabola: 1 - c times the mean slope at the start, 1 + c times at the end.
-        EXPECT_NEAR(SlopeAfter(Segment(MEnvelopeSegment::Quadratic, c), X0), (1.0 - c) * MeanSlope,
-                    Tolerance);
-        EXPECT_NEAR(SlopeBefore(Segment(MEnvelopeSegment::Quadratic, c), X1), (1.0 + c) * MeanSlope,
-                    Tolerance);
-        // The fourth order, from the derivative of f at u = 0 and 1, with k = -c.
-        const double k = -c;
-        const double atStart = k >= 0.0 ? 3.0 * k + 1.0 : k + 1.0;
-        const double atEnd = k >= 0.0 ? 1.0 - k : 1.0 - 3.0 * k;
-        EXPECT_NEAR(SlopeAfter(Segment(MEnvelopeSegment::FourthOrder, c), X0), atStart * MeanSlope,
-                    Tolerance);
-        EXPECT_NEAR(SlopeBefore(Segment(MEnvelopeSegment::FourthOrder, c), X1), atEnd * MeanSlope, Tolerance);
-    }
-}
-
-TEST(MEnvelopeComputer, DrawsTheSuperellipse)
-{
-    for (const double c : { -0.5, -0.2, 0.4, 1.0 })
-    {
-        const double e = std::exp(3.0 * c);
-        for (const double u : { 0.1, 0.37, 0.5, 0.8 })
-        {
-            const double y =
-                (At(Segment(MEnvelopeSegment::Exponential, c), X0 + u * (X1 - X0)) - Y0) / (Y1 - Y0);
-            // Its equation in the unit square.
-            EXPECT_NEAR(std::pow(u, e) + std::pow(1.0 - y, e), 1.0, 1e-9) << c << " " << u;
-        }
-    }
-}
-
-TEST(MEnvelopeComputer, FollowsTheBezierCurve)
-{
-    for (const double cx : { -1.0, -0.5, 0.0, 1e-12, 0.7, 1.0 })
-        for (const double c : { -1.0, -0.2, 0.3, 1.0 })
-        {
-            const MEnvelope envelope = Segment(MEnvelopeSegment::Bezier, c, cx);
-            const double controlX = X0 + (X1 - X0) * (cx + 1.0) / 2.0;
-            const double controlY = Y0 + (Y1 - Y0) * (c + 1.0) / 2.0;
-            for (double t = 0.05; t < 1.0; t += 0.05)
+    for (int type = 0; type < MEnvelopeSegmentCount; ++type)
+        for (const double c : { -1.0, -0.8, -0.3, 0.0, 0.15, 0.4, 1.0 })
+            for (const double cx : { -1.0, 0.0, 1e-12, 0.7 })
             {
-                // De Casteljau: the curve as lines between lines.
-                const double x = std::lerp(std::lerp(X0, controlX, t), std::lerp(controlX, X1, t), t);
-                const double y = std::lerp(std::lerp(Y0, controlY, t), std::lerp(controlY, Y1, t), t);
-                EXPECT_NEAR(At(envelope, x), y, 1e-9) << cx << " " << c << " " << t;
+                SCOPED_TRACE(testing::Message() << "type " << type << " curvature " << c << " " << cx);
+                const auto segment = static_cast<MEnvelopeSegment>(type);
+                const MEnvelope envelope = Segment(segment, c, cx);
+                MEnvelopeComputer computer(envelope);
+                EXPECT_EQ(computer.Value(-100.0), Y0);
+                for (double u = 0.0003; u < 1.0; u += 0.0127)
+                    ASSERT_NEAR(computer.Value(X0 + u * (X1 - X0)), Y0 + Shape(segment, c, cx, u) * (Y1 - Y0),
+                                1e-8)
+                        << u;
+                for (const double x : { X1, 1e9, std::numeric_limits<double>::infinity() })
+                    EXPECT_EQ(computer.Value(x), Y1);
+                const MEnvelope flat =
+                    Curve({ PointAt(0.0, 0.7, segment, c, cx), PointAt(1.0, 0.7, segment) });
+                EXPECT_NEAR(At(flat, 0.123), 0.7, 1e-15);
             }
-        }
-}
-
-TEST(MEnvelopeComputer, BendsTheDoubleShapeAgainstItselfInTheMiddle)
-{
-    const double middleX = 0.5 * (X0 + X1);
-    const double middleY = 0.5 * (Y0 + Y1);
-    for (const double c : { -0.7, 0.4, 1.0 })
-    {
-        const MEnvelope envelope = Segment(MEnvelopeSegment::Double, c);
-        EXPECT_NEAR(At(envelope, middleX), middleY, 1e-12);
-        EXPECT_NEAR(SlopeBefore(envelope, middleX), SlopeAfter(envelope, middleX), 1e-3);
-        // The second half is the first one turned by half a turn.
-        for (const double distance : { 0.3, 1.0, 1.9 })
-            EXPECT_NEAR(At(envelope, middleX + distance) + At(envelope, middleX - distance), 2.0 * middleY,
-                        1e-12);
-        // The first half is the fourth-order shape of the same curvature.
-        const MEnvelope half = Curve({ PointAt(X0, Y0, MEnvelopeSegment::FourthOrder, c),
-                                       PointAt(middleX, middleY, MEnvelopeSegment::Quadratic) });
-        for (const double x : { 1.2, 2.0, 2.9 })
-            EXPECT_NEAR(At(envelope, x), At(half, x), 1e-12);
-    }
 }
 
 TEST(MEnvelopeComputer, ConnectsSmoothSegments)
@@ -213,61 +179,86 @@ TEST(MEnvelopeComputer, ConnectsSmoothSegments)
     EXPECT_NEAR(SlopeBefore(byNeighbours, 4.0), 0.0, 1e-4);
 }
 
-std::vector<double> Sampled(const MEnvelope& envelope, int count)
+TEST(MEnvelopeComputer, RoundsCornersOfAllSegmentsWithoutAKink)
 {
-    MEnvelopeComputer computer(envelope);
-    std::vector<double> values;
-    for (int index = 0; index < count; ++index)
-        values.push_back(computer.Value(X0 + (X1 - X0) * (index + 0.5) / count));
-    return values;
+    for (int type = 0; type < MEnvelopeSegmentCount; ++type)
+        for (const double c : { -0.7, 0.0, 0.2, 0.6 })
+            for (const std::int32_t smoothingType :
+                 { MEnvelopePoint::BezierWherePossible, MEnvelopePoint::AlwaysCubic })
+            {
+                SCOPED_TRACE(testing::Message()
+                             << "type " << type << " curvature " << c << " by " << smoothingType);
+                const auto segment = static_cast<MEnvelopeSegment>(type);
+                MEnvelope envelope = Curve({ PointAt(0.0, 0.0, segment, c, c),
+                                             PointAt(2.0, 4.0, segment, c, -c), PointAt(3.0, 1.0, segment) });
+                envelope.Edit(
+                    [&](MArray<MEnvelopePoint>& points)
+                    {
+                        points[1].smoothLeft = 0.5;
+                        points[1].smoothingType = smoothingType;
+                    });
+                // The nearer neighbour decides: half its distance, and half of that.
+                for (const double x : { 1.75, 2.25 })
+                {
+                    EXPECT_NEAR(At(envelope, x - 1e-12), At(envelope, x + 1e-12), 1e-9) << x;
+                    const double slope = SlopeAfter(envelope, x);
+                    EXPECT_NEAR(SlopeBefore(envelope, x), slope, 1e-3 * std::max(1.0, std::fabs(slope))) << x;
+                }
+            }
 }
 
-TEST(MEnvelopeComputer, RepeatsItsPeriodicShapes)
+TEST(MEnvelopeComputer, ReachesAsFarAsCornersSay)
 {
     using enum MEnvelopeSegment;
-    const double c = std::sqrt(5.0 / 64.0);   // five of them
-    constexpr int SampleCount = 9000;   // a multiple of 5, 9 and 10
-    const auto levels = [](const std::vector<double>& values)
+    for (const std::int32_t smoothingType :
+         { MEnvelopePoint::BezierWherePossible, MEnvelopePoint::AlwaysCubic })
+        for (const bool isProportional : { false, true })
+            for (const bool locksSides : { false, true })
+            {
+                SCOPED_TRACE(testing::Message() << smoothingType << isProportional << locksSides);
+                MEnvelope envelope = Curve({ PointAt(0.0, 0.0, Quadratic), PointAt(2.0, 4.0, Quadratic),
+                                             PointAt(3.0, 1.0, Quadratic) });
+                const MEnvelope sharp = envelope;
+                envelope.Edit(
+                    [&](MArray<MEnvelopePoint>& points)
+                    {
+                        points[1].smoothingType = smoothingType;
+                        points[1].smoothLeft = 0.5;
+                        points[1].smoothRight = 0.8;
+                        points[1].flags =
+                            static_cast<std::uint8_t>((isProportional ? MEnvelopePoint::Proportional : 0) |
+                                                      (locksSides ? MEnvelopePoint::LockSides : 0));
+                    });
+                // Half the way to the neighbour, or to the nearer one, times the share.
+                const double left = 2.0 - 0.5 * (isProportional ? 0.5 : 1.0);
+                const double right = 2.0 + (locksSides ? 0.5 : 0.8) * 0.5;
+                for (const double x : { 0.1, left - 1e-9, right + 1e-9, 2.9 })
+                    EXPECT_EQ(At(envelope, x), At(sharp, x)) << x;
+                const double yLeft = At(sharp, left);
+                const double yRight = At(sharp, right);
+                const double width = right - left;
+                for (const double u : { 0.1, 0.5, 0.8 })
+                {
+                    // The tangents of straight neighbours meet in the corner; or the cubic with both slopes,
+                    // by Hermite.
+                    double expected =
+                        yLeft + BezierAt(u, (2.0 - left) / width, (4.0 - yLeft) / (yRight - yLeft)) *
+                                    (yRight - yLeft);
+                    if (smoothingType == MEnvelopePoint::AlwaysCubic)
+                        expected = std::lerp(yLeft, yRight, u * u * (3.0 - 2.0 * u)) +
+                                   width * u * (1.0 - u) * (2.0 * (1.0 - u) + 3.0 * u);
+                    EXPECT_NEAR(At(envelope, left + u * width), expected, 1e-9) << u;
+                }
+            }
+    // At the ends the reach is mirrored.
+    MEnvelope envelope = Curve({ PointAt(0.0, 0.0, Quadratic), PointAt(2.0, 4.0, Quadratic) });
+    envelope.Edit([](MArray<MEnvelopePoint>& points) { points[0].smoothLeft = points[1].smoothLeft = 0.5; });
+    for (const double x : { -0.51, 0.51, 1.49, 2.51 })
+        EXPECT_NEAR(At(envelope, x), 2.0 * std::clamp(x, 0.0, 2.0), 1e-12) << x;
+    for (const double x : { -0.4, 0.4 })
     {
-        return std::set<double>(values.begin(), values.end()).size();
-    };
-
-    const std::vector<double> stairs = Sampled(Segment(Stairs, c), SampleCount);
-    EXPECT_EQ(levels(stairs), 5u);
-    EXPECT_EQ(stairs.front(), Y0);
-    EXPECT_NEAR(stairs.back(), Y0 + 0.8 * (Y1 - Y0), 1e-12);
-    EXPECT_EQ(levels(Sampled(Segment(Stairs, 0.15), 100)), 1u);   // fewer than two: one flat step
-
-    const std::vector<double> pulses = Sampled(Segment(Pulses, c), SampleCount);
-    const std::vector<double> opposite = Sampled(Segment(Pulses, -c), SampleCount);
-    for (int index = 0; index < SampleCount; ++index)
-    {
-        const bool isFirstHalf = (index / (SampleCount / 10)) % 2 == 0;
-        ASSERT_EQ(pulses[static_cast<std::size_t>(index)], isFirstHalf ? Y1 : Y0) << index;
-        ASSERT_EQ(opposite[static_cast<std::size_t>(index)], isFirstHalf ? Y0 : Y1) << index;
-    }
-
-    for (const double sign : { -1.0, 1.0 })
-    {
-        const double a = sign > 0.0 ? Y0 : Y1;
-        const double b = sign > 0.0 ? Y1 : Y0;
-        const std::vector<double> saw = Sampled(Segment(Saw, sign * c), SampleCount);
-        const std::vector<double> triangles = Sampled(Segment(Triangles, sign * c), SampleCount);
-        const std::vector<double> sines = Sampled(Segment(Sines, sign * c), SampleCount);
-        for (int index = 0; index < SampleCount; ++index)
-        {
-            const auto place = static_cast<std::size_t>(index);
-            const double tooth = std::fmod(index + 0.5, SampleCount / 5) / (SampleCount / 5);
-            ASSERT_NEAR(saw[place], a + tooth * (b - a), 1e-9) << index;
-            // Nine sides: up, down, ... , up.
-            const int side = index / (SampleCount / 9);
-            const double along = std::fmod(index + 0.5, SampleCount / 9) / (SampleCount / 9);
-            const double rise = side % 2 == 0 ? along : 1.0 - along;
-            ASSERT_NEAR(triangles[place], a + rise * (b - a), 1e-9) << index;
-            const double wave =
-                0.5 - 0.5 * std::cos(std::numbers::pi * (side % 2 == 0 ? along : along + 1.0));
-            ASSERT_NEAR(sines[place], a + wave * (b - a), 1e-9) << index;
-        }
+        EXPECT_GT(At(envelope, x), 2.0 * std::max(x, 0.0)) << x;
+        EXPECT_NEAR(At(envelope, x) + At(envelope, 2.0 - x), 4.0, 1e-12) << "one end is the other, turned";
     }
 }
 
@@ -318,54 +309,6 @@ TEST(MEnvelopeComputer, WalksForwardUntilItIsRewound)
     EXPECT_DOUBLE_EQ(computer.Value(5.0), -1.0);
     computer.Rewind(-3.0);
     EXPECT_DOUBLE_EQ(computer.Value(-3.0), 0.0);
-}
-
-TEST(MEnvelopeComputer, RoundsCornersWithoutAKink)
-{
-    using enum MEnvelopeSegment;
-    for (const std::int32_t smoothingType :
-         { MEnvelopePoint::BezierWherePossible, MEnvelopePoint::AlwaysCubic })
-        for (const bool isProportional : { false, true })
-            for (const bool locksSides : { false, true })
-            {
-                MEnvelope envelope =
-                    Curve({ PointAt(0.0, 0.0, Quadratic), PointAt(2.0, 4.0, FourthOrder, 0.5),
-                            PointAt(3.0, 1.0, Quadratic) });
-                const MEnvelope sharp = envelope;
-                MEnvelopePoint corner = envelope.Points()[1];
-                corner.smoothingType = smoothingType;
-                corner.smoothLeft = 0.5;
-                corner.smoothRight = 0.8;
-                corner.flags = static_cast<std::uint8_t>((isProportional ? MEnvelopePoint::Proportional : 0) |
-                                                         (locksSides ? MEnvelopePoint::LockSides : 0));
-                envelope.Edit([&corner](MArray<MEnvelopePoint>& points) { points[1] = corner; });
-                // Half the way to the neighbour, or to the nearer one, times the share.
-                const double left = 2.0 - 0.5 * (isProportional ? 0.5 : 1.0);
-                const double right = 2.0 + (locksSides ? 0.5 : 0.8) * 0.5;
-                SCOPED_TRACE(testing::Message() << smoothingType << isProportional << locksSides);
-                for (const double x : { 0.1, left - 1e-9, right + 1e-9, 2.9 })
-                    EXPECT_EQ(At(envelope, x), At(sharp, x)) << x;
-                EXPECT_LT(At(envelope, 2.0), 3.9);
-                constexpr double Step = 1e-6;
-                for (const double x : { left, right })
-                {
-                    EXPECT_NEAR(At(envelope, x - 1e-12), At(envelope, x + 1e-12), 1e-9);
-                    EXPECT_NEAR(SlopeBefore(envelope, x, Step), SlopeAfter(envelope, x, Step), 1e-3);
-                }
-            }
-}
-
-TEST(MEnvelopeComputer, RoundsTheOuterCornersByMirroredReach)
-{
-    MEnvelope envelope = Curve(
-        { PointAt(0.0, 0.0, MEnvelopeSegment::Quadratic), PointAt(2.0, 4.0, MEnvelopeSegment::Quadratic) });
-    envelope.Edit([](MArray<MEnvelopePoint>& points) { points[0].smoothLeft = points[1].smoothLeft = 0.5; });
-    EXPECT_EQ(At(envelope, -0.51), 0.0);
-    EXPECT_GT(At(envelope, -0.4), 0.0);
-    EXPECT_GT(At(envelope, 0.4), 0.8);   // above the straight line
-    EXPECT_NEAR(At(envelope, 0.51), 1.02, 1e-12);
-    EXPECT_LT(At(envelope, 2.4), 4.0);
-    EXPECT_EQ(At(envelope, 2.51), 4.0);
 }
 
 TEST(MEnvelopeComputer, KnowsFromWhereItIsSilent)

@@ -24,17 +24,18 @@ TEST(MEnvelope, BearsAStampThatTellsCurvesApart)
     EXPECT_NE(envelope.ChangeStamp(), other.ChangeStamp());
     const MEnvelope copy = envelope;
     EXPECT_EQ(copy.ChangeStamp(), envelope.ChangeStamp());
-    for (void (*change)(MEnvelope&) :
-         { +[](MEnvelope& e) { e.Edit([](MArray<MEnvelopePoint>& points) { points[0].y = 0.5; }); },
-           +[](MEnvelope& e) { e.SetLimits(0, 2, 0, 2); }, +[](MEnvelope& e) { e.Reset(1, 1); },
-           +[](MEnvelope& e)
-           {
-               e.Normalize();
-           } })
+    std::uint64_t before = envelope.ChangeStamp();
+    for (int change = 0; change < 4; ++change, before = envelope.ChangeStamp())
     {
-        const std::uint64_t before = envelope.ChangeStamp();
-        change(envelope);
-        EXPECT_NE(envelope.ChangeStamp(), before);
+        if (change == 0)
+            envelope.Edit([](MArray<MEnvelopePoint>& points) { points[0].y = 0.5; });
+        else if (change == 1)
+            envelope.SetLimits(0, 2, 0, 2);
+        else if (change == 2)
+            envelope.Reset(1, 1);
+        else
+            envelope.Normalize();
+        EXPECT_NE(envelope.ChangeStamp(), before) << change;
     }
     EXPECT_ANY_THROW(envelope.Edit([](MArray<MEnvelopePoint>& points) { points[9].y = 1; }));
     EXPECT_NE(envelope.ChangeStamp(), copy.ChangeStamp());
