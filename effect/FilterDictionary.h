@@ -53,14 +53,14 @@ struct FilterCandidate
     /// Shifts run from -maxShift up to and without this one.
     static constexpr std::int32_t ShiftEnd = 512;
 
-    std::int32_t type = 0;   ///< FilterType
-    double q = 0;
-    bool hasGain = false;
-    std::int32_t maxShift = 0;   ///< how far the shape may move towards high frequencies, in points
-    std::int32_t judgedCount = FitGrid::Count;   ///< the points, from the first one on, that errors see
+    std::int32_t type;   ///< FilterType
+    double q;
+    bool hasGain;
+    std::int32_t maxShift;   ///< how far the shape may move towards high frequencies, in points
+    std::int32_t judgedCount;   ///< the points, from the first one on, that errors see
     double absoluteSum = 0;   ///< sum of |shape|
-    double norm = 0;   ///< root of the sum of squares of shape
-    float highest = 0;   ///< largest value of shape
+    double norm;   ///< root of the sum of squares of shape
+    float highest;   ///< largest value of shape
     double energyLimit = 0;   ///< no |energy| is above it
     /// dB at the grid points: gain -24 dB for a type with gain, otherwise the response of two sections.
     std::array<float, FitGrid::Count> shape;
