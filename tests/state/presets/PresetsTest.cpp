@@ -9,8 +9,6 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include "foundation/module/MModule.h"
 #include "foundation/streams/MFile.h"
@@ -519,25 +517,11 @@ TEST_F(Presets, DamagedFilesAreRefusedAndStayAsTheyAre)
 
 TEST_F(Presets, ADamagedPresetLeavesTheObjectAsItWas)
 {
-    // A compressed document that stands for 200 MB of blanks: refused at the reader's limit.
-    MMemoryStream bomb;
-    {
-        MZLibStream stream(&bomb, MZLibStream::Direction::Compress);
-        const std::string blanks(1 << 20, ' ');
-        stream.Write("<a>", 3);
-        for (int part = 0; part < 200; ++part)
-            stream.Write(blanks.data(), 1 << 20);
-        stream.Finish();
-    }
-    MAttribute bombPreset;
-    bombPreset.SetBinary(bomb, false);
     knob.number = 77;
-    for (const std::string& text :
-         { std::string(), std::string("123"), std::string("XY"), std::string("78DA00"), std::string("3C613E"),
-           bombPreset.Text().ToUTF8() })
+    for (const std::string text : { "", "123", "XY", "78DA00", "3C613E" })
     {
         PutFile("<presets><preset name='A' compressed='1'>" + text + "</preset></presets>");
-        EXPECT_THROW(manager.StepPreset(0), MException) << text.substr(0, 60);
+        EXPECT_THROW(manager.StepPreset(0), MException) << text;
         EXPECT_EQ(knob.number, 77);
         EXPECT_EQ(knob.loadCount, 0);
     }
@@ -565,48 +549,6 @@ TEST_F(Presets, NothingIsSavedThatCouldNotBeReadAgain)
         item = &item->AddSubItem("Directory");
     manager.SavePresets(edge);
     EXPECT_EQ(List(), "");
-}
-
-// Two processes add presets at once. Each file that is met meanwhile is whole; at the end the last change
-// of at least one of them is there.
-TEST_F(Presets, TwoProcessesNeverBreakTheFile)
-{
-    MAttribute root;
-    manager.LoadPresets(root);
-    Add(root, "first", 1);
-    std::vector<pid_t> children;
-    for (const char* presetName : { "P", "Q" })
-    {
-        const pid_t child = fork();
-        ASSERT_GE(child, 0);
-        if (child == 0)
-        {
-            try
-            {
-                for (int round = 0; round < 40; ++round)
-                    manager.AddPreset(root, presetName + MString::FromInt(round));
-            }
-            catch (...)
-            {
-                _exit(1);
-            }
-            _exit(0);
-        }
-        children.push_back(child);
-    }
-    std::size_t running = 2;
-    while (running > 0)
-    {
-        int status = 0;
-        while (running > 0 && waitpid(-1, &status, WNOHANG) > 0)
-        {
-            EXPECT_EQ(status, 0);
-            --running;
-        }
-        ASSERT_EQ(List().substr(0, 5), "first");
-    }
-    const std::string list = List();
-    EXPECT_TRUE(list.find("P39") != std::string::npos || list.find("Q39") != std::string::npos) << list;
 }
 
 TEST_F(Presets, StatesTravelInFilesAndFailWithTheirNames)
