@@ -344,7 +344,8 @@ TEST_F(Match, EqualAnalysesAreLeftAloneAndDamagedOnesRefused)
     fresh.SetAnalysis(target, false);
     EXPECT_EQ(fresh.Equalize(false).result, Result::Done);
     fresh.SetAnalysis({}, false);
-    fresh.Equalize(false);
+    const TonalignAudioEffectPlugin::Equalization silent = fresh.Equalize(false);
+    EXPECT_EQ(*std::max_element(silent.curves.target.begin(), silent.curves.target.end()), -200.0f);
     for (const float level : fresh.BandResponse())
         ASSERT_TRUE(std::isfinite(level));
 }
