@@ -221,47 +221,16 @@ TEST_F(Formats, SurviveEveryTruncationAndRandomBytesAsState)
     EXPECT_EQ(vst2.State(), state);
 }
 
-// Reads a preset file as the dialog of a host does, by the records that the formats publish.
-class PresetFile
-{
-public:
-    explicit PresetFile(const std::string& path)
-    {
-        std::ifstream file(path, std::ios::binary);
-        bytes.assign(std::istreambuf_iterator<char>(file), {});
-    }
-    std::string Text(std::size_t place, std::size_t size) const
-    {
-        return { bytes.begin() + static_cast<std::ptrdiff_t>(place),
-                 bytes.begin() + static_cast<std::ptrdiff_t>(place + size) };
-    }
-    std::size_t Little(std::size_t place, std::size_t size) const
-    {
-        std::size_t value = 0;
-        for (std::size_t index = size; index-- > 0;)
-            value = value << 8 | bytes.at(place + index);
-        return value;
-    }
-    std::size_t Big(std::size_t place) const
-    {
-        std::size_t value = 0;
-        for (std::size_t index = 0; index < 4; ++index)
-            value = value << 8 | bytes.at(place + index);
-        return value;
-    }
-    Bytes Part(std::size_t place, std::size_t size) const
-    {
-        const std::string part = Text(place, size);
-        return { part.begin(), part.end() };
-    }
-
-    Bytes bytes;
-};
-
+// A preset file is read as the dialog of a host does, by the records that the formats publish.
 TEST_F(Formats, OpenTheMatchThatTheProgramSavesAsAPreset)
 {
     const std::string folder = std::getenv("TONALIGN_TEST_FOLDER");
     const std::string examples = KeptFile("../../examples/");
+    const auto fileOf = [&](const std::string& name)
+    {
+        std::ifstream file(folder + "/" + name, std::ios::binary);
+        return std::string{ std::istreambuf_iterator<char>(file), {} };
+    };
     for (const char* ending : { "vstpreset", "fxp" })
     {
         const std::string command = "'" + LoadedModule::BuildFolder() + "/tonalign' equalize '" + examples +
@@ -270,63 +239,72 @@ TEST_F(Formats, OpenTheMatchThatTheProgramSavesAsAPreset)
                                     "/match.state' --save-preset '" + folder + "/A match." + ending + "'";
         ASSERT_EQ(std::system(command.c_str()), 0);
     }
-    const Bytes state = PresetFile(folder + "/match.state").bytes;
+    const std::string state = fileOf("match.state");
     ASSERT_FALSE(state.empty());
 
-    const PresetFile forVst3(folder + "/A match.vstpreset");
-    EXPECT_EQ(forVst3.Text(0, 4), "VST3");
-    EXPECT_EQ(forVst3.Little(4, 4), 1u);
+    // VST 3: "VST3", version, class, place of the list; the list names the parts, which stand side by side.
+    const std::string forVst3 = fileOf("A match.vstpreset");
+    const auto little = [&](std::size_t place)
+    {
+        std::uint32_t value = 0;
+        std::memcpy(&value, forVst3.data() + place, sizeof value);
+        return std::size_t{ value };
+    };
+    EXPECT_EQ(forVst3.substr(0, 4), "VST3");
+    EXPECT_EQ(little(4), 1u);
     auto* factory = vst3Module.Find<Steinberg::IPluginFactory* (*)()>("GetPluginFactory")();
     Steinberg::PClassInfo info;
     factory->getClassInfo(0, &info);
     factory->release();
-    char id[33] = {};
-    for (int index = 0; index < 16; ++index)
-        std::snprintf(id + 2 * index, 3, "%02X", static_cast<unsigned char>(info.cid[index]));
-    EXPECT_EQ(forVst3.Text(8, 32), id);
-    const std::size_t list = forVst3.Little(40, 8);
-    EXPECT_EQ(forVst3.Text(list, 4), "List");
-    const Vst3Instance vst3(vst3Module);
+    EXPECT_EQ(forVst3.substr(8, 32), HexadecimalOf(info.cid));
+    const std::size_t list = little(40);
+    EXPECT_EQ(forVst3.substr(list, 4), "List");
+    std::string parts;
     std::size_t end = 48;
-    for (std::size_t part = 0; part < forVst3.Little(list + 4, 4); ++part)
+    for (std::size_t part = 0; part < little(list + 4); ++part)
     {
         const std::size_t entry = list + 8 + 20 * part;
-        const std::size_t place = forVst3.Little(entry + 4, 8), size = forVst3.Little(entry + 12, 8);
-        EXPECT_EQ(place, end) << "parts stand side by side";
-        end = place + size;
-        if (forVst3.Text(entry, 4) == "Comp")
+        EXPECT_EQ(little(entry + 4), end);
+        const std::string content = forVst3.substr(end, little(entry + 12));
+        end += content.size();
+        parts += forVst3.substr(entry, 4);
+        if (parts == "Comp")
         {
-            StateStream stream;
-            stream.bytes = forVst3.Part(place, size);
-            EXPECT_EQ(vst3.component->setState(&stream), Steinberg::kResultOk);
-            stream.position = 0;
-            EXPECT_EQ(vst3.controller->setComponentState(&stream), Steinberg::kResultOk);
+            const Vst3Instance vst3(vst3Module);
+            EXPECT_EQ(vst3.SetState({ content.begin(), content.end() }), Steinberg::kResultOk);
+            EXPECT_EQ(vst3.State(), Bytes(state.begin(), state.end()));
         }
         else
         {
-            EXPECT_EQ(forVst3.Text(entry, 4), "Info");
-            EXPECT_NE(forVst3.Text(place, size).find("value=\"A match\""), std::string::npos);
+            EXPECT_NE(content.find("value=\"A match\""), std::string::npos);
         }
     }
+    EXPECT_EQ(parts, "CompInfo");
     EXPECT_EQ(end, list);
-    EXPECT_EQ(vst3.State(), state);
 
-    const PresetFile forVst2(folder + "/A match.fxp");
+    // VST 2: big-endian words, a name of 28 characters, the chunk.
+    const std::string forVst2 = fileOf("A match.fxp");
+    const auto big = [&](std::size_t place)
+    {
+        std::uint32_t value = 0;
+        for (std::size_t index = 0; index < 4; ++index)
+            value = value << 8 | static_cast<unsigned char>(forVst2.at(place + index));
+        return std::size_t{ value };
+    };
     const Vst2Instance vst2(vst2Module);
-    EXPECT_EQ(forVst2.Text(0, 4), "CcnK");
-    EXPECT_EQ(forVst2.Big(4), forVst2.bytes.size() - 8);
-    EXPECT_EQ(forVst2.Text(8, 4), "FPCh");
-    EXPECT_EQ(forVst2.Big(12), 1u);
-    EXPECT_EQ(forVst2.Big(16), static_cast<std::size_t>(vst2.effect->uniqueID));
-    EXPECT_EQ(forVst2.Big(20), static_cast<std::size_t>(vst2.effect->version));
-    EXPECT_EQ(forVst2.Big(24), static_cast<std::size_t>(vst2.effect->numParams));
-    EXPECT_STREQ(forVst2.Text(28, 28).c_str(), "A match");
-    Bytes chunk = forVst2.Part(60, forVst2.Big(56));
-    EXPECT_EQ(60 + chunk.size(), forVst2.bytes.size());
-    EXPECT_EQ(
-        vst2.Send(Vst2::EffectOpcode::SetChunk, 1, static_cast<std::intptr_t>(chunk.size()), chunk.data()),
-        1);
-    EXPECT_EQ(vst2.State(), state);
+    EXPECT_EQ(forVst2.substr(0, 4) + forVst2.substr(8, 4), "CcnKFPCh");
+    const std::size_t wanted[] = { forVst2.size() - 8,
+                                   1,
+                                   static_cast<std::size_t>(vst2.effect->uniqueID),
+                                   static_cast<std::size_t>(vst2.effect->version),
+                                   static_cast<std::size_t>(vst2.effect->numParams),
+                                   forVst2.size() - 60 };
+    const std::size_t places[] = { 4, 12, 16, 20, 24, 56 };
+    for (std::size_t index = 0; index < std::size(places); ++index)
+        EXPECT_EQ(big(places[index]), wanted[index]) << places[index];
+    EXPECT_STREQ(forVst2.substr(28, 28).c_str(), "A match");
+    EXPECT_EQ(forVst2.substr(60), state);
+    vst2.SetState({ state.begin(), state.end() });
     // The first band of the match, as the host shows it.
     EXPECT_EQ(vst2.Text(Vst2::EffectOpcode::GetParamDisplay, 10), "On");
     EXPECT_EQ(vst2.Text(Vst2::EffectOpcode::GetParamDisplay, 12), "+24.00 dB");
