@@ -35,7 +35,7 @@ public:
     explicit FitResponse(double sampleRate);
 
     /// @param outPower  FitGrid::Count values of |H|^2
-    /// Throws MException "Complex division by zero." where the section has a pole on a grid point.
+    /// Every section is stable, so that none has a pole on a grid point.
     void Evaluate(std::int32_t type, double gainDb, double frequencyHz, double q, double* outPower) const;
 
 private:

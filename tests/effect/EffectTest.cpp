@@ -189,7 +189,10 @@ TEST_F(Effect, ShowsTheInputAsLateAsTheOutputWhereAnybodyLooks)
         Play(noise);
         EXPECT_EQ(OwnLevel() > silence, each.early) << "before anything comes out";
         Play(noise);
-        EXPECT_EQ(OwnLevel() > silence, each.late);
+        const double shown = OwnLevel();
+        EXPECT_EQ(shown > silence, each.late);
+        effect.SetAnalysis({}, true);
+        EXPECT_EQ(OwnLevel(), shown) << "a loaded analysis doesn't restart the averages";
         if (each.measuring)
             effect.ToggleTargetAnalysis();
     }
@@ -301,12 +304,15 @@ TEST_F(Effect, TheEntryFunctionMakesDescribesAndEndsIt)
     // Hosts keep positions in these ranges: none may change.
     std::ostringstream ranges;
     for (const MPluginParameterInfo& each : std::span(description->parameters, 12))
+    {
+        EXPECT_EQ(each.help.IsEmpty(), each.id == MString("depth")) << each.id.ToUTF8();
         if (each.type == ParameterType::Float)
             ranges << each.id.ToUTF8() << " " << each.number.minimum << ".." << each.number.maximum << ":"
                    << each.number.value << " ";
         else if (each.type == ParameterType::Enumeration)
             ranges << each.id.ToUTF8() << " " << each.enumeration.count << ":" << each.enumeration.index
                    << " ";
+    }
     EXPECT_EQ(ranges.str(), "mode 3:1 depth 0..1:1 gain -24..24:0 SoftSaturation 0..1:0 smooth 0..0.2:0.05 "
                             "average 0..5:1 slope 0..6:3 overlap 0..0.8:0.5 channelmode 4:2 "
                             "analyzergain -24..24:0 ");
