@@ -45,16 +45,35 @@ TEST_F(Hostile, Vst2AnswersItsTables)
     for (const auto& each : abilities)
         EXPECT_EQ(vst2.Send(Vst2::EffectOpcode::CanDo, 0, 0, const_cast<char*>(each.text)), each.answer)
             << each.text;
-    EXPECT_EQ(vst2.effect->magic, 0x56737450);
-    EXPECT_EQ(vst2.effect->uniqueID, 0x51547E32);
-    EXPECT_EQ(vst2.effect->numPrograms, 1);
-    EXPECT_EQ(vst2.effect->numInputs, 2);
-    EXPECT_EQ(vst2.effect->numOutputs, 2);
-    EXPECT_EQ(vst2.effect->flags, Vst2::EffectFlags::CanReplacing | Vst2::EffectFlags::ProgramChunks);
-    EXPECT_EQ(vst2.Text(Vst2::EffectOpcode::GetEffectName), "TonalignLinearPhase");
-    EXPECT_EQ(vst2.Text(Vst2::EffectOpcode::GetVendorString), "Quorvane");
-    EXPECT_EQ(vst2.Text(Vst2::EffectOpcode::GetProductString), "TonalignLinearPhase");
-    EXPECT_EQ(vst2.Send(Vst2::EffectOpcode::GetVstVersion), 2400);
+    namespace Opcode = Vst2::EffectOpcode;
+    const Vst2::AEffect& record = *vst2.effect;
+    EXPECT_EQ(record.magic, 0x56737450);
+    EXPECT_EQ(record.uniqueID, 0x51547E32);
+    EXPECT_EQ(record.flags, Vst2::EffectFlags::CanReplacing | Vst2::EffectFlags::ProgramChunks);
+    EXPECT_EQ(std::tuple(record.numPrograms, record.numInputs, record.numOutputs, record.ioRatio),
+              std::tuple(1, 2, 2, 1.0f));
+    for (const std::int32_t named : { Opcode::GetEffectName, Opcode::GetProductString, Opcode::GetProgramName,
+                                      Opcode::GetProgramNameIndexed })
+        EXPECT_EQ(vst2.Text(named), "TonalignLinearPhase") << named;
+    EXPECT_EQ(vst2.Text(Opcode::GetVendorString), "Quorvane");
+    const struct
+    {
+        std::int32_t opcode, index;
+        std::intptr_t value, answer;
+    } answers[] = { { Opcode::GetVstVersion, 0, 0, 2400 },
+                    { Opcode::GetVendorVersion, 0, 0, record.version },
+                    { Opcode::GetProgramNameIndexed, 0, 0, 1 },
+                    { Opcode::GetProgramNameIndexed, 1, 0, 0 },
+                    { Opcode::GetPlugCategory, 0, 0, 1 },
+                    { Opcode::SetProcessPrecision, 0, 0, 1 },
+                    { Opcode::SetProcessPrecision, 0, 1, 0 },
+                    { Opcode::StringToParameter, 80, 0, 1 },
+                    { Opcode::StringToParameter, 81, 0, 0 },
+                    { Opcode::SetBypass, 0, 1, 1 },
+                    { 1000, 0, 0, 0 } };
+    for (const auto& [opcode, index, value, answer] : answers)
+        EXPECT_EQ(vst2.Send(opcode, index, value), answer) << opcode << " " << value;
+    EXPECT_EQ(vst2.Send(Opcode::GetTailSize), Vst3Instance(vst3Module).processor->getTailSamples());
     Vst2::PinProperties pin{};
     EXPECT_EQ(vst2.Send(Vst2::EffectOpcode::GetInputProperties, 1, 0, &pin), 1);
     EXPECT_STREQ(pin.label, "In R");

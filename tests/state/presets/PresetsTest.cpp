@@ -215,7 +215,9 @@ TEST_F(Presets, AreAddedReplacedRenamedMovedAroundAndDeleted)
 {
     manager.dialogs = this;
     MAttribute root;
+    root.AddSubItem("preset");
     manager.LoadPresets(root);
+    EXPECT_EQ(root.SubItemCount(), 0);
     EXPECT_EQ(root.Name().ToUTF8(), "presets");
     fs::remove_all(folder.parent_path());
     EXPECT_EQ(List(), "");
@@ -315,8 +317,14 @@ TEST_F(Presets, SteppingGoesAroundBothEnds)
         EXPECT_EQ(knob.number, number);
         EXPECT_EQ(manager.CurrentPresetIndex(), number);
     }
+    MAttribute state, preset;
+    manager.StoreCurrentIndex({ .saving = 1, .item = &state });
+    manager.StoreCurrentIndex({ .saving = 1, .item = &preset, .scope = MStoreScope::Preset });
+    EXPECT_EQ(preset.AttributeCount(), 0);
     manager.SetCurrentPresetIndex(-5);
     EXPECT_EQ(manager.CurrentPresetIndex(), 0);
+    manager.StoreCurrentIndex({ .item = &state });
+    EXPECT_EQ(manager.CurrentPresetIndex(), 1);
 }
 
 TEST_F(Presets, TheFactorysAreTheListUntilThereIsAFile)
@@ -343,6 +351,10 @@ TEST_F(Presets, TheFactorysAreTheListUntilThereIsAFile)
     manager.onSelected.AddHandler<&Listener::OnSelected>(listener);
     EXPECT_FALSE(manager.LoadFactoryPreset(-1) || manager.LoadFactoryPreset(2));
     EXPECT_EQ(knob.loadCount, 0);
+    EXPECT_TRUE(manager.LoadFactoryPreset(0));
+    EXPECT_EQ(knob.number, 4);
+    GlobalEventProcessor().Process();
+    listener.heard.clear();
     EXPECT_TRUE(manager.LoadFactoryPreset(1));
     EXPECT_EQ(knob.number, 6);
     EXPECT_EQ(knob.mode, MLoadMode::Overlay);
