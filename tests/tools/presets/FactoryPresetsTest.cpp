@@ -15,7 +15,6 @@
 #include "state/tree/XML.h"
 #include "tests/Signals.h"
 #include "tools/presets/FactoryPresets.h"
-#include "tools/presets/HostPresets.h"
 
 namespace
 {
@@ -34,10 +33,21 @@ std::string Written(const MAttribute& tree)
              static_cast<std::size_t>(stream.Block().Size()) };
 }
 
-TEST(HostPresets, EachPresetIsAFileOfItsOwnStateUnderItsName)
+// The program: its status, and what it says.
+std::pair<int, std::string> Make(const std::string& arguments)
+{
+    const std::string told = std::string(std::getenv("TONALIGN_TEST_FOLDER")) + "/told";
+    const int status = std::system(("'" + std::string(std::getenv("TONALIGN_BINARY_DIR")) +
+                                    "/tools/presets/make_presets' " + arguments + " 2>'" + told + "'")
+                                       .c_str());
+    std::ifstream file(told);
+    return { WEXITSTATUS(status), { std::istreambuf_iterator<char>(file), {} } };
+}
+
+TEST(MakePresets, EachPresetIsAFileOfItsOwnStateUnderItsName)
 {
     const std::string folder = std::string(std::getenv("TONALIGN_TEST_FOLDER")) + "/of/hosts";
-    WriteVst3Presets(folder);
+    ASSERT_EQ(Make("--vst3 '" + folder + "'").first, 0);
     std::set<std::string> names, contents;
     for (const auto& entry : std::filesystem::directory_iterator(folder))
     {
@@ -50,22 +60,26 @@ TEST(HostPresets, EachPresetIsAFileOfItsOwnStateUnderItsName)
     }
     // Names as scripts/uninstall finds them.
     std::set<std::string> wanted;
-    for (FactoryPreset& preset : ParseFactoryPresets(SourceFile("presets.txt"), "presets.txt"))
-    {
-        std::replace(preset.name.begin(), preset.name.end(), '/', '-');
+    for (const FactoryPreset& preset : ParseFactoryPresets(SourceFile("presets.txt"), "presets.txt"))
         wanted.insert(preset.name);
-    }
     EXPECT_EQ(names, wanted);
     EXPECT_EQ(contents.size(), wanted.size());
-    EXPECT_THROW(WriteVst3Presets("/dev/null/folder"), MException);
+    EXPECT_EQ(Make("--vst3 /dev/null/folder").first, 1);
 }
 
-TEST(FactoryPresets, TheKeptFileIsWhatTheDescriptionMakes)
+TEST(MakePresets, TheKeptFileIsWhatTheDescriptionMakes)
 {
-    MAttribute made;
-    MakeFactoryPresets(ParseFactoryPresets(SourceFile("presets.txt"), "presets.txt"), made);
-    EXPECT_EQ(Written(made), SourceFile("presets.xml"))
+    const std::string folder = std::getenv("TONALIGN_SOURCE_DIR");
+    const std::string made = std::string(std::getenv("TONALIGN_TEST_FOLDER")) + "/made.xml";
+    ASSERT_EQ(Make("'" + folder + "/resources/presets.txt' '" + made + "'").first, 0);
+    std::ifstream file(made, std::ios::binary);
+    const std::string bytes{ std::istreambuf_iterator<char>(file), {} };
+    EXPECT_EQ(bytes, SourceFile("presets.xml"))
         << "run make_presets resources/presets.txt resources/presets.xml";
+    EXPECT_EQ(Make("'" + made + "'").first, 2) << "usage";
+    const auto [status, told] = Make("/nowhere '" + made + "'");
+    EXPECT_EQ(status, 1);
+    EXPECT_EQ(told, "make_presets: Cannot read the description.\n");
 }
 
 TEST(FactoryPresets, AreTheProgramsAndPutTheirBandsIntoThePlugIn)
