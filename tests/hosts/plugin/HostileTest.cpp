@@ -346,6 +346,7 @@ TEST_F(Hostile, HiddenParametersAreNeitherSeenNorAutomated)
         const std::string title = ToUtf8(info.title);
         const bool hidden = title.starts_with("RESERVED") || title.starts_with("Controller");
         EXPECT_EQ((info.flags & Info::kIsHidden) != 0, hidden) << title;
+        EXPECT_NEAR(info.defaultNormalizedValue, vst3.controller->getParamNormalized(info.id), 1e-6) << title;
         // The channel mode prepares processing, which is no work for a playing song.
         const bool automatable = !hidden && title != "Channel mode" && title != "Program";
         EXPECT_EQ((info.flags & Info::kCanAutomate) != 0, automatable) << title;
@@ -412,6 +413,11 @@ TEST_F(Hostile, TheFactoryPresetsAreProgramsOfTheRoot)
     ASSERT_EQ(units->getProgramListCount(), 1);
     ASSERT_EQ(units->getProgramListInfo(0, list), kResultOk);
     EXPECT_EQ(root.programListId, list.id);
+    EXPECT_EQ(ToUtf8(list.name), "Factory presets");
+    EXPECT_EQ(root.parentUnitId, kNoParentUnitId);
+    UnitInfo below;
+    ASSERT_EQ(units->getUnitInfo(1, below), kResultOk);
+    EXPECT_EQ(below.parentUnitId, kRootUnitId);
     EXPECT_EQ(list.programCount, 36);
     constexpr ParamID program = 32766;
     const auto states = [&](int count)
@@ -526,6 +532,38 @@ TEST_F(Hostile, EveryValueIsReadableAndReadsBack)
         }
 }
 
+TEST_F(Hostile, Vst3ReadsItsOwnSwitchAndControllers)
+{
+    const Vst3Instance vst3(vst3Module);
+    const struct
+    {
+        unsigned id;
+        double value;
+        const char* text;
+        double back;
+    } cases[] = { { 32767, 0.25, "Off", 0 },
+                  { 32767, 0.75, "On", 1 },
+                  { 10000, 0.25, "0.2500", 0.25 },
+                  { 10129, 2, "1.0000", 1 } };
+    for (const auto& [id, value, wanted, back] : cases)
+    {
+        Steinberg::Vst::String128 text{};
+        EXPECT_EQ(vst3.controller->getParamStringByValue(id, value, text), kResultOk);
+        EXPECT_EQ(ToUtf8(text), wanted);
+        double read = -1;
+        EXPECT_EQ(vst3.controller->getParamValueByString(id, text, read), kResultOk);
+        EXPECT_EQ(read, back) << id;
+    }
+    Steinberg::Vst::String128 text{};
+    double read = 0;
+    for (const unsigned id : { 81u, 9999u, 10130u, 32768u })
+    {
+        EXPECT_NE(vst3.controller->getParamStringByValue(id, 0.5, text), kResultOk) << id;
+        EXPECT_NE(vst3.controller->getParamValueByString(id, text, read), kResultOk) << id;
+        EXPECT_NE(vst3.controller->setParamNormalized(id, 0.5), kResultOk) << id;
+    }
+}
+
 TEST_F(Hostile, Vst3SurvivesCallsOutOfOrderAndWithNothingBehindThem)
 {
     using namespace Steinberg;
@@ -546,6 +584,7 @@ TEST_F(Hostile, Vst3SurvivesCallsOutOfOrderAndWithNothingBehindThem)
         EXPECT_EQ(vst3.processor->setupProcessing(doubles), kResultFalse);
         vst3.Start(48000, 16);
         vst3.Start(std::nan(""), -5);
+        vst3.Start(std::numeric_limits<double>::infinity(), 16);
         Vst::ProcessData data;
         data.symbolicSampleSize = Vst::kSample32;
         data.numSamples = 64;

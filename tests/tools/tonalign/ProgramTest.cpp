@@ -68,6 +68,7 @@ protected:
         {
             const rlimit limit{ fileLimit, fileLimit };
             setrlimit(RLIMIT_FSIZE, &limit);
+            signal(SIGINT, SIG_DFL);   // a shell's background job ignores it
             dup2(open(out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 1);
             dup2(open(err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 2);
             execv(arguments[0], arguments.data());
