@@ -17,8 +17,8 @@ inline constexpr double MaxHz = 20000.0;
 inline constexpr std::int32_t CentreIndex = 512;
 inline constexpr double CentreLog10 = 2.801029996;
 
-/// Fills `count` frequencies in Hz of the bin-centred logarithmic grid between the limits.
-void Build(double minHz, double maxHz, std::int32_t count, float* outHz);
+/// The points' frequencies in Hz. Thread: any.
+const std::array<float, Count>& Hertz();
 
 /// The highest frequency, as a share of the sample rate, at which a fit places a filter or judges one:
 /// further up a filter bends so much that it can't be told what a band is good for.

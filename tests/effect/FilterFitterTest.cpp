@@ -191,8 +191,6 @@ TEST(FilterDictionary, CapsTheCentreOfWideShapesBelow50kHz)
 
 TEST(FilterDictionary, ShapesAreTheResponsesOfTheFiltersThatTheyStandFor)
 {
-    FilterFitter fitter;
-    fitter.BuildGrid(20.0, 20000.0, 1024);
     for (const double sampleRate : { 44100.0, 96000.0 })
     {
         const auto dictionary = FilterDictionary::Shared(sampleRate);
@@ -202,7 +200,7 @@ TEST(FilterDictionary, ShapesAreTheResponsesOfTheFiltersThatTheyStandFor)
             const FittedFilter filter{ std::pow(10.0, 2.801029996), -24.0, candidate.q, candidate.type };
             for (std::size_t i = 0; i < 1024; i += 13)
             {
-                const double expected = ResponseDb(filter, sampleRate, fitter.Grid()[i]);
+                const double expected = ResponseDb(filter, sampleRate, FitGrid::Hertz()[i]);
                 // Float rounding of up to 500 dB, and the floor of a notch, where zero meets rounding noise.
                 ASSERT_NEAR(candidate.shape[i], expected, expected < -250.0 ? 5.0 : 1e-4) << "point " << i;
             }
@@ -238,8 +236,6 @@ TEST(FilterSearch, ExhaustiveTakesWhatThePlainLoopTakesAndEstimatesFarInsideItsM
     for (const auto& [sampleRate, selection] : cases)
     {
         const auto dictionary = FilterDictionary::Shared(sampleRate);
-        FilterFitter fitter;
-        fitter.Prepare(sampleRate);
         FilterSearch search(*dictionary), estimating(*dictionary);
         std::vector<double> estimates(1024);
         for (NamedCurve& named : Curves(random))
@@ -281,10 +277,9 @@ TEST(FilterFitter, LeavesTheResidualOfAllBandsButTheLast)
     std::mt19937 random(Seed);
     Curve notch;   // a steep one on a grid point, whose level there isn't finite
     FilterFitter fitter;
-    fitter.Prepare(44100.0);
     for (std::size_t i = 0; i < 1024; ++i)
         notch[i] = static_cast<float>(std::max(
-            ResponseDb({ fitter.Grid()[600], 0, 2.0, MAudioFilters::Notch }, 44100.0, fitter.Grid()[i]),
+            ResponseDb({ FitGrid::Hertz()[600], 0, 2.0, MAudioFilters::Notch }, 44100.0, FitGrid::Hertz()[i]),
             -60.0));
     struct Case
     {
@@ -309,7 +304,7 @@ TEST(FilterFitter, LeavesTheResidualOfAllBandsButTheLast)
             {
                 double expected = original[i];
                 for (std::size_t band = 1; band <= 4; ++band)
-                    expected -= std::max(ResponseDb(results[band], rate, fitter.Grid()[i]), -400.0);
+                    expected -= std::max(ResponseDb(results[band], rate, FitGrid::Hertz()[i]), -400.0);
                 ASSERT_NEAR(wanted[i], expected, 1e-4) << "point " << i;   // four subtractions in float
                 energyBefore += static_cast<double>(original[i]) * original[i];
                 energyAfter += static_cast<double>(wanted[i]) * wanted[i];
