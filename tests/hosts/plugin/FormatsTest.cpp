@@ -314,6 +314,24 @@ TEST_P(Rendering, GivesTheOfflineHostsSamplesInBothFormats)
     const Vst2Instance vst2(vst2Module);
     const Vst3Instance vst3(vst3Module);
     EXPECT_EQ(vst2.effect->numInputs, std::max(channels, 2));
+    EXPECT_EQ(vst2.effect->numOutputs, std::max(channels, 2));
+    for (const std::intptr_t version : { 2299, 2300 })   // older hosts take more channels for side chains
+    {
+        Vst2Instance::version = version;
+        const Vst2Instance earlier(vst2Module);
+        const int width = version < 2300 ? 2 : std::max(channels, 2);
+        EXPECT_EQ(earlier.effect->numInputs, width) << version;
+        EXPECT_EQ(earlier.effect->numOutputs, width) << version;
+        Vst2::PinProperties pin{};
+        EXPECT_EQ(earlier.Send(Vst2::EffectOpcode::GetOutputProperties, width - 1, 0, &pin), 1);
+        EXPECT_EQ(pin.flags, width > 2 ? 5 : 3) << "active, and of speakers or stereo";
+        std::vector<float> left(64, 0.5f), right(64, 0.5f);
+        float* two[8] = { left.data(), right.data() };
+        earlier.Start(48000, 64);
+        earlier.Process(two, two, 64);
+        EXPECT_NEAR(left[63], 0.0f, 1e-12f) << "late, and no more than a guard";
+    }
+    Vst2Instance::version = 2400;
     vst2.SetState(state);
     vst3.SetState(state);
     EXPECT_EQ(vst3.State(), state);

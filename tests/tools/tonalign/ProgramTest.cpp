@@ -374,6 +374,77 @@ TEST_F(Program, AnalysesStandInForRecordings)
     const std::string csv = Run({ "show", Path("b.TonalignComparison"), "--csv" }).out;
     EXPECT_TRUE(csv.starts_with("frequency_hz,level_db\n"));
     EXPECT_EQ(csv, Run({ "show", bright, "--csv" }).out);
+
+    // A tone stands at its frequency whatever the rate that its file was made at.
+    for (const int rate : { 22050, 48000, 96000 })
+    {
+        std::vector<float> tone(static_cast<std::size_t>(rate));
+        for (std::size_t i = 0; i < tone.size(); ++i)
+            tone[i] = std::sin(2 * std::numbers::pi_v<float> * 1000 / static_cast<float>(rate) *
+                               static_cast<float>(i));
+        Write("tone.wav", tone, rate, 1, SF_FORMAT_WAV | SF_FORMAT_FLOAT);
+        const auto shown = nlohmann::json::parse(Run({ "show", Path("tone.wav"), "--json" }).out);
+        const std::vector<double> levels = shown["level_db"];
+        const auto peak = std::max_element(levels.begin(), levels.end()) - levels.begin();
+        EXPECT_NEAR(shown["frequency_hz"][static_cast<std::size_t>(peak)].get<double>(), 1000, 20) << rate;
+    }
+}
+
+TEST_F(Program, ShowTellsWhatAStateOrARecordingHolds)
+{
+    const std::string in = Noise("in.wav", 0.5);
+    const Outcome rendered = Run({ "render",
+                                   in,
+                                   "-o",
+                                   Path("o.wav"),
+                                   "--mode",
+                                   "fft",
+                                   "--dry-wet",
+                                   "60",
+                                   "--gain",
+                                   "-3",
+                                   "--saturation",
+                                   "20",
+                                   "--upsampling",
+                                   "3",
+                                   "--upsampling-quality",
+                                   "plain",
+                                   "--agc",
+                                   "--channel-mode",
+                                   "Left",
+                                   "--band",
+                                   "notch:500:0:2",
+                                   "--save-state",
+                                   Path("s.state") });
+    ASSERT_EQ(rendered.status, 0) << rendered.err;
+    const std::string text = Run({ "show", Path("s.state") }).out;
+    EXPECT_TRUE(
+        text.starts_with("Mode: Linear-phase FFT based, dry/wet 60.0 %, gain -3.00 dB, saturation 20.0 %\n"
+                         "Channels L, upsampling 3x (plain), automatic gain control on\n"
+                         "Analyses: target none, source none\n"))
+        << text;
+    const auto state = nlohmann::json::parse(Run({ "show", Path("s.state"), "--json" }).out);
+    EXPECT_EQ(state["mode"], "Linear-phase FFT based");
+    EXPECT_NEAR(state["dry_wet_percent"], 60, 1e-6);
+    EXPECT_NEAR(state["gain_db"], -3, 1e-6);
+    EXPECT_NEAR(state["saturation_percent"], 20, 1e-6);
+    EXPECT_EQ(state["upsampling"], 3);
+    EXPECT_EQ(state["upsampling_quality"], "plain");
+    EXPECT_EQ(state["agc"], true);
+    EXPECT_EQ(state["channel_mode"], "L");
+    EXPECT_EQ(state["target_analysis"], false);
+    EXPECT_EQ(state["bands"][0]["type"], "notch");
+
+    const std::string chart = Run({ "show", in }).out;
+    EXPECT_TRUE(chart.starts_with("0:02.00, 48000 Hz, 2 channels, 16 bits, peak -")) << chart;
+    EXPECT_EQ(std::count(chart.begin(), chart.end(), '\n'), 31) << "a bar for each third of an octave";
+    const auto audio = nlohmann::json::parse(Run({ "show", in, "--json" }).out);
+    EXPECT_EQ(audio["kind"], "audio");
+    EXPECT_EQ(audio["sample_rate"], 48000);
+    EXPECT_EQ(audio["channels"], 2);
+    EXPECT_EQ(audio["frames"], 96000);
+    EXPECT_EQ(audio["bits"], 16);
+    EXPECT_EQ(audio["float"], false);
 }
 
 TEST_F(Program, NothingToEqualizeIsNoFailure)
@@ -591,9 +662,28 @@ TEST_F(Program, EveryFittingOptionDoesWhatItSays)
     EXPECT_NE(fit({ "--algorithm", "optimized" })["bands"], plain["bands"]);
     EXPECT_EQ(fit({ "--algorithm", "DEFAULT" })["bands"], plain["bands"]);
     EXPECT_EQ(fit({ "--bands", "010" })["bands"].size(), 10u);
-    const nlohmann::json withGain = fit({ "--no-pass-notch", "--bands", "10" });
-    for (const auto& band : withGain["bands"])
-        EXPECT_TRUE(band["type"] == "peak" || band["type"] == "lowshelf" || band["type"] == "highshelf");
+    // A steep low cut is what a high-pass does best.
+    std::vector<float> thin = Read(Noise("mono.wav", 0, 2, 48000, 1));
+    for (int stage = 0; stage < 4; ++stage)
+    {
+        float last = 0, out = 0;
+        for (float& sample : thin)
+            out = 0.9f * (out + sample - std::exchange(last, sample)), sample = out;
+    }
+    const std::string cut = Write("cut.wav", thin, 48000, 1, SF_FORMAT_WAV | SF_FORMAT_FLOAT);
+    for (const bool gainOnly : { false, true })
+    {
+        std::vector<std::string> words{ "equalize", Path("mono.wav"), "--source", cut,
+                                        "--json",   "--bands",        "6" };
+        if (gainOnly)
+            words.emplace_back("--no-pass-notch");
+        int passes = 0;
+        const nlohmann::json fitted = nlohmann::json::parse(Run(words).out);
+        for (const auto& band : fitted["bands"])
+            passes +=
+                band["type"] != "peak" && band["type"] != "lowshelf" && band["type"] != "highshelf" ? 1 : 0;
+        EXPECT_EQ(passes == 0, gainOnly);
+    }
 
     for (const auto& [target, source] : { std::pair{ dark, bright }, std::pair{ bright, dark } })
         for (const char* bands : { "1", "10" })
