@@ -23,6 +23,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "tools/tonalign/ProgressBar.h"
+
 namespace fs = std::filesystem;
 
 namespace
@@ -223,10 +225,15 @@ TEST_F(Program, TypedBandsDoWhatTheySay)
     std::vector<float> impulse(120000);
     impulse[60000] = 0.5f;
     const std::string in = Write("impulse.wav", impulse, 48000, 1, SF_FORMAT_WAV | SF_FORMAT_FLOAT);
-    ASSERT_EQ(Run({ "render", in, "--band", "peak:1000:+6:1", "--band", "highpass:50:0:0.707", "-o",
-                    Path("o.wav"), "--save-state", Path("s.state") })
-                  .status,
-              0);
+    const Outcome rendered = Run({ "render", in, "--band", "peak:1000:+6:1", "--band", "highpass:50:0:0.707",
+                                   "-o", Path("o.wav"), "--save-state", Path("s.state") });
+    ASSERT_EQ(rendered.status, 0) << rendered.err;
+    EXPECT_TRUE(rendered.out.starts_with("Band  Type          Frequency        Gain        Q  Order\n"
+                                         "   1  Peak           1.00 kHz    +6.00 dB    1.000  0\n"
+                                         "   2  High-pass       50.0 Hz           -    0.707  0 (24 dB/oct)\n"
+                                         "Peak of the output: "))
+        << rendered.out;
+    EXPECT_TRUE(rendered.out.ends_with("dBFS\nWritten: " + Path("o.wav") + "\n"));
     const std::vector<float> out = Read(Path("o.wav"));
     double re = 0, im = 0;
     for (std::size_t index = 0; index < out.size(); ++index)
@@ -850,4 +857,43 @@ TEST_F(Program, ClippingIsCountedAndTold)
         Run({ "render", in, "-o", Path("c.wav"), "--gain", "18", "--bits", "32f", "--json" }).out);
     EXPECT_EQ(floats["clipped"], 0);
     EXPECT_EQ(Run({ "render", in, "-o", Path("d.wav"), "--quiet" }).out, "");
+}
+
+// What is shown goes to standard error, a terminal here.
+TEST(ProgressBar, ShowsOnATerminalWhatTakesMoreThanAMoment)
+{
+    const int master = posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK);
+    ASSERT_TRUE(master >= 0 && grantpt(master) == 0 && unlockpt(master) == 0);
+    const int terminal = open(ptsname(master), O_RDWR | O_NOCTTY);
+    const int before = dup(STDERR_FILENO);
+    dup2(terminal, STDERR_FILENO);
+    std::vector<std::pair<Stage, double>> seconds;
+    {
+        ProgressBar quiet(true), bar(false);
+        for (const double share : { 0.25, 0.5, 0.75 })
+        {
+            quiet.Report(Stage::Loading, share);
+            bar.Report(Stage::Loading, share);
+            if (share < 0.5)   // nothing is shown in the first quarter of a second
+                std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        }
+        bar.Report(Stage::Rendering, 0.5);
+        bar.Report(Stage::Loading, 1);
+        bar.Finish();
+        seconds = bar.Seconds();
+    }
+    dup2(before, STDERR_FILENO);
+    char shown[1000] = {};
+    EXPECT_GT(read(master, shown, sizeof shown - 1), 0);
+    for (const int file : { master, terminal, before })
+        close(file);
+    EXPECT_TRUE(
+        std::regex_match(shown, std::regex("\r"
+                                           R"(Loading the file\.\.\.  \[#{15} {15}\]  50 %  \d s left )"
+                                           "\033\\[K\r\033\\[K")))
+        << testing::PrintToString(shown);
+    ASSERT_EQ(seconds.size(), 2u) << "in order of their start";
+    EXPECT_EQ(StageName(seconds[0].first), std::string("loading"));
+    EXPECT_GE(seconds[0].second, 0.3);
+    EXPECT_EQ(StageName(seconds[1].first), std::string("rendering"));
 }
