@@ -44,6 +44,12 @@ void ExpectTransport(const MQuorvaneAudioEffectPlugin& plugin, bool playing)
     EXPECT_EQ(plugin.transport.CycleEnd(), 8);
     const MProcessContext context = plugin.transport.Context(512);
     EXPECT_EQ(context.tempo, 133);
+    if (playing)
+    {
+        EXPECT_EQ(context.timeSignatureNumerator, 3);
+        EXPECT_EQ(context.timeSignatureDenominator, 8);
+        EXPECT_EQ(context.barStart, 12);
+    }
     EXPECT_NEAR(plugin.transport.Position(), 12.5, 0.1);
 }
 
@@ -117,6 +123,9 @@ TEST(Vst2Adapter, TellsGesturesAndMidiAndHearsWhereTheSongStands)
     time.tempo = 133;
     time.cycleStartPos = 4;
     time.cycleEndPos = 8;
+    time.barStartPos = 12;
+    time.timeSigNumerator = 3;
+    time.timeSigDenominator = 8;
     time.flags = TransportPlaying;
     std::vector<float> left(64), right(64);
     float* channels[] = { left.data(), right.data() };
@@ -238,6 +247,9 @@ TEST(Vst3Adapter, TellsGesturesAndMidiAndHearsWhereTheSongStands)
                  ProcessContext::kCycleActive | ProcessContext::kPlaying;
     song.projectTimeMusic = 12.5;
     song.tempo = 133;
+    song.barPositionMusic = 12;
+    song.timeSigNumerator = 3;
+    song.timeSigDenominator = 8;
     song.cycleStartMusic = 4;
     song.cycleEndMusic = 8;
     EventList events;
@@ -275,10 +287,11 @@ TEST(Vst3Adapter, TellsGesturesAndMidiAndHearsWhereTheSongStands)
     EXPECT_EQ(adapter->connect(other), kResultFalse);
     EXPECT_EQ(adapter->disconnect(adapter), kResultFalse);
     EXPECT_EQ(adapter->disconnect(other), kResultOk);
-    EXPECT_EQ(other->release(), 0u);
+    EXPECT_EQ(adapter->connect(other), kResultOk);
     EXPECT_EQ(controller->setComponentHandler(nullptr), kResultOk);
     EXPECT_EQ(handler.references, 0);
     controller->release();
     adapter->terminate();
+    EXPECT_EQ(other->release(), 0u) << "let go of";
     EXPECT_EQ(adapter->release(), 0u);
 }

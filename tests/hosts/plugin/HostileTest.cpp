@@ -430,6 +430,9 @@ TEST_F(Hostile, Vst3TakesTheLastPointOfAQueueAndOnlyThat)
     OneChange empty(1, {});
     vst3.Process(channels, channels, 64, &empty);
     EXPECT_NEAR(vst3.controller->getParamNormalized(1), 0.625, 1e-6);
+    OneChange half(32767, { 0.5 });
+    vst3.Process(channels, channels, 64, &half);
+    EXPECT_EQ(vst3.controller->getParamNormalized(32767), 0.0);
     OneChange bypass(32767, { 0.51 });
     vst3.Process(channels, channels, 64, &bypass);
     EXPECT_EQ(vst3.controller->getParamNormalized(32767), 1.0);

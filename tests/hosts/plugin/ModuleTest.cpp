@@ -124,6 +124,9 @@ TEST(Module, DescribesInItsBundleWhatTheFactoryAnswers)
     EXPECT_EQ(object, nullptr);
     EXPECT_NE(factory->createInstance(plugin.cid, Steinberg::Vst::IMessage::iid, &object), 0);
     EXPECT_EQ(object, nullptr);
+    EXPECT_NE(factory->createInstance(nullptr, Steinberg::Vst::IComponent::iid, &object), 0);
+    EXPECT_NE(factory->createInstance(plugin.cid, nullptr, &object), 0);
+    EXPECT_NE(factory->createInstance(plugin.cid, Steinberg::Vst::IComponent::iid, nullptr), 0);
     EXPECT_NE(factory->getClassInfo2(1, &plugin), 0);
     factory->release();
     first->release();
