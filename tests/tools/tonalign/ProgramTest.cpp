@@ -742,25 +742,19 @@ TEST_F(Program, WrongUsageIsTold)
              { "equalize", in, "--source", in, "--bands", "4x" },
              { "render", in, "-o", Path("o.wav"), "--band", "peak:1000:+-3:1" },
              { "equalize", in },
-             { "equalize", in, "--source", in, "--bands", "0" },
              { "equalize", in, "--source", in, "--bands", "eleven" },
              { "equalize", in, "--source", in, "--smooth", "nan" },
-             { "equalize", in, "--source", in, "--low", "19" },
              { "equalize", in, "--source", in, "--low", "2000", "--high", "1000" },
              { "equalize", in, "--source", in, "--limit", "-3" },
-             { "separate", in, "--source", in, "--limit", "3" },
              { "render", in },
              { "render", in, "-o", Path("out") },
              { "render", in, "-o", Path("o.flac"), "--bits", "32f" },
              { "render", in, "-o", Path("o.wav"), "--bits", "8" },
-             { "render", in, "-o", Path("o.wav"), "--block", "0" },
-             { "render", in, "-o", Path("o.wav"), "--gain", "30" },
              { "render", in, "-o", Path("o.wav"), "--band", "peak:1000:6" },
              { "render", in, "-o", Path("o.wav"), "--band", "bell:1000:6:1" },
              { "render", in, "-o", Path("o.wav"), "--band", "peak:10:6:1" },
              { "render", in, "-o", Path("o.wav"), "--band", "peak:1000:6:1:10" },
              { "render", in, "-o", Path("o.wav"), "--band", "peak:nan:6:1" },
-             { "render", in, "-o", Path("o.wav"), "--upsampling", "5" },
              { "render", in, "-o", Path("o.wav"), "--upsampling-quality", "best" },
              { "render", in, "-o", Path("o.wav"), "--channel-mode", "center" },
              { "render", in, "-o", Path("o.wav"), "--channel-mode", "Surround" },
@@ -772,6 +766,38 @@ TEST_F(Program, WrongUsageIsTold)
         EXPECT_TRUE(outcome.out.empty());
     }
     EXPECT_EQ(Leftovers({ "in.wav" }), std::vector<std::string>{});
+}
+
+TEST_F(Program, NumbersHaveTheirRanges)
+{
+    const struct
+    {
+        const char* command;
+        const char* option;
+        const char* values[4];   // below, the lowest, the highest, above
+    } ranges[] = { { "render", "--dry-wet=", { "-0.1", "0", "100", "100.1" } },
+                   { "render", "--gain=", { "-24.1", "-24", "24", "24.1" } },
+                   { "render", "--saturation=", { "-0.1", "0", "100", "100.1" } },
+                   { "render", "--upsampling=", { "0", "1", "4", "5" } },
+                   { "render", "--block=", { "0", "1", "1048576", "1048577" } },
+                   { "equalize", "--bands=", { "0", "1", "10", "11" } },
+                   { "equalize", "--low=", { "19.9", "20", "19999", "20000.1" } },
+                   { "equalize", "--high=", { "20", "20.1", "20000", "20000.1" } },
+                   { "equalize", "--smooth=", { "-0.1", "0", "20", "20.1" } },
+                   { "separate", "--limit=", { "-100.1", "-100", "0", "0.1" } },
+                   { "show", "--rate=", { "7999", "8000", "384000", "384001" } } };
+    for (const auto& [command, option, values] : ranges)
+        for (int index = 0; index < 4; ++index)
+        {
+            const std::string word = std::string(option) + values[index];
+            std::vector<std::string> words{ command, Path("missing.wav"), word };
+            if (std::string(command) == "render")
+                words.insert(words.end(), { "-o", Path("out.wav") });
+            else if (std::string(command) != "show")
+                words.insert(words.end(), { "--source", Path("missing.wav") });
+            // What is allowed gets as far as the missing file.
+            EXPECT_EQ(Run(words).status, index == 0 || index == 3 ? 2 : 1) << word;
+        }
 }
 
 TEST_F(Program, HelpManualAndParserNameTheSameOptions)
