@@ -266,6 +266,9 @@ TEST_F(Hostile, Vst2PlaysAMonoInputOnBothOutputs)
         vst2.Process(inputs, outputs, 40000);
         EXPECT_NEAR(left.back(), 0.25f, 1e-4f) << announced;
         EXPECT_EQ(right.back(), left.back()) << announced;
+        std::fill_n(left.begin(), 64, 1.0f);
+        vst2.effect->process(vst2.effect, inputs, outputs, 64);
+        EXPECT_NEAR(left[63], 1.25f, 1e-4f) << "the older call adds";
     }
 }
 
