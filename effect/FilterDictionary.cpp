@@ -43,27 +43,30 @@ std::int32_t MaxShift(double q, double sampleRate, std::int32_t judgedCount)
 }
 }   // namespace
 
-void FitGrid::Build(double minHz, double maxHz, std::int32_t count, float* outHz)
+const std::array<float, FitGrid::Count>& FitGrid::Hertz()
 {
-    const double first = std::log10(minHz);
-    const double step = (std::log10(maxHz) - first) / count;
-    for (std::int32_t i = 0; i < count; ++i)
-        outHz[i] = static_cast<float>(std::pow(10.0, first + (i + 0.5) * step));
+    static const std::array<float, Count> grid = []
+    {
+        const double first = std::log10(MinHz);
+        const double step = (std::log10(MaxHz) - first) / Count;
+        std::array<float, Count> hertz;
+        for (std::size_t i = 0; i < hertz.size(); ++i)
+            hertz[i] = static_cast<float>(std::pow(10.0, first + (static_cast<double>(i) + 0.5) * step));
+        return hertz;
+    }();
+    return grid;
 }
 
 std::int32_t FitGrid::UsableCount(double sampleRate)
 {
-    std::array<float, Count> grid;
-    Build(MinHz, MaxHz, Count, grid.data());
     const double highestHz = HighestShare * sampleRate;
-    return static_cast<std::int32_t>(
-        std::count_if(grid.begin(), grid.end(), [highestHz](float hertz) { return hertz <= highestHz; }));
+    return static_cast<std::int32_t>(std::count_if(Hertz().begin(), Hertz().end(),
+                                                   [highestHz](float hertz) { return hertz <= highestHz; }));
 }
 
 FitResponse::FitResponse(double usedSampleRate) : sampleRate(usedSampleRate)
 {
-    std::array<float, FitGrid::Count> grid;
-    FitGrid::Build(FitGrid::MinHz, FitGrid::MaxHz, FitGrid::Count, grid.data());
+    const std::array<float, FitGrid::Count>& grid = FitGrid::Hertz();
     for (std::size_t i = 0; i < grid.size(); ++i)
     {
         const double w = 6.283185307179586 * static_cast<double>(grid[i]) / sampleRate;
@@ -82,7 +85,6 @@ void FitResponse::Evaluate(std::int32_t type, double gainDb, double frequencyHz,
     MAudioFilters::Filter<double> section;
     section.Set(type, gainDb, frequencyHz, sampleRate, q);
 
-    bool poleHit = false;
     for (std::size_t i = 0; i < z1Re.size(); ++i)
     {
         const double numeratorRe = section.b0 + section.b1 * z1Re[i] + section.b2 * z2Re[i];
@@ -90,11 +92,8 @@ void FitResponse::Evaluate(std::int32_t type, double gainDb, double frequencyHz,
         const double denominatorRe = 1.0 - section.a1 * z1Re[i] - section.a2 * z2Re[i];
         const double denominatorIm = -section.a1 * z1Im[i] - section.a2 * z2Im[i];
         const double denominator = denominatorRe * denominatorRe + denominatorIm * denominatorIm;
-        poleHit |= denominator == 0.0;
         outPower[i] = (numeratorRe * numeratorRe + numeratorIm * numeratorIm) / denominator;
     }
-    if (poleHit)
-        throw MException("Complex division by zero.");
 }
 
 FilterDictionary::FilterDictionary(double usedSampleRate)

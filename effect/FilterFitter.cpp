@@ -18,19 +18,8 @@ constexpr double GainOfShapeDb = -24.0;
 constexpr double LowestPower = 1e-20;
 }   // namespace
 
-void FilterFitter::BuildGrid(double minHz, double maxHz, std::int32_t count)
-{
-    if (count == gridCount && std::abs(minHz - gridMinHz) < 1e-50 && std::abs(maxHz - gridMaxHz) < 1e-50)
-        return;
-    FitGrid::Build(minHz, maxHz, count, grid.data());
-    gridCount = count;
-    gridMinHz = minHz;
-    gridMaxHz = maxHz;
-}
-
 void FilterFitter::Prepare(double newSampleRate)
 {
-    BuildGrid(FitGrid::MinHz, FitGrid::MaxHz, FitGrid::Count);
     if (dictionary && std::abs(dictionary->SampleRate() - newSampleRate) < 1e-50)
         return;
     dictionary.reset();   // first, so that two rates don't stand in memory at once
@@ -41,7 +30,7 @@ FittedFilter FilterFitter::FilterOf(const FitChoice& choice) const
 {
     // The first shift of the exhaustive search stands one point above the grid.
     const auto point = static_cast<std::size_t>(std::clamp(choice.position, 0, FitGrid::Count - 1));
-    return { .frequency = grid[point],
+    return { .frequency = FitGrid::Hertz()[point],
              .gain = choice.candidate->hasGain ? GainOfShapeDb * choice.gain : 0.0,
              .q = choice.candidate->q,
              .type = choice.candidate->type };

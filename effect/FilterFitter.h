@@ -22,10 +22,10 @@ enum MFAAlgorithm : std::int32_t
 /// One band that a fit found.
 struct FittedFilter
 {
-    double frequency = 0;   ///< Hz
-    double gain = 0;   ///< dB
-    double q = 0;
-    std::int32_t type = 0;   ///< FilterType
+    double frequency;   ///< Hz
+    double gain;   ///< dB
+    double q;
+    std::int32_t type;   ///< FilterType
 };
 
 /// Turns a wanted response into a short list of filters: a greedy matching pursuit in decibels over the
@@ -36,13 +36,6 @@ struct FittedFilter
 class FilterFitter
 {
 public:
-    /// The bin-centred logarithmic grid. Skipped if limits (to within 1e-50) and count are unchanged.
-    /// @param count  at most FitGrid::Count
-    void BuildGrid(double minHz, double maxHz, std::int32_t count);
-    std::int32_t GridCount() const { return gridCount; }
-    /// Frequencies in Hz of the grid points; valid once a grid was built.
-    const std::array<float, FitGrid::Count>& Grid() const { return grid; }
-
     /// Builds, or finds in the process, what depends on the sample rate. Called by Fit.
     void Prepare(double newSampleRate);
 
@@ -68,9 +61,5 @@ private:
     std::optional<FittedFilter> BestUnder(const ResponseCeiling& ceiling, const float* wanted,
                                           const std::array<FittedFilter, 2>& proposals) const;
 
-    std::array<float, FitGrid::Count> grid{};
-    std::int32_t gridCount = 0;
-    double gridMinHz = 0;
-    double gridMaxHz = 0;
     std::shared_ptr<const FilterDictionary> dictionary;
 };

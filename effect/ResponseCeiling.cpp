@@ -24,8 +24,6 @@ ResponseCeiling::ResponseCeiling(double fitRate, double usedCeilingDb) : ceiling
 {
     if (ceilingDb >= None)
         return;
-    std::array<float, FitGrid::Count> grid;
-    FitGrid::Build(FitGrid::MinHz, FitGrid::MaxHz, FitGrid::Count, grid.data());
     std::size_t count = 0;
     for (const double sampleRate : { fitRate, 44100.0, 48000.0, 96000.0 })
     {
@@ -35,7 +33,7 @@ ResponseCeiling::ResponseCeiling(double fitRate, double usedCeilingDb) : ceiling
         {
             rate.points.push_back(MAudioFilters::InverseZ(std::min(hertz, nyquistHz), sampleRate));
         };
-        for (const float hertz : grid)
+        for (const float hertz : FitGrid::Hertz())
             add(static_cast<double>(hertz));
         for (std::int32_t i = 0; i < pointsBelow; ++i)
             add(lowestHz * std::pow(FitGrid::MinHz / lowestHz, static_cast<double>(i) / pointsBelow));

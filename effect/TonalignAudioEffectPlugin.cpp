@@ -18,11 +18,9 @@ TonalignAudioEffectPlugin::TonalignAudioEffectPlugin() : equalizer(*this)
 {
     DescribeParameters();
     description.flags = EffectFlag::Default | EffectFlag::PanelInMainEditor | EffectFlag::SeparatePages;
-    specialParameters[0] = {
-        .name = "Bands", .id = "bands", .adapter = &equalizer.automation, .owner = nullptr
-    };
-    description.specialParameters = specialParameters.data();
-    description.specialParameterCount = static_cast<std::int32_t>(specialParameters.size());
+    bandParameters = { .name = "Bands", .id = "bands", .adapter = &equalizer.automation, .owner = nullptr };
+    description.specialParameters = &bandParameters;
+    description.specialParameterCount = 1;
 
     analyzer.SetLock(lock);
     analyzer.AddClient(outputClient, ProcessorAverage);

@@ -108,7 +108,7 @@ public:
     };
     /// The bands' summed response in dB at the points of the fitter's grid.
     std::array<float, 1024> BandResponse(DrySignal dry = DrySignal::LeftOut);
-    const std::array<float, 1024>& FitterGrid();
+    static const std::array<float, 1024>& FitterGrid() { return FitGrid::Hertz(); }
 
     /// Sets one of the analyses from elsewhere, such as a file.
     void SetAnalysis(const AnalysisArray& analysis, bool isSource);
@@ -163,7 +163,7 @@ private:
     void StoreCurvesAndBands(const MStoreParams& params);
 
     std::array<MPluginParameterInfo, ParameterCount> parameters;
-    std::array<MPluginSpecialParameterInfo, 1> specialParameters;
+    MPluginSpecialParameterInfo bandParameters;
     AnalyzerClient outputClient;
     AnalyzerClient analysisClient;
     FilterFitter fitter;

@@ -22,12 +22,6 @@ bool IsFinite(const AnalysisArray& analysis)
 }
 }   // namespace
 
-const std::array<float, 1024>& TonalignAudioEffectPlugin::FitterGrid()
-{
-    fitter.BuildGrid(FitGrid::MinHz, FitGrid::MaxHz, FitGrid::Count);
-    return fitter.Grid();
-}
-
 TonalignAudioEffectPlugin::MatchInput TonalignAudioEffectPlugin::TakeMatchInput() const
 {
     const MSynchronizerGuard guard(lock);

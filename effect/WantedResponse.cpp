@@ -16,12 +16,17 @@ constexpr float floorDb = -200.0f;
 
 void PrepareAnalysis(GridCurve& analysis, Interpolator& smoothing)
 {
-    if (smoothing.HalfLength() > 1)
-        smoothing.Convolve(analysis.data(), analysis.data(), count, true);
+    // Silence stays what it is: smoothing by FFT would leave its guard against denormal numbers, and that
+    // would be brought to 0 dB.
     float largest = 0;
     MVector::Max(analysis.data(), count, &largest);
     if (!(std::fabs(largest) < 1e-20f))
+    {
+        if (smoothing.HalfLength() > 1)
+            smoothing.Convolve(analysis.data(), analysis.data(), count, true);
+        MVector::Max(analysis.data(), count, &largest);
         MVector::MultiplyConstantInPlace(analysis.data(), count, 1 / largest);
+    }
     // A logarithm wants something above zero; whatever lies that low ends on the floor anyway.
     MVector::ThresholdLowInPlace(analysis.data(), count, 1e-30f);
     MVector::Ln(analysis.data(), analysis.data(), count);

@@ -380,37 +380,11 @@ void MAudioPluginVSTAdapter::PerformProcessing(float** inputs, float** outputs, 
     if (frames <= 0 || outputs == nullptr)
         return;
     ReadTimeInfo();
-    const std::int32_t width = plugin->buses.Width();
-    const std::int32_t inputGroups = plugin->buses.InputGroups();
-    const std::int32_t outputGroups = plugin->buses.OutputGroups();
     // Some hosts pass no inputs to an effect that nothing is connected to: it hears silence.
     std::array<float*, MAudioPlugin::MaxChannels> unconnected{};
     if (inputs == nullptr)
         inputs = unconnected.data();
-    if (width == 8 || (inputGroups <= 1 && outputGroups == 1))
-    {
-        plugin->ProcessBlockOrSilence(inputs, outputs, frames, replacing);
-    }
-    else
-    {
-        // The host counts channels through; the plug-in's groups stand 8 apart.
-        std::array<float*, MAudioPlugin::MaxChannels> in{};
-        std::array<float*, MAudioPlugin::MaxChannels> out{};
-        const auto spread = [width](auto& target, float** source, std::int32_t groups)
-        {
-            if (source == nullptr)
-                return;
-            for (std::int32_t group = 0; group < std::min(groups, MAudioPlugin::MaxChannels / 8); ++group)
-            {
-                float** first = source + group * width;
-                for (std::int32_t slot = 0; first[0] != nullptr && slot < 8; ++slot)
-                    target[static_cast<std::size_t>(group * 8 + slot)] = first[std::min(slot, width - 1)];
-            }
-        };
-        spread(in, inputs, inputGroups);
-        spread(out, outputs, outputGroups);
-        plugin->ProcessBlockOrSilence(in.data(), out.data(), frames, replacing);
-    }
+    plugin->ProcessBlockOrSilence(inputs, outputs, frames, replacing);
     SendOutgoingEvents();
 }
 

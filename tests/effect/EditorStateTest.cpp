@@ -5,36 +5,16 @@
 
 TEST(EditorState, FollowsMeasuringAndDrawing)
 {
-    struct Case
+    const auto expect = [](const EditorState::Facts& facts, const EditorState& expected, const char* when)
     {
-        EditorState::Facts facts;
-        bool bands, target, source, analysis, analyseTarget, analyseSource, pressed, equalize, save, load,
-            draw;
+        EXPECT_TRUE(EditorState::From(facts) == expected) << when;
     };
-    const Case cases[] = {
-        //  measuring, of source, drawing, target, source defined
-        { { false, false, false, true, true }, 1, 1, 1, 0, 1, 1, 0, 1, 1, 1, 1 },
-        { { false, false, false, true, false }, 1, 1, 0, 0, 1, 1, 0, 0, 0, 1, 1 },
-        { { true, false, false, false, true }, 0, 0, 0, 1, 1, 0, 0, 0, 0, 0, 0 },
-        { { true, true, false, true, false }, 0, 0, 0, 1, 0, 1, 1, 0, 0, 0, 0 },
-        { { false, false, true, true, true }, 0, 1, 0, 0, 0, 1, 0, 0, 0, 0, 1 },
-    };
-    for (const Case& each : cases)
-    {
-        SCOPED_TRACE(&each - cases);
-        const EditorState state = EditorState::From(each.facts);
-        EXPECT_EQ(state.bandsVisible, each.bands);
-        EXPECT_EQ(state.outputCurveVisible, each.bands);
-        EXPECT_EQ(state.targetCurveVisible, each.target);
-        EXPECT_EQ(state.sourceCurveVisible, each.source);
-        EXPECT_EQ(state.analysisCurveVisible, each.analysis);
-        EXPECT_EQ(state.analyseTargetEnabled, each.analyseTarget);
-        EXPECT_EQ(state.analyseSourceEnabled, each.analyseSource);
-        EXPECT_EQ(state.analyseSourcePressed, each.pressed);
-        EXPECT_EQ(state.equalizeEnabled, each.equalize);
-        EXPECT_EQ(state.saveEnabled, each.save);
-        EXPECT_EQ(state.loadEnabled, each.load);
-        EXPECT_EQ(state.drawEnabled, each.draw);
-        EXPECT_EQ(state.sourceEnvelopeVisible, each.facts.drawingSource);
-    }
+    // Facts: measuring, of source, drawing, target, source defined. Visible: bands, envelope, target, source,
+    // analysis, output, display. Then target and source enabled, pressed, Equalize, save, load, draw.
+    expect({ 0, 0, 0, 1, 1 }, { 1, 0, 1, 1, 0, 1, 1, 1, 1, 0, 1, 1, 1, 1 }, "both are there");
+    expect({ 0, 0, 0, 1, 0 }, { 1, 0, 1, 0, 0, 1, 1, 1, 1, 0, 0, 0, 1, 1 }, "no source");
+    expect({ 0, 0, 0, 0, 1 }, { 1, 0, 0, 1, 0, 1, 1, 1, 1, 0, 0, 1, 1, 1 }, "no target");
+    expect({ 1, 0, 0, 0, 1 }, { 0, 0, 0, 0, 1, 0, 0, 1, 0, 0, 0, 0, 0, 0 }, "measuring the target");
+    expect({ 1, 1, 0, 1, 0 }, { 0, 0, 0, 0, 1, 0, 0, 0, 1, 1, 0, 0, 0, 0 }, "measuring the source");
+    expect({ 0, 0, 1, 1, 1 }, { 0, 1, 1, 0, 0, 0, 1, 0, 1, 0, 0, 0, 0, 1 }, "drawing");
 }

@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "audio/filters/FilterTypes.h"
+#include "control/envelope/MEnvelope.h"
 #include "effect/TonalignAudioEffectPlugin.h"
 #include "effect/WantedResponse.h"
 #include "plugin/contract/ChangeListener.h"
@@ -77,39 +78,60 @@ struct Case
     double minimumHz = 20;
     double maximumHz = 20000;
     double smoothness = 0.05;
-    double share = 1;   // of each wish that the curve leaves: a straight line from 0 to this
+    double knee = 0.5;   // what the transformation makes of half of the largest wish
     bool separate = false;
     bool neverAmplify = false;
     double roomLimitDb = -40;
 };
 
-Curve Wanted(const AnalysisArray& target, const AnalysisArray& source, const Case& each)
+// What the user asks for: two prepared curves, the points inside the limits, and the gains wanted there.
+struct Wish
 {
-    const Curve from = Prepared(target, each.smoothness);
-    const Curve to = Prepared(source, each.smoothness);
-    Curve wanted;
+    Curve from, to, wanted;
+    std::size_t first, last;
+};
+
+Wish Wanted(const AnalysisArray& target, const AnalysisArray& source, const Case& each)
+{
+    Wish wish{ Prepared(target, each.smoothness), Prepared(source, each.smoothness), {}, count, 0 };
     for (std::size_t index = 0; index < count; ++index)
     {
-        const double room = each.roomLimitDb - std::max(to[index], each.roomLimitDb);
-        const double reference = each.separate ? std::min(from[index], room) : to[index];
+        const double room = each.roomLimitDb - std::max(wish.to[index], each.roomLimitDb);
+        if (each.separate)
+            wish.to[index] = std::min(wish.from[index], room);
         const bool inside = HertzAt(index) >= each.minimumHz && HertzAt(index) <= each.maximumHz;
-        wanted[index] = inside ? reference - from[index] : 0;
+        wish.wanted[index] = inside ? wish.to[index] - wish.from[index] : 0;
+        wish.first = inside ? std::min(wish.first, index) : wish.first;
+        wish.last = inside ? index : wish.last;
     }
     if (each.neverAmplify)
     {
-        const double highest = *std::max_element(wanted.begin(), wanted.end());
-        for (double& value : wanted)
+        const double highest = *std::max_element(wish.wanted.begin(), wish.wanted.end());
+        for (double& value : wish.wanted)
             value -= highest;
     }
-    for (std::size_t index = 0; index < count; ++index)
-        if (HertzAt(index) >= each.minimumHz && HertzAt(index) <= each.maximumHz)
-            wanted[index] *= each.share;
-    return wanted;
+    double largest = 0;   // of all points but the last
+    for (std::size_t index = wish.first; index < wish.last; ++index)
+        largest = std::max(largest, std::abs(wish.wanted[index]));
+    for (std::size_t index = wish.first; index <= wish.last && largest > 0; ++index)
+    {
+        const double t = std::min(std::abs(wish.wanted[index]) / largest, 1.0);
+        const double mapped = t < 0.5 ? 2 * each.knee * t : each.knee + (2 - 2 * each.knee) * (t - 0.5);
+        wish.wanted[index] = std::copysign(mapped * largest, wish.wanted[index]);
+    }
+    return wish;
 }
 
 double RootMeanSquare(const Curve& curve)
 {
     return std::sqrt(std::inner_product(curve.begin(), curve.end(), curve.begin(), 0.0) / count);
+}
+
+template <typename Values>
+void ExpectNear(const Values& values, const Curve& expected, double tolerance, const char* what)
+{
+    for (std::size_t index = 0; index < count; ++index)
+        ASSERT_NEAR(values[index], expected[index], tolerance) << what << ", point " << index;
 }
 
 class Match : public ::testing::Test
@@ -119,6 +141,21 @@ protected:
     {
         effect.InitProcessing(2, rate);
         effect.Update();
+    }
+    void Ask(const Case& each)
+    {
+        effect.settings.adaptionFrequencyMin = each.minimumHz;
+        effect.settings.adaptionFrequencyMax = each.maximumHz;
+        effect.settings.spaceInMixLimit = each.roomLimitDb;
+        effect.settings.neverAmplify = each.neverAmplify;
+        effect.settings.autoEqEnvelope.Edit(
+            [&each](MArray<MEnvelopePoint>& points)
+            {
+                points.Clear();
+                for (const auto& [x, y] : { std::pair{ 0.0, 0.0 }, { 0.5, each.knee }, { 1.0, 1.0 } })
+                    points.Add({ .x = x, .y = y });
+            });
+        effect.description.parameters[TonalignAudioEffectPlugin::Smoothness].number.value = each.smoothness;
     }
     int EnabledBands()
     {
@@ -137,18 +174,18 @@ TEST_F(Match, TheBandsFollowWhatTheSettingsAskFor)
     const Case cases[] = {
         {},
         { .smoothness = 0 },
-        { .smoothness = 0.2 },
+        { .smoothness = 0.2, .knee = 0.9 },
         { .minimumHz = 200 },
         { .maximumHz = 3000 },
-        { .minimumHz = 100, .maximumHz = 5000, .share = 0.5 },
-        { .share = 0.25 },
+        { .minimumHz = 100, .maximumHz = 5000, .knee = 0.2 },
+        { .knee = 0 },
         { .neverAmplify = true },
-        { .separate = true, .roomLimitDb = -12 },
+        { .knee = 0.8, .separate = true, .roomLimitDb = -12 },
         { .separate = true, .roomLimitDb = -30 },
     };
     Prepare();
     std::mt19937 random(11);
-    for (int round = 0; round < 4; ++round)
+    for (int round = 0; round < 2; ++round)
         for (const Case& each : cases)
         {
             SCOPED_TRACE(::testing::Message() << "round " << round << ", case " << &each - cases);
@@ -161,25 +198,30 @@ TEST_F(Match, TheBandsFollowWhatTheSettingsAskFor)
             effect.SetAnalysis(target, false);
             effect.SetAnalysis(source, true);
             effect.settings.maxAdaptionBars = 10;
-            effect.settings.adaptionFrequencyMin = each.minimumHz;
-            effect.settings.adaptionFrequencyMax = each.maximumHz;
-            effect.settings.spaceInMixLimit = each.roomLimitDb;
-            effect.settings.neverAmplify = each.neverAmplify;
-            effect.settings.autoEqEnvelope.Reset(0, each.share);
-            effect.description.parameters[TonalignAudioEffectPlugin::Smoothness].number.value =
-                each.smoothness;
+            Ask(each);
             effect.equalizer.Band(3).harmonicsDepth = 0.5;
             effect.equalizer.Band(4).order = 2;
 
-            const Curve wanted = Wanted(target, source, each);
-            ASSERT_EQ(effect.Equalize(each.separate).result, TonalignAudioEffectPlugin::EqualizeResult::Done);
+            const Wish wish = Wanted(target, source, each);
+            const TonalignAudioEffectPlugin::Equalization done = effect.Equalize(each.separate);
+            ASSERT_EQ(done.result, TonalignAudioEffectPlugin::EqualizeResult::Done);
+            EXPECT_EQ(done.first, static_cast<std::int32_t>(wish.first));
+            EXPECT_EQ(done.last, static_cast<std::int32_t>(wish.last));
+            // Floats, and a kernel that ends where the bell is near nothing.
+            ExpectNear(done.curves.target, wish.from, 0.01, "prepared target");
+            ExpectNear(done.curves.reference, wish.to, 0.01, "prepared source");
+            WantedResponse wanted(done.curves.target, done.curves.reference);
+            wanted.Limit(effect.FitterGrid(), { each.minimumHz, each.maximumHz, each.neverAmplify });
+            wanted.Transform(effect.settings.autoEqEnvelope);
+            ExpectNear(wanted.Values(), wish.wanted, 0.1, "wanted response");
+
             const std::array<float, count> response = effect.BandResponse();
             Curve rest;
             for (std::size_t index = 0; index < count; ++index)
-                rest[index] = wanted[index] - static_cast<double>(response[index]);
+                rest[index] = wish.wanted[index] - static_cast<double>(response[index]);
             // Most of the roughness stays without smoothing: no ten bands follow it.
             const double unreachable = each.smoothness == 0 ? 3 : 0;
-            EXPECT_LT(RootMeanSquare(rest), 0.16 * RootMeanSquare(wanted) + 0.25 + unreachable);
+            EXPECT_LT(RootMeanSquare(rest), 0.16 * RootMeanSquare(wish.wanted) + 0.25 + unreachable);
             EXPECT_LE(EnabledBands(), 10);
             if (each.neverAmplify)
             {
@@ -192,66 +234,71 @@ TEST_F(Match, MoreBandsAreNeverWorseAndTheKindsOfBandsAreTheUsers)
 {
     std::mt19937 random(5);
     int passesUsed = 0;
-    int algorithmsDiffer = 0;
-    for (const double rate : { 16000.0, 44100.0, 96000.0 })
+    for (const double rate : { 16000.0, 44100.0 })
     {
         Prepare(rate);
-        for (int round = 0; round < 3; ++round)
+        // A steep low cut, which a high-pass does best.
+        Curve cut = Landscape(random, 5);
+        for (std::size_t index = 0; index < 250; ++index)
+            cut[index] -= 0.2 * static_cast<double>(250 - index);
+        effect.SetAnalysis(Amplitudes(Landscape(random, 5)), false);
+        effect.SetAnalysis(Amplitudes(cut), true);
+        for (const bool plain : { false, true })
         {
-            // A steep low cut, which a high-pass does best.
-            Curve cut = Landscape(random, 5);
-            for (std::size_t index = 0; index < 250; ++index)
-                cut[index] -= 0.2 * static_cast<double>(250 - index);
-            effect.SetAnalysis(Amplitudes(Landscape(random, 5)), false);
-            effect.SetAnalysis(Amplitudes(cut), true);
-            for (const bool plain : { false, true })
-                for (const MFAAlgorithm algorithm : { MFADefault, MFAOptimized })
+            std::vector<double> distances[2];
+            for (const MFAAlgorithm algorithm : { MFADefault, MFAOptimized })
+            {
+                SCOPED_TRACE(::testing::Message()
+                             << rate << " Hz, without passes " << plain << ", algorithm " << algorithm);
+                effect.settings.disablePassNotch = plain;
+                effect.settings.adaptionAlgorithm = algorithm;
+                double last = 1e9;
+                for (const std::int32_t bands : { 1, 2, 4, 7, 10 })
                 {
-                    SCOPED_TRACE(::testing::Message() << rate << " Hz, round " << round << ", without passes "
-                                                      << plain << ", algorithm " << algorithm);
-                    effect.settings.disablePassNotch = plain;
-                    effect.settings.adaptionAlgorithm = algorithm;
-                    double last = 1e9;
-                    for (std::int32_t bands = 1; bands <= 10; ++bands)
+                    effect.settings.maxAdaptionBars = bands;
+                    const TonalignAudioEffectPlugin::Equalization done = effect.Equalize(false);
+                    EXPECT_EQ(EnabledBands(), bands);
+                    GridCurve reached = done.curves.target;
+                    const std::array<float, count> response = effect.BandResponse();
+                    for (std::size_t index = 0; index < count; ++index)
+                        reached[index] += response[index];
+                    const std::int32_t top = std::min(done.last, FitGrid::UsableCount(rate) - 1);
+                    const double apart = SpectralDistanceDb(done.curves.reference, reached, done.first, top);
+                    // The greedy choice is by shapes; what it really adds may be a little off.
+                    EXPECT_LT(apart, last + 0.3) << bands;
+                    last = std::min(last, apart);
+                    for (std::int32_t band = 0; band < bands; ++band)
                     {
-                        effect.settings.maxAdaptionBars = bands;
-                        const TonalignAudioEffectPlugin::Equalization done = effect.Equalize(false);
-                        EXPECT_LE(EnabledBands(), bands);
-                        GridCurve reached = done.curves.target;
-                        const std::array<float, count> response = effect.BandResponse();
-                        for (std::size_t index = 0; index < count; ++index)
-                            reached[index] += response[index];
-                        const std::int32_t top = std::min(done.last, FitGrid::UsableCount(rate) - 1);
-                        const double apart =
-                            SpectralDistanceDb(done.curves.reference, reached, done.first, top);
-                        // The greedy choice is by shapes; what it really adds may be a little off.
-                        EXPECT_LT(apart, last + 0.3) << bands;
-                        last = std::min(last, apart);
-                        for (std::int32_t band = 0; band < MEqualizerBase::BandCount; ++band)
-                        {
-                            const BandPoint& point = effect.equalizer.Band(band);
-                            if (!point.enabled)
-                                continue;
-                            const bool pass = !MAudioFilters::PropertiesOf(point.type).hasGain;
-                            EXPECT_FALSE(pass && plain);
-                            passesUsed += pass ? 1 : 0;
-                            EXPECT_EQ(point.order, 0);
-                            EXPECT_EQ(point.harmonicsDepth, 0.0);
-                            EXPECT_LE(std::pow(10.0, point.x), 0.4501 * rate);
-                        }
+                        const BandPoint& point = effect.equalizer.Band(band);
+                        const bool pass = !MAudioFilters::PropertiesOf(point.type).hasGain;
+                        EXPECT_FALSE(pass && plain);
+                        passesUsed += pass ? 1 : 0;
+                        EXPECT_EQ(point.order, 0);
+                        EXPECT_EQ(point.harmonicsDepth, 0.0);
+                        EXPECT_LE(std::pow(10.0, point.x), 0.4501 * rate);
                     }
-                    // A cut of 50 dB wants a pass; shelves of 24 dB come less near.
-                    EXPECT_LT(last, plain ? 3 : 1.5);
-                    static double ofDefault = 0;
-                    if (algorithm == MFADefault)
-                        ofDefault = last;
-                    else
-                        algorithmsDiffer += std::fabs(last - ofDefault) > 1e-9 ? 1 : 0;
                 }
+                // A cut of 50 dB wants a pass; shelves of 24 dB come less near.
+                EXPECT_LT(last, plain ? 3 : 1.5);
+                distances[algorithm].push_back(last);
+            }
+            EXPECT_NE(distances[MFADefault], distances[MFAOptimized]) << "both are used";
         }
     }
     EXPECT_GT(passesUsed, 0);
-    EXPECT_GT(algorithmsDiffer, 0) << "the choice of the algorithm changes something";
+}
+
+TEST(SpectralDistance, IsTheDeviationFromTheMeanInsideTheLimits)
+{
+    GridCurve one{}, other{};
+    for (std::size_t index = 100; index <= 400; ++index)
+        one[index] = index % 2 == 0 ? 7.0f : 3.0f;   // 5 and 2 up or down
+    one[99] = one[401] = 1000;
+    other[99] = 500;
+    EXPECT_NEAR(SpectralDistanceDb(one, other, 101, 400), 2, 1e-9);
+    EXPECT_NEAR(SpectralDistanceDb(other, one, 101, 400), 2, 1e-9);
+    EXPECT_EQ(SpectralDistanceDb(one, other, 300, 299), 0);
+    EXPECT_EQ(SpectralDistanceDb(one, other, 300, 300), 0);
 }
 
 TEST_F(Match, EqualAnalysesAreLeftAloneAndDamagedOnesRefused)
@@ -297,7 +344,8 @@ TEST_F(Match, EqualAnalysesAreLeftAloneAndDamagedOnesRefused)
     fresh.SetAnalysis(target, false);
     EXPECT_EQ(fresh.Equalize(false).result, Result::Done);
     fresh.SetAnalysis({}, false);
-    fresh.Equalize(false);
+    const TonalignAudioEffectPlugin::Equalization silent = fresh.Equalize(false);
+    EXPECT_EQ(*std::max_element(silent.curves.target.begin(), silent.curves.target.end()), -200.0f);
     for (const float level : fresh.BandResponse())
         ASSERT_TRUE(std::isfinite(level));
 }

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/presets/HostPresets.h"
 
-#include <algorithm>
 #include <filesystem>
 #include <fstream>
 
@@ -26,9 +25,7 @@ void WriteVst3Presets(const std::string& folder)
         const auto plugin = instance();
         plugin->presets.LoadFactoryPreset(index);
         const std::string name = plugin->presets.FactoryPresetName(index).ToUTF8();
-        std::string fileName = name;
-        std::replace(fileName.begin(), fileName.end(), '/', '-');
-        const std::string path = folder + "/" + fileName + ".vstpreset";
+        const std::string path = folder + "/" + name + ".vstpreset";
         std::ofstream file(path, std::ios::binary);
         file << HostPresetFile::Make(HostPresetFile::Format::Vst3, *plugin, name);
         if (!file.flush())

@@ -105,11 +105,8 @@ TEST(Module, DescribesInItsBundleWhatTheFactoryAnswers)
     ASSERT_EQ(factory->countClasses(), 1);
     ASSERT_EQ(factory->getClassInfo2(0, &plugin), 0);
 
-    char id[33] = {};
-    for (int index = 0; index < 16; ++index)
-        std::snprintf(id + 2 * index, 3, "%02X", static_cast<unsigned char>(plugin.cid[index]));
     const nlohmann::json& described = info["Classes"][0];
-    EXPECT_EQ(described["CID"], id);
+    EXPECT_EQ(described["CID"], HexadecimalOf(plugin.cid));
     EXPECT_EQ(std::string(plugin.cid, 16), "qvrnPlugQT~2QT~2");
     EXPECT_EQ(described["Name"], plugin.name);
     EXPECT_EQ(described["Category"], plugin.category);
@@ -127,6 +124,9 @@ TEST(Module, DescribesInItsBundleWhatTheFactoryAnswers)
     EXPECT_EQ(object, nullptr);
     EXPECT_NE(factory->createInstance(plugin.cid, Steinberg::Vst::IMessage::iid, &object), 0);
     EXPECT_EQ(object, nullptr);
+    EXPECT_NE(factory->createInstance(nullptr, Steinberg::Vst::IComponent::iid, &object), 0);
+    EXPECT_NE(factory->createInstance(plugin.cid, nullptr, &object), 0);
+    EXPECT_NE(factory->createInstance(plugin.cid, Steinberg::Vst::IComponent::iid, nullptr), 0);
     EXPECT_NE(factory->getClassInfo2(1, &plugin), 0);
     factory->release();
     first->release();

@@ -3,11 +3,21 @@
 
 #include <atomic>
 #include <cstdint>
+#include <cstdio>
 #include <string>
 #include <vector>
 
 #include "hosts/vst2/AEffect.h"
 #include "tools/vst3host/LoadedModule.h"
+
+/// A class id of 16 bytes as texts hold it.
+inline std::string HexadecimalOf(const char* classId)
+{
+    char digits[33] = {};
+    for (int index = 0; index < 16; ++index)
+        std::snprintf(digits + 2 * index, 3, "%02X", static_cast<unsigned char>(classId[index]));
+    return digits;
+}
 
 /// A host of the raw VST 2 record: answers its version and counts what it is told.
 class Vst2Instance

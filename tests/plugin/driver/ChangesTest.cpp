@@ -9,6 +9,7 @@
 
 #include "control/parameters/ParameterAdapters.h"
 #include "foundation/text/MException.h"
+#include "plugin/driver/EditorUpdates.h"
 #include "plugin/driver/MQuorvaneAudioEffectPlugin.h"
 #include "plugin/driver/PluginState.h"
 #include "state/tree/MAttribute.h"
@@ -271,7 +272,10 @@ TEST_F(Changes, AdaptersOfOthersOutliveThoseOfTheEffect)
     EXPECT_EQ(plugin.FindParameter("nothing"), -1);
 
     ChangeListener screen(plugin.Changes());
+    EXPECT_FALSE(plugin.wantsTimeInfo);
+    effect->description.flags.fetch_or(EffectFlag::WantsTimeInfo);
     effect->SendToHost(HostCommand::RebuildParameters);
+    EXPECT_TRUE(plugin.wantsTimeInfo);
     EXPECT_TRUE(screen.Drain() && screen.Has(Change::ParameterList));
     MString name;
     plugin.GetParameterName(name, TestEffect::Count + 1);
@@ -287,4 +291,36 @@ TEST_F(Changes, AdaptersOfOthersOutliveThoseOfTheEffect)
     EXPECT_EQ(effect->SendToHost(HostCommand::ParameterChangedInside, 7), 0);
     ASSERT_TRUE(screen.Drain());
     EXPECT_THAT(screen.Bands(), ElementsAre(7));
+}
+
+TEST(EditorUpdates, WakeTheEditorAndUpdateEachChangedAdapterOnce)
+{
+    class Watched : public AutomationAdapter
+    {
+    public:
+        Watched(std::vector<int>& list, int ownPlace) : updated(list), place(ownPlace) { targetCount = 3; }
+        void UpdateEditor() override { updated.push_back(place); }
+        std::vector<int>& updated;
+        int place;
+    };
+    std::vector<int> updated;
+    AutomationList adapters;
+    for (int place = 0; place < 3; ++place)
+        adapters.Add(new Watched(updated, place));
+    adapters.AssignIndices();
+    ChangeFeed feed;
+    EditorUpdates updates(feed);
+    feed.MarkParameter(1);
+    std::atomic<bool> woken = false;
+    updates.StartListening([&woken] { woken = true; });
+    EXPECT_FALSE(updates.Deliver(adapters)) << "what was marked before isn't new";
+    for (const std::int32_t index : { 0, 2, 7, 8, 100 })
+        feed.MarkParameter(index);
+    while (!woken)
+        std::this_thread::yield();
+    EXPECT_TRUE(updates.Deliver(adapters));
+    EXPECT_THAT(updated, ElementsAre(0, 2));
+    EXPECT_THAT(updates.News().Parameters(), ElementsAre(0, 2, 7, 8, 100));
+    updates.StopListening();
+    EXPECT_FALSE(updates.Deliver(adapters));
 }

@@ -171,32 +171,6 @@ TEST_F(Stages, BlockLengthsAndPlacesDontChangeTheUpsampledSound)
     }
 }
 
-TEST_F(Stages, MidAndSideComeBackAsLeftAndRight)
-{
-    const Stereo noise = Noise(4000);
-    Upsample(2, true);
-    const Stereo plain = Run(noise, 500);
-    plugin.channelMode = ChannelMode::MidAndSide;
-    plugin.InitProcessing();
-    plugin.ResetUpsamplers();
-    const Stereo routed = Run(noise, 500);
-    for (std::size_t index = 0; index < 4000; ++index)
-    {
-        // Two roundings to float on each way.
-        ASSERT_NEAR(routed.left[index], plain.left[index], 1e-6) << index;
-        ASSERT_NEAR(routed.right[index], plain.right[index], 1e-6) << index;
-    }
-}
-
-TEST_F(Stages, BypassKeepsTheUpsampledLatency)
-{
-    plugin.bypass = true;
-    Upsample(2, true);
-    Stereo impulse(2048);
-    impulse.left[5] = 1;
-    EXPECT_FLOAT_EQ(Run(impulse, 300).left[5 + 768], 1);
-}
-
 TEST_F(Stages, TellsTheEffectWhetherItHasToFilter)
 {
     Upsample(3, true);

@@ -9,7 +9,7 @@ TEST(Transport, TakesWhatTheHostTellsAndKeepsTheRest)
     EXPECT_EQ(transport.Context(64).tempo, -1);
     transport.Take({ .tempo = 120,
                      .position = 4.5,
-                     .barStart = 3.9999,
+                     .barStart = 3.7,
                      .signature = Transport::Report::Signature{ 4, 4 },
                      .cycleStart = 4,
                      .cycleEnd = 8,

@@ -2,6 +2,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -29,13 +30,32 @@ TEST(MakeResources, ABlockGivesBackTheFiles)
     std::ofstream(folder / "a.bin", std::ios::binary) << zeros;
     std::ofstream(folder / "deeper/b.txt") << "plain";
     std::ofstream(folder / "empty") << "";
-    const std::string block = MakeResourceBlock(
-        ParseResourceLines("# comment\n\nxresource style style.qrf\n"
-                           "resource a a.bin compressed   # packed\r\nresourceEq b deeper/b.txt\n"
-                           "resource & empty",
-                           "list"),
-        folder.string());
+    constexpr const char* Lines = "# comment\n\nxresource style style.qrf\n"
+                                  "resource a a.bin compressed   # packed\r\nresourceEq b deeper/b.txt\n"
+                                  "resource & empty";
+    const std::string block = MakeResourceBlock(ParseResourceLines(Lines, "list"), folder.string());
     EXPECT_LT(block.size(), 600u);
+    // The program makes the same of a file, and source that spells it out.
+    std::ofstream(folder / "list.txt") << Lines;
+    const std::string program =
+        std::string(std::getenv("TONALIGN_BINARY_DIR")) + "/tools/resources/make_resources";
+    const auto made = [&](const std::string& output)
+    {
+        const std::string command =
+            "'" + program + "' '" + (folder / "list.txt").string() + "' '" + (folder / output).string() + "'";
+        EXPECT_EQ(std::system(command.c_str()), 0);
+        std::ifstream file(folder / output, std::ios::binary);
+        return std::string{ std::istreambuf_iterator<char>(file), {} };
+    };
+    EXPECT_EQ(made("block.qrf"), block);
+    const std::string source = made("block.cpp");
+    std::string spelled;
+    for (std::size_t place = 0; (place = source.find("0x", place)) != std::string::npos; place += 2)
+        spelled += static_cast<char>(std::stoi(source.substr(place, 4), nullptr, 16));
+    EXPECT_EQ(spelled, block);
+    EXPECT_NE(source.find("Size = " + std::to_string(block.size()) + ";"), std::string::npos);
+    EXPECT_EQ(WEXITSTATUS(std::system(("'" + program + "' 2>/dev/null").c_str())), 2);
+    EXPECT_EQ(WEXITSTATUS(std::system(("'" + program + "' /nowhere x 2>/dev/null").c_str())), 1);
     MResourceTable table;
     table.Read(block.data(), static_cast<std::int32_t>(block.size()));
     EXPECT_EQ(table.ResourceCount(), 3);

@@ -23,6 +23,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "tools/tonalign/ProgressBar.h"
+
 namespace fs = std::filesystem;
 
 namespace
@@ -68,6 +70,7 @@ protected:
         {
             const rlimit limit{ fileLimit, fileLimit };
             setrlimit(RLIMIT_FSIZE, &limit);
+            signal(SIGINT, SIG_DFL);   // a shell's background job ignores it
             dup2(open(out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 1);
             dup2(open(err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 2);
             execv(arguments[0], arguments.data());
@@ -198,6 +201,8 @@ TEST_F(Program, RendersFlatFilesSampleForSample)
                                               { "e.wav", SF_FORMAT_WAV | SF_FORMAT_FLOAT, 32 } })
         for (const char* mode : { "normal", "linear", "fft" })
         {
+            if (bits == 8 && std::string(mode) != "linear")
+                continue;
             SCOPED_TRACE(::testing::Message() << name << ", " << mode);
             const std::string in = Noise(name, 0.2, 0.5, 44100, 2, format);
             const std::string out = Path(std::string("out-") + name);
@@ -220,10 +225,15 @@ TEST_F(Program, TypedBandsDoWhatTheySay)
     std::vector<float> impulse(120000);
     impulse[60000] = 0.5f;
     const std::string in = Write("impulse.wav", impulse, 48000, 1, SF_FORMAT_WAV | SF_FORMAT_FLOAT);
-    ASSERT_EQ(Run({ "render", in, "--band", "peak:1000:+6:1", "--band", "highpass:50:0:0.707", "-o",
-                    Path("o.wav"), "--save-state", Path("s.state") })
-                  .status,
-              0);
+    const Outcome rendered = Run({ "render", in, "--band", "peak:1000:+6:1", "--band", "highpass:50:0:0.707",
+                                   "-o", Path("o.wav"), "--save-state", Path("s.state") });
+    ASSERT_EQ(rendered.status, 0) << rendered.err;
+    EXPECT_TRUE(rendered.out.starts_with("Band  Type          Frequency        Gain        Q  Order\n"
+                                         "   1  Peak           1.00 kHz    +6.00 dB    1.000  0\n"
+                                         "   2  High-pass       50.0 Hz           -    0.707  0 (24 dB/oct)\n"
+                                         "Peak of the output: "))
+        << rendered.out;
+    EXPECT_TRUE(rendered.out.ends_with("dBFS\nWritten: " + Path("o.wav") + "\n"));
     const std::vector<float> out = Read(Path("o.wav"));
     double re = 0, im = 0;
     for (std::size_t index = 0; index < out.size(); ++index)
@@ -308,19 +318,19 @@ TEST_F(Program, ChannelModesAndGainControl)
     };
     const double midDb = 20 * std::log10(0.1), sideDb = 20 * std::log10(0.05);
     // 10 dB at the whole pass band: the gain of a mode's own channels.
-    for (const char* name : { "M", "mono", "MID" })
+    for (const char* name : { "M", "MID" })
     {
         const auto [mid, side] = levels({ "--channel-mode", name, "--gain", "10" });
         EXPECT_NEAR(mid, midDb + 10, 0.01) << name;
         EXPECT_NEAR(side, sideDb, 0.01) << name;
     }
-    for (const char* name : { "s", "Stereo", "Side" })
+    for (const char* name : { "s", "Stereo" })
     {
         const auto [mid, side] = levels({ "--channel-mode", name, "--gain", "10" });
         EXPECT_NEAR(mid, midDb, 0.01) << name;
         EXPECT_NEAR(side, sideDb + 10, 0.01) << name;
     }
-    for (const char* name : { "M+S", "mono + stereo", "Left+Right", "l+r" })
+    for (const char* name : { "mono + stereo", "l+r" })
     {
         const auto [mid, side] = levels({ "--channel-mode", name, "--gain", "-10" });
         EXPECT_NEAR(mid, midDb - 10, 0.01) << name;
@@ -371,6 +381,77 @@ TEST_F(Program, AnalysesStandInForRecordings)
     const std::string csv = Run({ "show", Path("b.TonalignComparison"), "--csv" }).out;
     EXPECT_TRUE(csv.starts_with("frequency_hz,level_db\n"));
     EXPECT_EQ(csv, Run({ "show", bright, "--csv" }).out);
+
+    // A tone stands at its frequency whatever the rate that its file was made at.
+    for (const int rate : { 22050, 48000, 96000 })
+    {
+        std::vector<float> tone(static_cast<std::size_t>(rate));
+        for (std::size_t i = 0; i < tone.size(); ++i)
+            tone[i] = std::sin(2 * std::numbers::pi_v<float> * 1000 / static_cast<float>(rate) *
+                               static_cast<float>(i));
+        Write("tone.wav", tone, rate, 1, SF_FORMAT_WAV | SF_FORMAT_FLOAT);
+        const auto shown = nlohmann::json::parse(Run({ "show", Path("tone.wav"), "--json" }).out);
+        const std::vector<double> levels = shown["level_db"];
+        const auto peak = std::max_element(levels.begin(), levels.end()) - levels.begin();
+        EXPECT_NEAR(shown["frequency_hz"][static_cast<std::size_t>(peak)].get<double>(), 1000, 20) << rate;
+    }
+}
+
+TEST_F(Program, ShowTellsWhatAStateOrARecordingHolds)
+{
+    const std::string in = Noise("in.wav", 0.5);
+    const Outcome rendered = Run({ "render",
+                                   in,
+                                   "-o",
+                                   Path("o.wav"),
+                                   "--mode",
+                                   "fft",
+                                   "--dry-wet",
+                                   "60",
+                                   "--gain",
+                                   "-3",
+                                   "--saturation",
+                                   "20",
+                                   "--upsampling",
+                                   "3",
+                                   "--upsampling-quality",
+                                   "plain",
+                                   "--agc",
+                                   "--channel-mode",
+                                   "Left",
+                                   "--band",
+                                   "notch:500:0:2",
+                                   "--save-state",
+                                   Path("s.state") });
+    ASSERT_EQ(rendered.status, 0) << rendered.err;
+    const std::string text = Run({ "show", Path("s.state") }).out;
+    EXPECT_TRUE(
+        text.starts_with("Mode: Linear-phase FFT based, dry/wet 60.0 %, gain -3.00 dB, saturation 20.0 %\n"
+                         "Channels L, upsampling 3x (plain), automatic gain control on\n"
+                         "Analyses: target none, source none\n"))
+        << text;
+    const auto state = nlohmann::json::parse(Run({ "show", Path("s.state"), "--json" }).out);
+    EXPECT_EQ(state["mode"], "Linear-phase FFT based");
+    EXPECT_NEAR(state["dry_wet_percent"], 60, 1e-6);
+    EXPECT_NEAR(state["gain_db"], -3, 1e-6);
+    EXPECT_NEAR(state["saturation_percent"], 20, 1e-6);
+    EXPECT_EQ(state["upsampling"], 3);
+    EXPECT_EQ(state["upsampling_quality"], "plain");
+    EXPECT_EQ(state["agc"], true);
+    EXPECT_EQ(state["channel_mode"], "L");
+    EXPECT_EQ(state["target_analysis"], false);
+    EXPECT_EQ(state["bands"][0]["type"], "notch");
+
+    const std::string chart = Run({ "show", in }).out;
+    EXPECT_TRUE(chart.starts_with("0:02.00, 48000 Hz, 2 channels, 16 bits, peak -")) << chart;
+    EXPECT_EQ(std::count(chart.begin(), chart.end(), '\n'), 31) << "a bar for each third of an octave";
+    const auto audio = nlohmann::json::parse(Run({ "show", in, "--json" }).out);
+    EXPECT_EQ(audio["kind"], "audio");
+    EXPECT_EQ(audio["sample_rate"], 48000);
+    EXPECT_EQ(audio["channels"], 2);
+    EXPECT_EQ(audio["frames"], 96000);
+    EXPECT_EQ(audio["bits"], 16);
+    EXPECT_EQ(audio["float"], false);
 }
 
 TEST_F(Program, NothingToEqualizeIsNoFailure)
@@ -411,7 +492,7 @@ TEST_F(Program, BadInputGivesOneLineThatNamesTheFile)
     const std::string out = Path("out.wav");
     for (const char* name :
          { "missing.wav", "empty.wav", "text.wav", "cut.wav", "silent.wav", "nan.wav", "inf.wav", "nine.wav",
-           "fast.wav", "fast.wav", "short.wav", "damaged.TonalignComparison", "garbage.TonalignComparison" })
+           "fast.wav", "short.wav", "damaged.TonalignComparison", "garbage.TonalignComparison" })
     {
         SCOPED_TRACE(name);
         const std::string path = Path(name);
@@ -588,12 +669,31 @@ TEST_F(Program, EveryFittingOptionDoesWhatItSays)
     EXPECT_NE(fit({ "--algorithm", "optimized" })["bands"], plain["bands"]);
     EXPECT_EQ(fit({ "--algorithm", "DEFAULT" })["bands"], plain["bands"]);
     EXPECT_EQ(fit({ "--bands", "010" })["bands"].size(), 10u);
-    const nlohmann::json withGain = fit({ "--no-pass-notch", "--bands", "10" });
-    for (const auto& band : withGain["bands"])
-        EXPECT_TRUE(band["type"] == "peak" || band["type"] == "lowshelf" || band["type"] == "highshelf");
+    // A steep low cut is what a high-pass does best.
+    std::vector<float> thin = Read(Noise("mono.wav", 0, 2, 48000, 1));
+    for (int stage = 0; stage < 4; ++stage)
+    {
+        float last = 0, out = 0;
+        for (float& sample : thin)
+            out = 0.9f * (out + sample - std::exchange(last, sample)), sample = out;
+    }
+    const std::string cut = Write("cut.wav", thin, 48000, 1, SF_FORMAT_WAV | SF_FORMAT_FLOAT);
+    for (const bool gainOnly : { false, true })
+    {
+        std::vector<std::string> words{ "equalize", Path("mono.wav"), "--source", cut,
+                                        "--json",   "--bands",        "6" };
+        if (gainOnly)
+            words.emplace_back("--no-pass-notch");
+        int passes = 0;
+        const nlohmann::json fitted = nlohmann::json::parse(Run(words).out);
+        for (const auto& band : fitted["bands"])
+            passes +=
+                band["type"] != "peak" && band["type"] != "lowshelf" && band["type"] != "highshelf" ? 1 : 0;
+        EXPECT_EQ(passes == 0, gainOnly);
+    }
 
     for (const auto& [target, source] : { std::pair{ dark, bright }, std::pair{ bright, dark } })
-        for (const char* bands : { "1", "4", "10" })
+        for (const char* bands : { "1", "10" })
         {
             ASSERT_EQ(Run({ "equalize", target, "--source", source, "--never-amplify", "--bands", bands,
                             "--save-state", Path("cut.state"), "--force" })
@@ -642,25 +742,19 @@ TEST_F(Program, WrongUsageIsTold)
              { "equalize", in, "--source", in, "--bands", "4x" },
              { "render", in, "-o", Path("o.wav"), "--band", "peak:1000:+-3:1" },
              { "equalize", in },
-             { "equalize", in, "--source", in, "--bands", "0" },
              { "equalize", in, "--source", in, "--bands", "eleven" },
              { "equalize", in, "--source", in, "--smooth", "nan" },
-             { "equalize", in, "--source", in, "--low", "19" },
              { "equalize", in, "--source", in, "--low", "2000", "--high", "1000" },
              { "equalize", in, "--source", in, "--limit", "-3" },
-             { "separate", in, "--source", in, "--limit", "3" },
              { "render", in },
              { "render", in, "-o", Path("out") },
              { "render", in, "-o", Path("o.flac"), "--bits", "32f" },
              { "render", in, "-o", Path("o.wav"), "--bits", "8" },
-             { "render", in, "-o", Path("o.wav"), "--block", "0" },
-             { "render", in, "-o", Path("o.wav"), "--gain", "30" },
              { "render", in, "-o", Path("o.wav"), "--band", "peak:1000:6" },
              { "render", in, "-o", Path("o.wav"), "--band", "bell:1000:6:1" },
              { "render", in, "-o", Path("o.wav"), "--band", "peak:10:6:1" },
              { "render", in, "-o", Path("o.wav"), "--band", "peak:1000:6:1:10" },
              { "render", in, "-o", Path("o.wav"), "--band", "peak:nan:6:1" },
-             { "render", in, "-o", Path("o.wav"), "--upsampling", "5" },
              { "render", in, "-o", Path("o.wav"), "--upsampling-quality", "best" },
              { "render", in, "-o", Path("o.wav"), "--channel-mode", "center" },
              { "render", in, "-o", Path("o.wav"), "--channel-mode", "Surround" },
@@ -672,6 +766,38 @@ TEST_F(Program, WrongUsageIsTold)
         EXPECT_TRUE(outcome.out.empty());
     }
     EXPECT_EQ(Leftovers({ "in.wav" }), std::vector<std::string>{});
+}
+
+TEST_F(Program, NumbersHaveTheirRanges)
+{
+    const struct
+    {
+        const char* command;
+        const char* option;
+        const char* values[4];   // below, the lowest, the highest, above
+    } ranges[] = { { "render", "--dry-wet=", { "-0.1", "0", "100", "100.1" } },
+                   { "render", "--gain=", { "-24.1", "-24", "24", "24.1" } },
+                   { "render", "--saturation=", { "-0.1", "0", "100", "100.1" } },
+                   { "render", "--upsampling=", { "0", "1", "4", "5" } },
+                   { "render", "--block=", { "0", "1", "1048576", "1048577" } },
+                   { "equalize", "--bands=", { "0", "1", "10", "11" } },
+                   { "equalize", "--low=", { "19.9", "20", "19999", "20000.1" } },
+                   { "equalize", "--high=", { "20", "20.1", "20000", "20000.1" } },
+                   { "equalize", "--smooth=", { "-0.1", "0", "20", "20.1" } },
+                   { "separate", "--limit=", { "-100.1", "-100", "0", "0.1" } },
+                   { "show", "--rate=", { "7999", "8000", "384000", "384001" } } };
+    for (const auto& [command, option, values] : ranges)
+        for (int index = 0; index < 4; ++index)
+        {
+            const std::string word = std::string(option) + values[index];
+            std::vector<std::string> words{ command, Path("missing.wav"), word };
+            if (std::string(command) == "render")
+                words.insert(words.end(), { "-o", Path("out.wav") });
+            else if (std::string(command) != "show")
+                words.insert(words.end(), { "--source", Path("missing.wav") });
+            // What is allowed gets as far as the missing file.
+            EXPECT_EQ(Run(words).status, index == 0 || index == 3 ? 2 : 1) << word;
+        }
 }
 
 TEST_F(Program, HelpManualAndParserNameTheSameOptions)
@@ -711,19 +837,37 @@ TEST_F(Program, HelpManualAndParserNameTheSameOptions)
     EXPECT_EQ(optionsIn(manual, manualLine), all);
 
     // What the help doesn't have the parser doesn't take, and the other way round.
+    all.erase("--help");
+    all.erase("--version");
     for (const std::string& command : commands)
+    {
+        std::vector<std::string> words{ command, Path("missing.wav") };
+        if (command == "equalize" || command == "separate")
+            words.insert(words.end(), { "--source", Path("missing.wav") });
+        else if (command != "show")
+            words.insert(words.end(), { "-o", Path("out.wav") });
+        std::vector<std::string> foreign = words;
         for (const std::string& option : all)
-            if (option != "--help" && option != "--version")
+            if (ofCommand[command].contains(option))
             {
-                std::vector<std::string> words{ command, Path("missing.wav"), option };
-                if (command == "equalize" || command == "separate")
-                    words.insert(words.begin() + 2, { "--source", Path("missing.wav") });
-                else if (command != "show")
-                    words.insert(words.begin() + 2, { "-o", Path("out.wav") });
+                words.push_back(option);
                 const std::string told = Run(words).err;
-                EXPECT_EQ(told.find("not expected") == std::string::npos, ofCommand[command].contains(option))
-                    << command << " " << option << ": " << told;
+                EXPECT_EQ(told.find("not expected"), std::string::npos) << command << " " << told;
+                words.pop_back();
             }
+            else
+            {
+                foreign.push_back(option);
+            }
+        const std::string told = Run(foreign).err;
+        const std::size_t place = told.find("not expected: ");
+        ASSERT_NE(place, std::string::npos) << command;
+        const std::string listed = told.substr(place) + " ";
+        for (const std::string& option : all)
+            EXPECT_NE(ofCommand[command].contains(option),
+                      std::regex_search(listed, std::regex(" " + option + "\\s")))
+                << command << " " << option << ": " << told;
+    }
 }
 
 TEST_F(Program, ClippingIsCountedAndTold)
@@ -739,4 +883,43 @@ TEST_F(Program, ClippingIsCountedAndTold)
         Run({ "render", in, "-o", Path("c.wav"), "--gain", "18", "--bits", "32f", "--json" }).out);
     EXPECT_EQ(floats["clipped"], 0);
     EXPECT_EQ(Run({ "render", in, "-o", Path("d.wav"), "--quiet" }).out, "");
+}
+
+// What is shown goes to standard error, a terminal here.
+TEST(ProgressBar, ShowsOnATerminalWhatTakesMoreThanAMoment)
+{
+    const int master = posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK);
+    ASSERT_TRUE(master >= 0 && grantpt(master) == 0 && unlockpt(master) == 0);
+    const int terminal = open(ptsname(master), O_RDWR | O_NOCTTY);
+    const int before = dup(STDERR_FILENO);
+    dup2(terminal, STDERR_FILENO);
+    std::vector<std::pair<Stage, double>> seconds;
+    {
+        ProgressBar quiet(true), bar(false);
+        for (const double share : { 0.25, 0.5, 0.75 })
+        {
+            quiet.Report(Stage::Loading, share);
+            bar.Report(Stage::Loading, share);
+            if (share < 0.5)   // nothing is shown in the first quarter of a second
+                std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        }
+        bar.Report(Stage::Rendering, 0.5);
+        bar.Report(Stage::Loading, 1);
+        bar.Finish();
+        seconds = bar.Seconds();
+    }
+    dup2(before, STDERR_FILENO);
+    char shown[1000] = {};
+    EXPECT_GT(read(master, shown, sizeof shown - 1), 0);
+    for (const int file : { master, terminal, before })
+        close(file);
+    EXPECT_TRUE(
+        std::regex_match(shown, std::regex("\r"
+                                           R"(Loading the file\.\.\.  \[#{15} {15}\]  50 %  \d s left )"
+                                           "\033\\[K\r\033\\[K")))
+        << testing::PrintToString(shown);
+    ASSERT_EQ(seconds.size(), 2u) << "in order of their start";
+    EXPECT_EQ(StageName(seconds[0].first), std::string("loading"));
+    EXPECT_GE(seconds[0].second, 0.3);
+    EXPECT_EQ(StageName(seconds[1].first), std::string("rendering"));
 }
