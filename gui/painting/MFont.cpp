@@ -78,6 +78,7 @@ void MFont::Reset(std::shared_ptr<FontFace> newFace)
     common.fill(nullptr);
     coverage.clear();
     advances.clear();
+    commonAdvances.fill(0);
     digitAdvance = signAdvance = 0;
     if (!tabularDigits)
         return;
@@ -107,6 +108,9 @@ const FontFace& MFont::FaceOf(char32_t character) const
 
 float MFont::AdvanceOf(char32_t character)
 {
+    const bool isCommon = character < commonAdvances.size();
+    if (isCommon && commonAdvances[character] > 0)
+        return commonAdvances[character];
     const auto known = advances.find(character);
     if (known != advances.end())
         return known->second;
@@ -116,10 +120,12 @@ float MFont::AdvanceOf(char32_t character)
     if (FT_Load_Glyph(sized, used.GlyphOf(character), FT_LOAD_TARGET_LIGHT | FT_LOAD_NO_BITMAP) == 0)
         // Without what hinting makes of it: spacing is the same at every size.
         advance = static_cast<float>(static_cast<double>(sized->glyph->linearHoriAdvance) / 65536);
+    if (isCommon)
+        commonAdvances[character] = advance;
     return advances[character] = advance;
 }
 
-float MFont::SharedAdvance(char32_t character, float own)
+float MFont::SharedAdvance(char32_t character, float own) const
 {
     if (tabularDigits && IsDigit(character))
         return digitAdvance;
@@ -170,7 +176,8 @@ const MFont::Glyph& MFont::GlyphOf(char32_t character, std::uint32_t phase, bool
     return found->second;
 }
 
-/// visit(character, index, pen) for each; the answer is the width.
+/// visit(character, index, pen, shift) for each, with the pen where its place begins and what centres it
+/// there; false ends it. The answer is the width.
 template <typename Visit>
 double MFont::Walk(const MString& text, Visit&& visit)
 {
@@ -182,21 +189,23 @@ double MFont::Walk(const MString& text, Visit&& visit)
         char32_t character = NextCharacter(text, index);
         if (tabularDigits && character == U'-' && index < text.Length() && IsDigit(text[index]))
             character = minusSign;
-        if (!visit(character, place, pen))
+        const float own = AdvanceOf(character);
+        const float shared = SharedAdvance(character, own);
+        if (!visit(character, place, pen, (shared - own) / 2))
             return pen;
-        pen += SharedAdvance(character, AdvanceOf(character)) + spaceBetweenChars;
+        pen += shared + spaceBetweenChars;
     }
     return pen;
 }
 
 double MFont::Width(const MString& text)
 {
-    return Walk(text, [](char32_t, int, double) { return true; });
+    return Walk(text, [](char32_t, int, double, float) { return true; });
 }
 
 double MFont::PositionOf(const MString& text, int index)
 {
-    return Walk(text, [index](char32_t, int place, double) { return place < index; });
+    return Walk(text, [index](char32_t, int place, double, float) { return place < index; });
 }
 
 int MFont::IndexAt(const MString& text, double position)
@@ -204,7 +213,7 @@ int MFont::IndexAt(const MString& text, double position)
     int best = text.Length();
     double nearest = std::abs(Width(text) - position);
     Walk(text,
-         [&](char32_t, int place, double pen)
+         [&](char32_t, int place, double pen, float)
          {
              if (std::abs(pen - position) < nearest)
              {
@@ -223,7 +232,7 @@ MString MFont::Shortened(const MString& text, double width)
     const double room = width - AdvanceOf(ellipsis) - spaceBetweenChars;
     int kept = 0;
     Walk(text,
-         [&](char32_t, int place, double pen)
+         [&](char32_t, int place, double pen, float)
          {
              if (pen > room)
                  return false;
@@ -259,10 +268,9 @@ void MFont::Draw(MBitmap& bitmap, const MRectangle& area, double x, std::int32_t
         return;
     const bool light = IsLight(color);
     Walk(text,
-         [&](char32_t character, int, double pen)
+         [&](char32_t character, int, double pen, float shift)
          {
-             const double wanted =
-                 x + pen + (SharedAdvance(character, AdvanceOf(character)) - AdvanceOf(character)) / 2;
+             const double wanted = x + pen + shift;
              const double quarter = std::floor(wanted * Phases + 0.5);
              const auto place = static_cast<std::int32_t>(std::floor(quarter / Phases));
              if (place > clip.right + 1)

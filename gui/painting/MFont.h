@@ -77,7 +77,8 @@ private:
     const Glyph& GlyphOf(char32_t character, std::uint32_t phase, bool light);
     Glyph MakeGlyph(char32_t character, std::uint32_t phase, bool light);
     float AdvanceOf(char32_t character);
-    float SharedAdvance(char32_t character, float own);
+    /// What its own advance becomes among digits and signs.
+    float SharedAdvance(char32_t character, float own) const;
     const FontFace& FaceOf(char32_t character) const;
     const FontFace& Face() const;
     void Reset(std::shared_ptr<FontFace> newFace);
@@ -87,6 +88,7 @@ private:
     std::array<const Glyph*, 128 * 8> common{};   // of ASCII, without the look-up
     std::vector<std::uint8_t> coverage;
     std::unordered_map<char32_t, float> advances;
+    std::array<float, 128> commonAdvances{};   // of ASCII; 0: not yet known
     float digitAdvance = 0;
     float signAdvance = 0;
 };

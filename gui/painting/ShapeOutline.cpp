@@ -4,11 +4,10 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <limits>
-#include <memory>
 #include <numbers>
 
-#include FT_STROKER_H
+#include <ft2build.h>
+#include FT_OUTLINE_H
 
 #include "foundation/text/MException.h"
 #include "gui/painting/FontLibrary.h"
@@ -16,14 +15,6 @@
 
 namespace
 {
-constexpr double farthest = 16000;
-
-FT_Pos Fixed(double pixels)
-{
-    const double limited = std::isnan(pixels) ? 0.0 : std::clamp(pixels, -farthest, farthest);
-    return std::lround(limited * 64);
-}
-
 void Check(FT_Error error)
 {
     if (error != 0)
@@ -97,45 +88,17 @@ private:
 
 void ShapeOutline::Clear()
 {
-    points.clear();
-    tags.clear();
-    ends.clear();
-    open = false;
-}
-
-void ShapeOutline::Add(MPointF point, char tag)
-{
-    points.push_back({ Fixed(point.x), Fixed(-point.y) });
-    tags.push_back(tag);
-}
-
-void ShapeOutline::CloseContour()
-{
-    if (open)
-        ends.push_back(static_cast<short>(points.size() - 1));
-    open = false;
+    contours.Clear();
 }
 
 void ShapeOutline::MoveTo(MPointF point)
 {
-    CloseContour();
-    // FreeType counts the points of an outline in 16 bits.
-    if (points.size() > std::numeric_limits<short>::max() - 8)
-        throw MException("GDI operation error.", MErrorCode::Drawing);
-    Add(point, FT_CURVE_TAG_ON);
-    open = true;
+    contours.Begin(ShapeContours::Fixed(point));
 }
 
 void ShapeOutline::LineTo(MPointF point)
 {
-    Add(point, FT_CURVE_TAG_ON);
-}
-
-void ShapeOutline::CurveTo(MPointF control1, MPointF control2, MPointF end)
-{
-    Add(control1, FT_CURVE_TAG_CUBIC);
-    Add(control2, FT_CURVE_TAG_CUBIC);
-    Add(end, FT_CURVE_TAG_ON);
+    contours.Add(ShapeContours::Fixed(point));
 }
 
 void ShapeOutline::AddPolygon(std::span<const MPointF> corners)
@@ -145,11 +108,10 @@ void ShapeOutline::AddPolygon(std::span<const MPointF> corners)
     MoveTo(corners[0]);
     for (const MPointF& corner : corners.subspan(1))
         LineTo(corner);
-    CloseContour();
 }
 
-/// By lines that leave the arc by a fiftieth of a pixel at most: FreeType's own way with curves leaves it by
-/// several times that, which makes small discs visibly smaller.
+/// FreeType's own way with curves leaves them by several times as much, which makes small discs visibly
+/// smaller.
 void ShapeOutline::ArcTo(MPointF centre, double radius, double start, double sweep)
 {
     constexpr double tolerance = 0.02;
@@ -190,7 +152,6 @@ void ShapeOutline::AddRectangle(double left, double top, double right, double bo
         if (r > 0)
             ArcTo(corner.centre, r, start, hole ? -quarter : quarter);
     }
-    CloseContour();
 }
 
 void ShapeOutline::AddCircle(MPointF centre, double radius, bool hole)
@@ -199,7 +160,6 @@ void ShapeOutline::AddCircle(MPointF centre, double radius, bool hole)
         return;
     MoveTo({ centre.x + radius, centre.y });
     ArcTo(centre, radius, 0, hole ? -2 * std::numbers::pi : 2 * std::numbers::pi);
-    CloseContour();
 }
 
 void ShapeOutline::AddArc(MPointF centre, double radius, double thickness, double startDegrees,
@@ -220,71 +180,112 @@ void ShapeOutline::AddArc(MPointF centre, double radius, double thickness, doubl
     LineTo(at(inner, start + sweep));
     if (inner > 0)
         ArcTo(centre, inner, start + sweep, -sweep);
-    CloseContour();
 }
 
-void ShapeOutline::AddStroke(std::span<const MPointF> line, double thickness, bool closed, bool roundEnds)
+void ShapeOutline::AddStroke(std::span<const MPointF> given, double thickness)
 {
+    constexpr double leastStep = 1e-3;   // pixels; shorter ones have no direction to speak of
+    line.clear();
+    for (const MPointF& point : given)
+        if (std::isfinite(point.x) && std::isfinite(point.y) &&
+            (line.empty() || std::hypot(point.x - line.back().x, point.y - line.back().y) > leastStep))
+            line.push_back(point);
     if (line.size() < 2 || !(thickness > 0))
         return;
-    FT_Stroker made = nullptr;
-    Check(FT_Stroker_New(FontLibrary::Get(), &made));
-    const std::unique_ptr<std::remove_pointer_t<FT_Stroker>, decltype(&FT_Stroker_Done)> stroker(
-        made, &FT_Stroker_Done);
-    FT_Stroker_Set(made, Fixed(thickness / 2), roundEnds ? FT_STROKER_LINECAP_ROUND : FT_STROKER_LINECAP_BUTT,
-                   FT_STROKER_LINEJOIN_ROUND, 0);
-    const auto fixed = [](MPointF point)
-    {
-        return FT_Vector{ Fixed(point.x), Fixed(-point.y) };
-    };
-    FT_Vector begin = fixed(line[0]);
-    Check(FT_Stroker_BeginSubPath(made, &begin, closed ? 0 : 1));
-    for (const MPointF& point : line.subspan(1))
-    {
-        FT_Vector to = fixed(point);
-        Check(FT_Stroker_LineTo(made, &to));
-    }
-    Check(FT_Stroker_EndSubPath(made));
 
-    FT_UInt pointCount = 0;
-    FT_UInt contourCount = 0;
-    Check(FT_Stroker_GetCounts(made, &pointCount, &contourCount));
-    CloseContour();
-    const std::size_t before = points.size();
-    const std::size_t contoursBefore = ends.size();
-    if (before + pointCount > static_cast<std::size_t>(std::numeric_limits<short>::max()))
-        throw MException("GDI operation error.", MErrorCode::Drawing);
-    points.resize(before + pointCount);
-    tags.resize(before + pointCount);
-    ends.resize(contoursBefore + contourCount);
-    FT_Outline outline{};
-    outline.points = points.data() + before;
-    outline.tags = tags.data() + before;
-    outline.contours = ends.data() + contoursBefore;
-    FT_Stroker_Export(made, &outline);
-    for (std::size_t i = contoursBefore; i < ends.size(); ++i)
-        ends[i] = static_cast<short>(ends[i] + static_cast<short>(before));
+    // Along one side and back along the other. Where the line bends, the offset is that of the mitre; its
+    // length is limited, and so are corners that are sharper than the line is thick.
+    constexpr double longestMitre = 1.6;   // half thicknesses
+    const double half = thickness / 2;
+    const auto direction = [this](std::size_t from)
+    {
+        const double dx = line[from + 1].x - line[from].x;
+        const double dy = line[from + 1].y - line[from].y;
+        const double length = std::hypot(dx, dy);
+        return MPointF{ dx / length, dy / length };
+    };
+    const auto offsetAt = [&](std::size_t index)
+    {
+        const MPointF in = direction(index == 0 ? 0 : index - 1);
+        const MPointF out = direction(index + 1 < line.size() ? index : index - 1);
+        const MPointF normal{ -(in.y + out.y), in.x + out.x };
+        const double square =
+            normal.x * normal.x + normal.y * normal.y;   // 4 on a straight line, 0 at a turn
+        if (square < 1e-6)
+            return MPointF{ -in.y * half, in.x * half };
+        const double mitre = std::min(2 / square, longestMitre / std::sqrt(square)) * half;
+        return MPointF{ normal.x * mitre, normal.y * mitre };
+    };
+    for (std::size_t i = 0; i < line.size(); ++i)
+    {
+        const MPointF offset = offsetAt(i);
+        const MPointF side{ line[i].x + offset.x, line[i].y + offset.y };
+        if (i == 0)
+            MoveTo(side);
+        else
+            LineTo(side);
+    }
+    for (std::size_t i = line.size(); i-- > 0;)
+    {
+        const MPointF offset = offsetAt(i);
+        LineTo({ line[i].x - offset.x, line[i].y - offset.y });
+    }
 }
+
+/// Fills what is wide and has many edges in parts: the rasterizer keeps a row's edges in a list that it
+/// searches from the start.
+class ShapeFiller
+{
+public:
+    ShapeFiller(ShapeOutline& filledShape, SpanPainter& usedPainter)
+        : shape(filledShape), painter(usedPainter)
+    {
+    }
+
+    void Fill(ShapeContours& contours, const MRectangle& clip, std::size_t depth)
+    {
+        constexpr std::int32_t narrow = 128;
+        constexpr std::size_t few = 64;
+        if (contours.IsEmpty() || clip.IsEmpty())
+            return;
+        if (clip.Width() <= narrow || contours.PointCount() <= few)
+            return Render(contours, clip);
+        if (shape.parts.size() <= depth)
+            shape.parts.resize(depth + 1);
+        const std::int32_t middle = clip.left + clip.Width() / 2;
+        for (const bool right : { false, true })
+        {
+            const MRectangle side = right ? MRectangle{ middle, clip.top, clip.right, clip.bottom }
+                                          : MRectangle{ clip.left, clip.top, middle - 1, clip.bottom };
+            contours.CutInto(shape.parts[depth], FT_Pos{ middle } * 64, right);
+            Fill(shape.parts[depth], side, depth + 1);
+        }
+    }
+
+private:
+    void Render(ShapeContours& contours, const MRectangle& clip)
+    {
+        FT_Outline outline = contours.Outline();
+        FT_Raster_Params params{};
+        params.flags = FT_RASTER_FLAG_AA | FT_RASTER_FLAG_DIRECT | FT_RASTER_FLAG_CLIP;
+        params.gray_spans = &SpanPainter::Paint;
+        params.user = &painter;
+        params.clip_box = { clip.left, -1 - clip.bottom, clip.right + 1, -clip.top };
+        Check(FT_Outline_Render(FontLibrary::Get(), &outline, &params));
+    }
+
+    ShapeOutline& shape;
+    SpanPainter& painter;
+};
 
 void ShapeOutline::Fill(MBitmap& bitmap, const MRectangle& area, const MFill& fill, MColorOp op)
 {
-    CloseContour();
-    const MRectangle clip = area.Intersection(bitmap.Clip());
-    if (points.empty() || clip.IsEmpty() || op == MColorOp::None)
+    MRectangle clip = area.Intersection(bitmap.Clip());
+    if (contours.IsEmpty() || clip.IsEmpty() || op == MColorOp::None)
         return;
-    FT_Outline outline{};
-    outline.n_points = static_cast<short>(points.size());
-    outline.n_contours = static_cast<short>(ends.size());
-    outline.points = points.data();
-    outline.tags = tags.data();
-    outline.contours = ends.data();
-    FT_BBox bounds;
-    FT_Outline_Get_CBox(&outline, &bounds);
+    const FT_BBox bounds = contours.Bounds();
     SpanPainter painter(bitmap, clip, fill, op, bounds);
-    FT_Raster_Params params{};
-    params.flags = FT_RASTER_FLAG_AA | FT_RASTER_FLAG_DIRECT | FT_RASTER_FLAG_CLIP;
-    params.gray_spans = &SpanPainter::Paint;
-    params.user = &painter;
-    params.clip_box = { clip.left, -1 - clip.bottom, clip.right + 1, -clip.top };
-    Check(FT_Outline_Render(FontLibrary::Get(), &outline, &params));
+    clip.left = std::max(clip.left, static_cast<std::int32_t>(bounds.xMin >> 6));
+    clip.right = std::min(clip.right, static_cast<std::int32_t>(bounds.xMax >> 6));
+    ShapeFiller(*this, painter).Fill(contours, clip, 0);
 }

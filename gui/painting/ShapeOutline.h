@@ -2,26 +2,19 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <span>
 #include <vector>
-
-#include <ft2build.h>
-#include FT_OUTLINE_H
 
 #include "gui/painting/MBitmap.h"
 #include "gui/painting/MColorOp.h"
 #include "gui/painting/MFill.h"
+#include "gui/painting/ShapeContours.h"
 
-/// A point between pixels: 0, 0 is the upper left corner of the first pixel, 0.5, 0.5 its middle.
-struct MPointF
-{
-    double x = 0;
-    double y = 0;
-};
-
-/// A shape with exact, anti-aliased edges: closed contours of lines and curves, filled where the winding
-/// number isn't 0. Made anew for each shape; its memory is kept. Coordinates beyond 16000 pixels are moved
-/// there; those that are no numbers count as 0. Thread: GUI.
+/// A shape with exact, anti-aliased edges: closed contours of lines, filled where the winding number isn't 0;
+/// curves are made of lines that leave them by a fiftieth of a pixel at most. Made anew for each shape; its
+/// memory is kept. Coordinates beyond 16000 pixels are moved there; those that are no numbers count as 0.
+/// Thread: GUI.
 class ShapeOutline
 {
 public:
@@ -29,31 +22,26 @@ public:
     /// Begins a contour; the one before is closed.
     void MoveTo(MPointF point);
     void LineTo(MPointF point);
-    /// A cubic curve.
-    void CurveTo(MPointF control1, MPointF control2, MPointF end);
 
-    void AddPolygon(std::span<const MPointF> points);
+    void AddPolygon(std::span<const MPointF> corners);
     /// Clockwise, or the other way round to cut a hole into another shape.
     void AddRectangle(double left, double top, double right, double bottom, double radius = 0,
                       bool hole = false);
     void AddCircle(MPointF centre, double radius, bool hole = false);
     /// A part of a ring. Angles in degrees, 0 to the right, growing clockwise; ends are cut straight.
     void AddArc(MPointF centre, double radius, double thickness, double startDegrees, double sweepDegrees);
-    /// A line of a thickness along the points, with round joins, and round or straight ends.
-    void AddStroke(std::span<const MPointF> points, double thickness, bool closed = false,
-                   bool roundEnds = false);
+    /// A line of a thickness along the points, with straight ends. Corners are mitred, sharp ones cut.
+    void AddStroke(std::span<const MPointF> line, double thickness);
 
-    bool IsEmpty() const { return points.empty(); }
     /// Fills it, as far as the bitmap's clip and `clip` go.
     void Fill(MBitmap& bitmap, const MRectangle& clip, const MFill& fill, MColorOp op);
 
 private:
-    void CloseContour();
-    void Add(MPointF point, char tag);
     void ArcTo(MPointF centre, double radius, double startRadians, double sweepRadians);
 
-    std::vector<FT_Vector> points;   // in 64ths of a pixel, up
-    std::vector<char> tags;
-    std::vector<short> ends;
-    bool open = false;
+    ShapeContours contours;
+    std::deque<ShapeContours> parts;   // while it is cut, for each depth; places that stay
+    std::vector<MPointF> line;   // of a stroke, without points that coincide
+
+    friend class ShapeFiller;
 };
