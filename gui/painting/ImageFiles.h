@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <vector>
+
 #include "gui/painting/MBitmap.h"
 
 class MStream;
@@ -25,4 +27,14 @@ void SaveTGA(const MBitmap& bitmap, MStream& stream);
 void LoadPNG(MBitmap& bitmap, MStream& stream);
 /// 32 bits. Throws the first three of these, and "Empty image cannot be saved to PNG.".
 void SavePNG(const MBitmap& bitmap, MStream& stream);
+/// By the system's libraries, which are opened with the first such picture. Throw MException "Could not
+/// initialize libjpeg." or "Could not initialize libtiff." where that isn't there, "Error loading a JPEG
+/// file." or "Error loading a TIFF file.".
+void LoadJPEG(MBitmap& bitmap, MStream& stream);
+void LoadTIFF(MBitmap& bitmap, MStream& stream);
+/// Whatever the file's first bytes say it is; without a mark it counts as TGA. Throws as the others.
+void Load(MBitmap& bitmap, MStream& stream);
+
+/// What is left of a stream.
+std::vector<std::uint8_t> RestOf(MStream& stream);
 }   // namespace ImageFiles

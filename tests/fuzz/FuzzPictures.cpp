@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // rooms: gui/painting
-// Pictures, masks and fonts from anywhere. The first byte chooses the reader.
+// Pictures, masks and fonts from anywhere. The first byte chooses between a picture, a mask and a font.
 #include <cstddef>
 #include <cstdint>
 
@@ -19,16 +19,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     MDrawerToMBitmap drawer(canvas);
     try
     {
-        switch (data[0] % 4)
+        switch (data[0] % 6)
         {
         case 0:
         case 1:
+        case 4:
+        case 5:
         {
             MBitmap bitmap;
-            if (data[0] % 4 == 0)
-                ImageFiles::LoadTGA(bitmap, stream, true);
-            else
-                ImageFiles::LoadPNG(bitmap, stream);
+            ImageFiles::Load(bitmap, stream);   // by the marks of the formats
             if (bitmap.Width() * std::int64_t{ bitmap.Height() } < 1 << 16)
                 drawer.StretchBlt(canvas.Bounds(), bitmap, bitmap.Bounds(), 255, MColorOp::Overlay);
             break;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Images and masks in files: there and back, and what damaged ones do.
+#include <cstdlib>
 #include <functional>
 #include <random>
 #include <string>
@@ -7,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "foundation/streams/MMemoryStream.h"
+#include "foundation/streams/MStdFileStream.h"
 #include "foundation/text/MException.h"
 #include "gui/painting/ImageFiles.h"
 #include "gui/painting/MAlphaMask.h"
@@ -177,6 +179,60 @@ TEST(ImageFiles, ReadAllKindsOfTGA)
     EXPECT_EQ(failure(TGA(10, 32, 255, 255, 0, { 0xFF, 1, 2, 3, 4 })),
               "Invalid file contents. Invalid TGA header.")
         << "larger than the file can hold";
+}
+
+TEST(ImageFiles, AreKnownByTheirMarksAndReadBySystemLibrariesWhereThereAreSome)
+{
+    const MString folder =
+        MString::FromUTF8(std::string(std::getenv("TONALIGN_SOURCE_DIR")) + "/tests/data/pictures/");
+    const auto bytesOf = [&](const char* name)
+    {
+        MStdFileStream file(folder + MString::Literal(name), MStdFileStream::ReadAccess);
+        return ImageFiles::RestOf(file);
+    };
+    const auto load = [](const Bytes& bytes)
+    {
+        MBitmap bitmap;
+        MMemoryStream stream = Over(bytes);
+        ImageFiles::Load(bitmap, stream);
+        return bitmap;
+    };
+    const Bytes jpeg = bytesOf("gradient.jpg");
+    const MBitmap gradient = load(jpeg);
+    ASSERT_EQ(gradient.Bounds(), (MRectangle{ 0, 0, 47, 15 }));
+    for (std::int32_t y = 0; y < 16; ++y)
+        for (std::int32_t x = 0; x < 48; ++x)
+        {
+            const MColor pixel = gradient.Pixel(x, y);
+            EXPECT_NEAR(pixel.Red(), x * 5, 8);
+            EXPECT_NEAR(pixel.Green(), y * 10, 8);
+            EXPECT_NEAR(pixel.Blue(), 200, 8);
+            EXPECT_EQ(pixel.Alpha(), 255);
+        }
+    const Bytes tiff = bytesOf("alpha.tif");
+    const MBitmap alpha = load(tiff);
+    ASSERT_EQ(alpha.Bounds(), (MRectangle{ 0, 0, 4, 2 }));
+    for (std::int32_t y = 0; y < 3; ++y)
+        for (std::int32_t x = 0; x < 5; ++x)
+        {
+            const MColor pixel = alpha.Pixel(x, y);
+            EXPECT_NEAR(pixel.Red(), x * 50, 1);
+            EXPECT_NEAR(pixel.Green(), y * 100, 1);
+            EXPECT_EQ(pixel.Alpha(), (x + y) % 2 != 0 ? 255 : 128);
+        }
+    std::mt19937 random(8);
+    for (const Bytes& file : { jpeg, tiff })
+        for (int round = 0; round < 200; ++round)
+        {
+            Bytes damaged = file;
+            damaged[random() % damaged.size()] = static_cast<std::uint8_t>(random());
+            damaged.resize(damaged.size() - (round % 2 == 0 ? 0 : random() % damaged.size()));
+            Failure([&] { load(damaged); });
+        }
+    EXPECT_EQ(Failure([&] { load({ 0xFF, 0xD8, 0xFF, 0 }); }), "Error loading a JPEG file.");
+    EXPECT_EQ(Failure([&] { load({ 'I', 'I', 42, 0, 9 }); }), "Error loading a TIFF file.");
+    EXPECT_EQ(Failure([&] { load({ 0x89, 'P', 'N', 'G' }); }), "Error loading a PNG file.");
+    EXPECT_EQ(Failure([&] { load({ 'x' }); }), "Invalid file contents. No TGA header present.");
 }
 
 TEST(AlphaMaskFiles, GiveBackEveryAlphaAndTellWhatIsWrong)
