@@ -65,6 +65,11 @@ void MLayoutGrid::EachCell(Visit&& visit) const
                 visit(*cell, row, column);
 }
 
+std::int32_t MLayoutGrid::WidthOf(const MControl& cell, const SizeComputer& computer)
+{
+    return cell.layout.x.ratio == 0 ? computer.Width(cell) : MinimalSizeComputer().Width(cell);
+}
+
 void MLayoutGrid::MeasureRows(const SizeComputer& computer)
 {
     for (Row& row : rows)
@@ -90,6 +95,7 @@ std::vector<MLayoutGrid::Column> MLayoutGrid::MeasureColumns(const SizeComputer&
 {
     std::vector<Column> measured(static_cast<std::size_t>(columns));
     std::vector<bool> spanStarts(measured.size());
+    std::vector<bool> hasFixed(measured.size());
     EachCell(
         [&](MControl& cell, std::size_t row, std::size_t column)
         {
@@ -104,14 +110,16 @@ std::vector<MLayoutGrid::Column> MLayoutGrid::MeasureColumns(const SizeComputer&
                     return;
                 cell.FitPlastic(Axis::X, rows[row].height - 2 * cell.layout.y.border);
             }
-            if (cell.layout.x.ratio == 0)
-                measured[column].width = std::max(measured[column].width, computer.Width(cell));
+            // What shares is never cut below its minimum, either.
+            const std::int32_t width = WidthOf(cell, computer);
+            measured[column].width = std::max(measured[column].width, width);
             measured[column].ratio = std::max(measured[column].ratio, cell.layout.x.ratio);
+            hasFixed[column] = hasFixed[column] || (cell.layout.x.ratio == 0 && width > 0);
         });
     constexpr std::int32_t emptyRatio = 100;
     for (std::size_t column = 0; column < measured.size(); ++column)
         if (measured[column].width == 0 && measured[column].ratio == 0 &&
-            (spanStarts[column] || (column > 0 && measured[column - 1].width > 0)))
+            (spanStarts[column] || (column > 0 && hasFixed[column - 1])))
             measured[column].ratio = emptyRatio;
     return measured;
 }
@@ -122,10 +130,10 @@ void MLayoutGrid::WidenForSpans(std::vector<Column>& measured, const SizeCompute
         [&](const MControl& cell, std::size_t, std::size_t first)
         {
             const std::int32_t span = cell.layout.columnSpan;
-            if (span < 2 || cell.layout.x.ratio != 0)
+            if (span < 2)
                 return;
             const std::size_t end = first + static_cast<std::size_t>(span);
-            std::int32_t need = computer.Width(cell) - (span - 1) * Gap();
+            std::int32_t need = WidthOf(cell, computer) - (span - 1) * Gap();
             std::int32_t ratios = 0;
             std::int32_t fixed = 0;
             for (std::size_t column = first; column < end; ++column)
@@ -287,13 +295,6 @@ void MLayoutGrid::ComputeSizes(SizeSums& sums, const SizeComputer& computer, boo
         return;
     MeasureRows(computer);
     std::vector<Column> measured = MeasureColumns(computer);
-    // What a column with a ratio has to hold, too.
-    EachCell(
-        [&](const MControl& cell, std::size_t, std::size_t column)
-        {
-            if (cell.layout.columnSpan < 2)
-                measured[column].width = std::max(measured[column].width, computer.Width(cell));
-        });
     WidenForSpans(measured, computer);
     EqualizeSets(measured);
     FitPlasticRows(measured);

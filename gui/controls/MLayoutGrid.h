@@ -45,6 +45,8 @@ private:
         std::int32_t ratio = 0;
     };
 
+    /// What a cell takes of its columns at least.
+    static std::int32_t WidthOf(const MControl& cell, const SizeComputer& computer);
     void MeasureRows(const SizeComputer& computer);
     std::vector<Column> MeasureColumns(const SizeComputer& computer);
     void WidenForSpans(std::vector<Column>& measured, const SizeComputer& computer) const;

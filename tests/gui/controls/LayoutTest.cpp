@@ -50,6 +50,14 @@ public:
     }
 };
 
+// With content of its own.
+class Label : public MControl
+{
+public:
+    MSize ContentMinimum() const override { return content; }
+    MSize content;
+};
+
 class Layouts : public ::testing::Test
 {
 protected:
@@ -92,6 +100,7 @@ protected:
             ASSERT_GE(child->PresentSize(Axis::X), child->MinimalSize(Axis::X));
             ASSERT_TRUE(child->IsCollapsed() || child->PresentSize(Axis::Y) >= child->MinimalSize(Axis::Y));
             ASSERT_EQ(child->AbsoluteX(), control.AbsoluteX() + child->X());
+            ASSERT_EQ(child->AbsoluteY(), control.AbsoluteY() + child->Y());
             Check(*child, gap);
         }
     }
@@ -317,6 +326,8 @@ TEST_F(Layouts, AnyTreeFitsAtItsLeastSizeAndAbove)
         MControl tree;
         style.gap = below(6);
         tree.SetStyle(&style);
+        const std::vector<const char*> targets{ "left",    "top",     "right",   "bottom",
+                                                "corner0", "corner1", "corner2", "corner3" };
         const auto fill = [&](auto&& self, MControl& control, int depth) -> void
         {
             if (below(3) == 0)
@@ -326,8 +337,21 @@ TEST_F(Layouts, AnyTreeFitsAtItsLeastSizeAndAbove)
             {
                 MLayout* layout = nullptr;
                 const bool last = index + 1 == layouts;
-                switch (last ? 4 + below(4) : below(4))
+                MLayoutCorner* corner = nullptr;
+                switch (last ? 4 + below(4) : below(6) - 2)
                 {
+                case -2:
+                    layout = corner = &control.MakeLayout<MLayoutCorner>();
+                    break;
+                case -1:
+                {
+                    auto& border = control.MakeLayout<MLayoutOccupyBorder>();
+                    border.left = below(9);
+                    border.top = below(9);
+                    border.right = below(9);
+                    border.bottom = below(9);
+                    continue;
+                }
                 case 0:
                     layout = &control.MakeLayout<MLayoutLeft>();
                     break;
@@ -354,6 +378,7 @@ TEST_F(Layouts, AnyTreeFitsAtItsLeastSizeAndAbove)
                     auto& grid = control.MakeLayout<MLayoutGrid>();
                     grid.SetColumns(1 + below(3));
                     grid.verticalFill = below(2) == 0;
+                    grid.columnSpanCount = below(3);
                     layout = &grid;
                     break;
                 }
@@ -362,14 +387,19 @@ TEST_F(Layouts, AnyTreeFitsAtItsLeastSizeAndAbove)
                 layout->defaultBorderX = below(4) - 1;
                 for (std::int32_t count = 1 + below(4); count > 0; --count)
                 {
-                    MControl& child = control.Make<MControl>();
+                    auto& child = control.Make<Label>();
                     child.SetSize(1 + below(30), 1 + below(30));
-                    child.SetMinimalClientSize({ child.Width(), child.Height() });
+                    child.content = { child.Width(), child.Height() };
                     child.layout.x.ratio = below(3);
                     child.layout.y.ratio = below(3);
                     child.layout.y.border = below(3);
                     child.SetVisible(below(5) > 0);
                     layout->AddControl(child);
+                    if (corner != nullptr)
+                        corner->SetTarget(child,
+                                          MString::Literal(targets[static_cast<std::size_t>(below(8))]));
+                    else if (auto* grid = dynamic_cast<MLayoutGrid*>(layout))
+                        grid->SetSpan(child, 1 + below(2), 1);
                     if (depth > 0)
                         self(self, child, depth - 1);
                 }
@@ -377,6 +407,7 @@ TEST_F(Layouts, AnyTreeFitsAtItsLeastSizeAndAbove)
         };
         fill(fill, tree, below(3));
         tree.GoLive();
+        tree.SetPosition(below(50), below(50));
         Check(tree, style.gap);
         const MSize least{ tree.Width(), tree.Height() };
         for (const std::int32_t more : { 0, 1, 7, 250 })
@@ -389,4 +420,44 @@ TEST_F(Layouts, AnyTreeFitsAtItsLeastSizeAndAbove)
         if (HasFatalFailure())
             return;
     }
+}
+
+TEST_F(Layouts, AControlGrowsWithWhatItHoldsAndStretchesAsThatDoes)
+{
+    root.id = "framed";
+    root.adaptsSize = true;
+    auto& grid = root.MakeLayout<MLayoutGrid>();
+    grid.SetColumns(2);
+    MControl& fixed = Add(root, grid, 20, 10);
+    Add(root, grid, 30, 10);
+    root.AdaptSize();
+    EXPECT_EQ(root.Width(), 20 + 4 + 30 + 5);
+    EXPECT_EQ(root.Height(), 10 + 6);
+    EXPECT_EQ(root.GetStretch(), 0);
+    fixed.layout.y.ratio = 1;
+    EXPECT_EQ(root.GetStretch(), 0) << "rows don't share what is free";
+    grid.verticalFill = true;
+    EXPECT_EQ(root.GetStretch(), 2);
+    fixed.layout.x.ratio = 1;
+    EXPECT_EQ(root.GetStretch(), 3);
+    MControl& loose = root.Make<MControl>();
+    loose.SetSize(50, 40);
+    loose.SetPosition(40, 30);
+    root.sizesToChildren = true;
+    root.ComputeMinimalSize();
+    EXPECT_EQ(root.MinimalSize(Axis::X), 40 + 50 + 5);
+    EXPECT_EQ(root.MinimalSize(Axis::Y), 30 + 40 + 6);
+    root.RemoveChild(fixed);
+    EXPECT_EQ(grid.Controls().size(), 1u);
+    // A row of text alone is as high as its text is at the width of its column.
+    MControl other;
+    other.SetStyle(&style);
+    auto& rows = other.MakeLayout<MLayoutGrid>();
+    rows.SetColumns(2);
+    Add(other, rows, 40, 10);
+    Add(other, rows, 60, 10);
+    auto& first = other.Make<Plastic>();
+    rows.AddControl(first);
+    other.GoLive();
+    EXPECT_EQ(AreaOf(first), (MRectangle{ 0, 14, 39, 14 + Plastic::Area / 40 - 1 }));
 }
