@@ -31,6 +31,9 @@ tonalign_library(zlib zlib ARCHIVE libz.a)
 tonalign_library(flac flac ARCHIVE libFLAC.a libogg.a)
 # Debian has no archive of it.
 tonalign_library(mpg123 libmpg123)
+# Hosts bring copies of their own, older ones too: ours is linked in and hidden.
+tonalign_library(png libpng ARCHIVE libpng16.a libz.a)
+tonalign_library(freetype freetype2 ARCHIVE libfreetype.a libpng16.a libbrotlidec.a libbrotlicommon.a libbz2.a libz.a)
 # The program alone: its outputs.
 tonalign_library(sndfile sndfile)
 
