@@ -4,7 +4,7 @@
 EditorState EditorState::From(const Facts& facts)
 {
     const bool idle = !facts.analysing && !facts.drawingSource;
-    EditorState state{};
+    EditorState state;
     state.bandsVisible = idle;
     state.sourceEnvelopeVisible = facts.drawingSource;
     state.targetCurveVisible = !facts.analysing && facts.targetDefined;

@@ -14,20 +14,20 @@ struct EditorState
         bool sourceDefined = false;
     };
 
-    bool bandsVisible;   ///< band points and band line
-    bool sourceEnvelopeVisible;
-    bool targetCurveVisible;
-    bool sourceCurveVisible;
-    bool analysisCurveVisible;
-    bool outputCurveVisible;
-    bool analyzerDisplayMode;
-    bool analyseTargetEnabled;
-    bool analyseSourceEnabled;
-    bool analyseSourcePressed;
-    bool equalizeEnabled;   ///< Equalize and Separate
-    bool saveEnabled;
-    bool loadEnabled;   ///< Load and File
-    bool drawEnabled;
+    bool bandsVisible = false;   ///< band points and band line
+    bool sourceEnvelopeVisible = false;
+    bool targetCurveVisible = false;
+    bool sourceCurveVisible = false;
+    bool analysisCurveVisible = false;
+    bool outputCurveVisible = false;
+    bool analyzerDisplayMode = false;
+    bool analyseTargetEnabled = false;
+    bool analyseSourceEnabled = false;
+    bool analyseSourcePressed = false;
+    bool equalizeEnabled = false;   ///< Equalize and Separate
+    bool saveEnabled = false;
+    bool loadEnabled = false;   ///< Load and File
+    bool drawEnabled = false;
 
     static EditorState From(const Facts& facts);
     bool operator==(const EditorState&) const = default;

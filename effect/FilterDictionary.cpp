@@ -8,6 +8,7 @@
 
 #include "audio/filters/Filter.h"
 #include "audio/filters/FilterTypes.h"
+#include "foundation/text/MException.h"
 #include "foundation/vector/FFT.h"
 #include "foundation/vector/VectorOperations.h"
 
@@ -85,6 +86,7 @@ void FitResponse::Evaluate(std::int32_t type, double gainDb, double frequencyHz,
     MAudioFilters::Filter<double> section;
     section.Set(type, gainDb, frequencyHz, sampleRate, q);
 
+    bool poleHit = false;
     for (std::size_t i = 0; i < z1Re.size(); ++i)
     {
         const double numeratorRe = section.b0 + section.b1 * z1Re[i] + section.b2 * z2Re[i];
@@ -92,8 +94,11 @@ void FitResponse::Evaluate(std::int32_t type, double gainDb, double frequencyHz,
         const double denominatorRe = 1.0 - section.a1 * z1Re[i] - section.a2 * z2Re[i];
         const double denominatorIm = -section.a1 * z1Im[i] - section.a2 * z2Im[i];
         const double denominator = denominatorRe * denominatorRe + denominatorIm * denominatorIm;
+        poleHit |= denominator == 0.0;
         outPower[i] = (numeratorRe * numeratorRe + numeratorIm * numeratorIm) / denominator;
     }
+    if (poleHit)
+        throw MException("Complex division by zero.");
 }
 
 FilterDictionary::FilterDictionary(double usedSampleRate)

@@ -35,7 +35,7 @@ public:
     explicit FitResponse(double sampleRate);
 
     /// @param outPower  FitGrid::Count values of |H|^2
-    /// Every section is stable, so that none has a pole on a grid point.
+    /// Throws MException "Complex division by zero." where the section has a pole on a grid point.
     void Evaluate(std::int32_t type, double gainDb, double frequencyHz, double q, double* outPower) const;
 
 private:
@@ -53,14 +53,14 @@ struct FilterCandidate
     /// Shifts run from -maxShift up to and without this one.
     static constexpr std::int32_t ShiftEnd = 512;
 
-    std::int32_t type;   ///< FilterType
-    double q;
-    bool hasGain;
-    std::int32_t maxShift;   ///< how far the shape may move towards high frequencies, in points
-    std::int32_t judgedCount;   ///< the points, from the first one on, that errors see
+    std::int32_t type = 0;   ///< FilterType
+    double q = 0;
+    bool hasGain = false;
+    std::int32_t maxShift = 0;   ///< how far the shape may move towards high frequencies, in points
+    std::int32_t judgedCount = 0;   ///< the points, from the first one on, that errors see
     double absoluteSum = 0;   ///< sum of |shape|
-    double norm;   ///< root of the sum of squares of shape
-    float highest;   ///< largest value of shape
+    double norm = 0;   ///< root of the sum of squares of shape
+    float highest = 0;   ///< largest value of shape
     double energyLimit = 0;   ///< no |energy| is above it
     /// dB at the grid points: gain -24 dB for a type with gain, otherwise the response of two sections.
     std::array<float, FitGrid::Count> shape;
@@ -101,7 +101,7 @@ private:
     void AddCandidate(const FitResponse& shapes, std::int32_t type, double q);
 
     double sampleRate;
-    std::int32_t judgedCount;
+    std::int32_t judgedCount = 0;
     FitResponse response;
     std::vector<FilterCandidate> candidates;
 };

@@ -22,10 +22,10 @@ enum MFAAlgorithm : std::int32_t
 /// One band that a fit found.
 struct FittedFilter
 {
-    double frequency;   ///< Hz
-    double gain;   ///< dB
-    double q;
-    std::int32_t type;   ///< FilterType
+    double frequency = 0;   ///< Hz
+    double gain = 0;   ///< dB
+    double q = 0;
+    std::int32_t type = 0;   ///< FilterType
 };
 
 /// Turns a wanted response into a short list of filters: a greedy matching pursuit in decibels over the

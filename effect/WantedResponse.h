@@ -19,9 +19,9 @@ void PrepareAnalysis(GridCurve& analysis, Interpolator& smoothing);
 /// The limits that the user sets for the wanted response.
 struct WantedLimits
 {
-    double frequencyMinHz;
-    double frequencyMaxHz;
-    bool neverAmplify;
+    double frequencyMinHz = 20;
+    double frequencyMaxHz = 20000;
+    bool neverAmplify = false;
 };
 
 /// The gain in dB that the target needs at each grid point to become the reference.

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Latency of one fit on one core: the fast search beside the plain loop that defines it.
+// Latency of one fit on one core.
 #include <array>
 #include <cmath>
 #include <random>
 
 #include <benchmark/benchmark.h>
 
+#include "effect/FilterDictionary.h"
 #include "effect/FilterFitter.h"
-#include "tests/effect/PlainFit.h"
 
 namespace
 {
@@ -54,14 +54,6 @@ void FitOptimized(benchmark::State& state)
     Fit(state, MFAOptimized);
 }
 
-void OneBandByThePlainLoop(benchmark::State& state)
-{
-    const auto curve = Curve(state.range(0));
-    const auto dictionary = FilterDictionary::Shared(SampleRate);
-    for (auto _ : state)
-        benchmark::DoNotOptimize(PlainFit::Exhaustive(*dictionary, curve.data(), {}));
-}
-
 void DictionaryAtANewRate(benchmark::State& state)
 {
     for (auto _ : state)
@@ -76,6 +68,5 @@ BENCHMARK(FitOptimized)
     ->ArgNames({ "bands", "rough" })
     ->ArgsProduct({ { 4, 10 }, { 0, 1 } })
     ->Unit(benchmark::kMillisecond);
-BENCHMARK(OneBandByThePlainLoop)->ArgName("rough")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
 BENCHMARK(DictionaryAtANewRate)->Unit(benchmark::kMillisecond);
 }   // namespace

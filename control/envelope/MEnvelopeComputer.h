@@ -18,6 +18,7 @@ public:
         virtual ~Item() = default;
         /// `count` values at x, x + step, ...
         virtual void Fill(float* values, double x, double step, int count) const = 0;
+        virtual void FillDouble(double* values, double x, double step, int count) const = 0;
         virtual double Value(double x) const = 0;
         /// The slope towards lower x; differs from RightSlope where the formula has a corner.
         virtual double LeftSlope(double x) const = 0;

@@ -33,6 +33,11 @@ public:
         for (int index = 0; index < count; ++index)
             values[index] = static_cast<float>(Self().At(x + step * index));
     }
+    void FillDouble(double* values, double x, double step, int count) const override
+    {
+        for (int index = 0; index < count; ++index)
+            values[index] = Self().At(x + step * index);
+    }
     double Value(double x) const override { return Self().At(x); }
     double LeftSlope(double x) const override { return Self().SlopeAt(x); }   // corners override it
     double RightSlope(double x) const override { return Self().SlopeAt(x); }

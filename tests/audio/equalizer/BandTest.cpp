@@ -124,9 +124,12 @@ TEST(Bands, AreStoredInTheirFormAndLeaveDefaultsOut)
 
 TEST(Bands, NonsenseInAStoreIsBroughtToSoundValues)
 {
-    const auto expected = [](double value, double low, double high, double otherwise)
+    // What is no number counts as absent.
+    const auto expected = [](const MString& text, double low, double high, double absent)
     {
-        return std::isfinite(value) ? std::clamp(value, low, high) : otherwise;
+        int digits = 0;
+        const double value = text.ToDouble(&digits);
+        return digits > 0 && std::isfinite(value) ? std::clamp(value, low, high) : absent;
     };
     MAttribute tree("MEqualizerSettings");
     const char* numbers[] = { "nan", "inf", "-1e308", "abc", "0.5", "3", "1e99" };
@@ -145,10 +148,11 @@ TEST(Bands, NonsenseInAStoreIsBroughtToSoundValues)
     {
         const BandPoint& band = equalizer.Band(index);
         SCOPED_TRACE(numbers[index % 7]);
-        const double number = MString(numbers[index % 7]).ToDouble();
-        EXPECT_EQ(band.x, expected(number, BandMinimumX, BandMaximumX, 3.0));
-        EXPECT_EQ(band.y, expected(number, -24, 24, 0));
-        EXPECT_NEAR(band.Q(), number > 10 ? band.Q() : expected(number, 0.05, 10, band.Q()), 1e-9);
+        const MString number = MString::Literal(numbers[index % 7]);
+        EXPECT_EQ(band.x, expected(number, BandMinimumX, BandMaximumX, MEqualizerBase().Band(index).x));
+        EXPECT_EQ(band.y, expected(number, -24, 24, MEqualizerBase().Band(index).y));
+        const double q = number.ToDouble();
+        EXPECT_NEAR(band.Q(), std::isfinite(q) && q < 10 ? std::max(q, 0.05) : band.Q(), 1e-9);
         EXPECT_EQ(band.harmonicsDepth, expected(number, -1, 1, 0));
         EXPECT_EQ(band.harmonicsSemitones, expected(number, 1, 48, 12));
         EXPECT_EQ(band.type, index % 2 == 0 ? MAudioFilters::Peak : MAudioFilters::Notch);
