@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <numbers>
 
+#include "tests/ErrorOf.h"
 #include "tests/foundation/audiofile/TestFiles.h"
 
 namespace
@@ -200,6 +201,31 @@ TEST(Mpeg, PlaysToTheEndOfTheBytesAndMissesWhatWasAnnounced)
                            "The MPEG stream changes its sample rate or channels." } });
     ExpectRefusals(
         { { LoadMpeg, announced.Cut(announced.size() / 2), "The MPEG stream ends before its last frame." } });
+}
+
+// A disk that fails in the middle of a file.
+class FailingStream : public MMemoryStream
+{
+public:
+    using MMemoryStream::MMemoryStream;
+    std::int32_t Read(void* buffer, std::int32_t wanted) override
+    {
+        if (2 * GetPosition() > GetSize())
+            throw MException("The disk has failed.");
+        return MMemoryStream::Read(buffer, std::min(wanted, 100));
+    }
+};
+
+TEST(CompressedFiles, LetTheStreamsErrorThroughTheirLibraries)
+{
+    for (const auto& [reader, file] : { std::pair<Reader, FileBytes>{ LoadFlac, FlacFile({}) },
+                                        { LoadMpeg, SineMp3() },
+                                        { LoadMpeg, SineMp3("sine1k-info.mp3") } })
+    {
+        FailingStream stream(MDataBlock(file.data(), static_cast<std::int32_t>(file.size())));
+        AudioSampleBuffer buffer;
+        EXPECT_EQ(ErrorOf([&, read = reader] { read(buffer, stream, {}); }), "The disk has failed.");
+    }
 }
 
 TEST(Mpeg, RefusesWhatItCannotRead)
