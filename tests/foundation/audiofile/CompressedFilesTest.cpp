@@ -1,11 +1,32 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <numbers>
 
+#include "foundation/audiofile/GrowingChannels.h"
 #include "tests/ErrorOf.h"
 #include "tests/foundation/audiofile/TestFiles.h"
 
 namespace
 {
+TEST(GrowingChannels, KeepWhatTheyHoldWhileTheyGrow)
+{
+    AudioOptions options;
+    options.frames = 20000;
+    GrowingChannels growing(options.channels, 10, options.frames);
+    float* out[AudioSampleBuffer::MaxChannels] = {};
+    for (int start = 0; start < options.frames; start += 500)
+    {
+        ASSERT_TRUE(growing.Append(500, out));
+        for (int frame = 0; frame < 500; ++frame)
+            for (int channel = 0; channel < options.channels; ++channel)
+                out[channel][frame] = static_cast<float>(TestSample(start + frame, channel));
+    }
+    EXPECT_FALSE(growing.Append(1, out));
+    AudioSampleBuffer buffer;
+    growing.MoveTo(buffer);
+    buffer.sampleRate = options.sampleRate;
+    ExpectSignal(buffer, options);
+}
+
 TEST(Flac, ReadsEveryDepthAtTheSameFullScale)
 {
     for (const int bits : { 8, 16, 20, 24 })
