@@ -16,7 +16,7 @@ MString ExtensionOf(const MString& path)
 {
     for (int i = path.Length() - 1; i >= 0 && path[i] != u'/'; --i)
         if (path[i] == u'.')
-            return path.SubString(i + 1, path.Length() - i - 1);
+            return path.SubString(i + 1, path.Length());
     return {};
 }
 

@@ -158,7 +158,7 @@ void ReadSamples(AudioSampleBuffer& buffer, MStream& stream, std::int64_t byteCo
         progress.Report(static_cast<double>(offset) / buffer.frames);
         const std::int32_t count = std::min(blockFrames, buffer.frames - offset);
         ReadRequired(stream, block.data(), count * frameBytes, shortDetail);
-        if (layout.bigEndian && layout.bits > 8)
+        if (layout.bigEndian)
             SwapBytes(block.data(), count * frameBytes, layout.bits / 8);
         if (layout.signedBytes && layout.bits == 8)
             for (std::uint8_t& byte : block)

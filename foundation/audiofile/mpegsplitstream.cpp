@@ -36,8 +36,6 @@ bool FindStartCode(binfile& source, std::uint8_t& code)
 
 bool mpegsplitstream::Open(binfile& source)
 {
-    audio.clear();
-    position = 0;
     std::uint8_t code = 0;
     std::vector<std::uint8_t> packet;
     while (FindStartCode(source, code) && code != EndCode)

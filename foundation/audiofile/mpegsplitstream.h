@@ -11,7 +11,7 @@ namespace mp3dec
 class mpegsplitstream : public binfile
 {
 public:
-    /// Reads the program stream from `source` on. False without any packet of the audio stream.
+    /// Once: reads the program stream from `source` on. False without any packet of the audio stream.
     bool Open(binfile& source);
 
     std::int32_t Read(void* buffer, std::int32_t size) override;

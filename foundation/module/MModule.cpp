@@ -43,7 +43,7 @@ MString MadeFolder(const MString& subPath)
     std::string path = (SystemPath(base) / SystemPath(subPath).relative_path()).lexically_normal().string();
     if (path.back() == '/')
         path.pop_back();
-    const MString folder = PathText(path);
+    MString folder = PathText(path);
     MFile::CreatePath(folder);
     return folder;
 }

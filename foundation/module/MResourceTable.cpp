@@ -76,14 +76,8 @@ void MResourceTable::Reset()
 bool MResourceTable::ReadHeader(MStream& stream, Header& header)
 {
     std::uint8_t bytes[HeaderSize];
-    std::int32_t count = 0;
-    while (count < HeaderSize)
-    {
-        const std::int32_t got = stream.Read(bytes + count, HeaderSize - count);
-        if (got <= 0)
-            return false;
-        count += got;
-    }
+    if (stream.Read(bytes, HeaderSize) != HeaderSize)
+        return false;
     header = { WordAt(bytes + 4), WordAt(bytes + 8) };
     CheckPart(header.descriptionSize);
     CheckPart(header.dataSize);

@@ -8,11 +8,11 @@ namespace
 {
 timespec TimeIn(clockid_t clock, std::uint32_t milliseconds)
 {
-    constexpr long NanosecondsPerSecond = 1'000'000'000;
+    constexpr std::int64_t NanosecondsPerSecond = 1'000'000'000;
     timespec time = {};
     clock_gettime(clock, &time);
-    const long nanoseconds = time.tv_nsec + static_cast<long>(milliseconds % 1000) * 1'000'000;
-    time.tv_sec += milliseconds / 1000 + nanoseconds / NanosecondsPerSecond;
+    const std::int64_t nanoseconds = time.tv_nsec + std::int64_t{ milliseconds } * 1'000'000;
+    time.tv_sec += nanoseconds / NanosecondsPerSecond;
     time.tv_nsec = nanoseconds % NanosecondsPerSecond;
     return time;
 }

@@ -1,10 +1,32 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <numbers>
 
+#include "foundation/audiofile/GrowingChannels.h"
+#include "tests/ErrorOf.h"
 #include "tests/foundation/audiofile/TestFiles.h"
 
 namespace
 {
+TEST(GrowingChannels, KeepWhatTheyHoldWhileTheyGrow)
+{
+    AudioOptions options;
+    options.frames = 20000;
+    GrowingChannels growing(options.channels, 10, options.frames);
+    float* out[AudioSampleBuffer::MaxChannels] = {};
+    for (int start = 0; start < options.frames; start += 500)
+    {
+        ASSERT_TRUE(growing.Append(500, out));
+        for (int frame = 0; frame < 500; ++frame)
+            for (int channel = 0; channel < options.channels; ++channel)
+                out[channel][frame] = static_cast<float>(TestSample(start + frame, channel));
+    }
+    EXPECT_FALSE(growing.Append(1, out));
+    AudioSampleBuffer buffer;
+    growing.MoveTo(buffer);
+    buffer.sampleRate = options.sampleRate;
+    ExpectSignal(buffer, options);
+}
+
 TEST(Flac, ReadsEveryDepthAtTheSameFullScale)
 {
     for (const int bits : { 8, 16, 20, 24 })
@@ -200,6 +222,31 @@ TEST(Mpeg, PlaysToTheEndOfTheBytesAndMissesWhatWasAnnounced)
                            "The MPEG stream changes its sample rate or channels." } });
     ExpectRefusals(
         { { LoadMpeg, announced.Cut(announced.size() / 2), "The MPEG stream ends before its last frame." } });
+}
+
+// A disk that fails in the middle of a file.
+class FailingStream : public MMemoryStream
+{
+public:
+    using MMemoryStream::MMemoryStream;
+    std::int32_t Read(void* buffer, std::int32_t wanted) override
+    {
+        if (2 * GetPosition() > GetSize())
+            throw MException("The disk has failed.");
+        return MMemoryStream::Read(buffer, std::min(wanted, 100));
+    }
+};
+
+TEST(CompressedFiles, LetTheStreamsErrorThroughTheirLibraries)
+{
+    for (const auto& [reader, file] : { std::pair<Reader, FileBytes>{ LoadFlac, FlacFile({}) },
+                                        { LoadMpeg, SineMp3() },
+                                        { LoadMpeg, SineMp3("sine1k-info.mp3") } })
+    {
+        FailingStream stream(MDataBlock(file.data(), static_cast<std::int32_t>(file.size())));
+        AudioSampleBuffer buffer;
+        EXPECT_EQ(ErrorOf([&, read = reader] { read(buffer, stream, {}); }), "The disk has failed.");
+    }
 }
 
 TEST(Mpeg, RefusesWhatItCannotRead)

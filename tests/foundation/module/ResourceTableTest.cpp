@@ -76,11 +76,12 @@ TEST(ResourceTable, GivesEachEntryItsBytesAgainAndAgain)
 {
     const std::string packed = Compressed("a text that is compressed compressed compressed");
     const std::string data = "logo!" + packed + "EQ";
-    const std::string block =
-        Block(Solution("<xresource id=\"style\" filename=\"style.qrf\"/>" + Entry("resource", "logo", 0, 5) +
-                       Entry("resourceMultiBand", "packed", 5, packed.size(), "compressed=\"1\"") +
-                       Entry("resourceEq", "Eq", data.size() - 2, 2) + Entry("resource", "logo", 1, 1)),
-              data);
+    const std::string block = Block(
+        Solution("<!-- " + std::string(70000, 'x') + " --><xresource id=\"style\" filename=\"style.qrf\"/>" +
+                 Entry("resource", "logo", 0, 5) +
+                 Entry("resourceMultiBand", "packed", 5, packed.size(), "compressed=\"1\"") +
+                 Entry("resourceEq", "Eq", data.size() - 2, 2) + Entry("resource", "logo", 1, 1)),
+        data);
     ReadBoth(block,
              [](MResourceTable& table)
              {

@@ -2,6 +2,7 @@
 #include <array>
 #include <barrier>
 #include <chrono>
+#include <climits>
 #include <fstream>
 #include <future>
 #include <random>
@@ -259,6 +260,8 @@ TEST(MERWLock, KeepsNewReadersOutWhileAWriterWaits)
     writer.get();
     EXPECT_EQ(tryRead(), 0);
     const MSyncGuard nothing(nullptr, MERWLock::Write);
+    for (int count = 0; count < 2 * PTHREAD_KEYS_MAX; ++count)
+        MERWLock().AcquireMode(MERWLock::Write, 0);   // each gives its thread local storage back
 }
 
 TEST(MERWLock, LetsReadersBecomeWritersOneAfterTheOther)
