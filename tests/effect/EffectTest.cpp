@@ -459,8 +459,11 @@ TEST_F(Effect, TellsOfWhatMovesAndDoesTheWorkLater)
     effect.equalizer.UpdateBandControls(6);
     EXPECT_TRUE(listener.Drain());
     EXPECT_THAT(listener.Bands(), testing::ElementsAre(6));
+    static MMutex lent;   // outlives the effect
+    effect.lock = &lent;
     effect.InitProcessing(99, 48000);
     EXPECT_EQ(effect.channelGroups, TonalignAudioEffectPlugin::MaxChannels);
+    EXPECT_EQ(effect.equalizer.lock, &lent) << "one lock for all";
 }
 
 TEST_F(Effect, OutputGainRampsOverABlockAndSaturationAddsEvenHarmonics)

@@ -73,6 +73,7 @@ struct Vst2Recorder
         case HostOpcode::ProcessEvents:
         {
             const auto* events = static_cast<const Events*>(pointer);
+            EXPECT_EQ(events->reserved, 0);
             for (std::int32_t number = 0; number < events->numEvents; ++number)
             {
                 const auto& event = *reinterpret_cast<const MidiEvent*>(events->events[number]);
