@@ -9,8 +9,8 @@
 #include "audio/stages/ChannelRouting.h"
 #include "audio/stages/MSampleQueue.h"
 
-/// The way past an effect: its input as late as its output, and the fade between the two. It runs at all times,
-/// so that a bypass brings neither old audio nor a gap.
+/// The way past an effect: its input as late as its output, and the fade between the two. It runs at all
+/// times, so that a bypass brings neither old audio nor a gap.
 class DryPath
 {
 public:

@@ -327,7 +327,8 @@ bool MAudioPluginVSTAdapter::SetSpeakerArrangement(const SpeakerArrangement* inp
     {
         return given == nullptr || (given->numChannels >= 0 && given->numChannels <= channels);
     };
-    if (!fits(input, plugin->buses.InputNames().Count()) || !fits(output, plugin->buses.OutputNames().Count()))
+    if (!fits(input, plugin->buses.InputNames().Count()) ||
+        !fits(output, plugin->buses.OutputNames().Count()))
         return false;
     std::int32_t connectedInputs = 0;
     if (plugin->buses.InputGroups() > 0)

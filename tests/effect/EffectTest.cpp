@@ -386,7 +386,8 @@ TEST_F(Effect, FilesAreMeasuredWholeAtTheEffectsRate)
             EXPECT_LT(LevelAt(analysis, between), 0.05 * level) << between;
     }
     // A file in full: a tone of 0.0589 of its rate.
-    const FileBytes wave = WaveFile({ .frames = 30000, .sampleRate = 22050, .before = {}, .compression = {} });
+    const FileBytes wave =
+        WaveFile({ .frames = 30000, .sampleRate = 22050, .before = {}, .compression = {} });
     MStdFileStream(TestPath("tone.wav"), 6).Write(wave.data(), static_cast<std::int32_t>(wave.size()));
     ASSERT_EQ(effect.AnalyseFile(TestPath("tone.wav"), false), Work::Done);
     const AnalysisArray& target = effect.TargetAnalysis;
@@ -396,7 +397,8 @@ TEST_F(Effect, FilesAreMeasuredWholeAtTheEffectsRate)
 
 TEST_F(Effect, ACancelledFileAnalysisLeavesTheEarlierOne)
 {
-    const FileBytes wave = WaveFile({ .frames = 200000, .sampleRate = 44100, .before = {}, .compression = {} });
+    const FileBytes wave =
+        WaveFile({ .frames = 200000, .sampleRate = 44100, .before = {}, .compression = {} });
     MStdFileStream(TestPath("long.wav"), 6).Write(wave.data(), static_cast<std::int32_t>(wave.size()));
     Measure(true, Signals::Noise(20000, 1));
     const AnalysisArray measured = effect.SourceAnalysis;
