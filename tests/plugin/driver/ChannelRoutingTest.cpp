@@ -242,3 +242,70 @@ TEST_F(Routing, ModesAreStoredByTheirNames)
     EXPECT_FALSE(plugin->enabledChannels[0]);
     EXPECT_FALSE(plugin->enabledChannels[2]) << "a short text leaves the rest";
 }
+
+namespace
+{
+// Adds three times its second bus to the first.
+class SideChained : public TestEffect
+{
+public:
+    SideChained() { description.inputBusCount = 2; }
+    static std::int64_t Entry(MPlugin* instance, std::int64_t command, MPluginArgument* arguments)
+    {
+        return TestEffect::Entry(instance == nullptr ? new SideChained : instance, command, arguments);
+    }
+    void Process(const MProcessContext&, float** inputs, float** outputs, std::int32_t count) override
+    {
+        for (std::int32_t channel = 0; channel < channelGroups; ++channel)
+            for (std::int32_t index = 0; index < count; ++index)
+                outputs[channel][index] = inputs[channel][index] + 3 * inputs[2 + channel][index];
+    }
+};
+}   // namespace
+
+TEST(SideChains, ReachTheEffectBehindTheMainBusAtAnyStrideAndRate)
+{
+    MQuorvaneAudioEffectPlugin plugin;
+    plugin.Initialize("Test", "Quorvane", &SideChained::Entry, 800, 560);
+    for (const std::int32_t stride : { 2, 8 })
+        for (const std::int32_t factor : { 1, 2 })
+            for (const bool present : { true, false })
+                for (const bool bypassed : { false, true })
+                {
+                    plugin.buses.SetStride(stride);
+                    plugin.upsampling = factor;
+                    plugin.UpdateUpsamplingFactor();
+                    plugin.bypass = bypassed;
+                    plugin.InitProcessing();
+                    constexpr std::size_t count = 2000;
+                    std::vector<std::vector<float>> input, output(2, std::vector<float>(count, -9.0f));
+                    for (const float level : { 1.0f, 0.25f, 0.5f, 0.125f })
+                        input.emplace_back(count, level);
+                    std::vector<float*> in(16), out(16);
+                    for (std::size_t channel = 0; channel < 2; ++channel)
+                    {
+                        in[channel] = input[channel].data();
+                        if (present)
+                            in[static_cast<std::size_t>(stride) + channel] = input[2 + channel].data();
+                        out[channel] = output[channel].data();
+                    }
+                    plugin.ProcessBlock(in.data(), out.data(), count, true);
+                    const float side = present && !bypassed ? 3.0f : 0.0f;
+                    EXPECT_NEAR(output[0].back(), 1 + side * 0.5f, 0.01) << stride << " " << factor;
+                    EXPECT_NEAR(output[1].back(), 0.25 + side * 0.125f, 0.01) << stride << " " << factor;
+                }
+    const auto names = [&plugin]
+    {
+        std::string all;
+        for (int index = 0; index < plugin.buses.InputNames().Count(); ++index)
+            all += plugin.buses.InputNames()[index].ToUTF8() + ",";
+        return all;
+    };
+    EXPECT_EQ(names(), "In L,In R,Sidechain L,Sidechain R,");
+    plugin.buses.SetUp(BusLayout::StereoWidth, 3);
+    EXPECT_EQ(names(), "In L,In R,Sidechain L 1,Sidechain R 1,Sidechain L 2,Sidechain R 2,");
+    plugin.SetSurround(true);
+    EXPECT_EQ(plugin.buses.InputNames().Count(), 16);
+    EXPECT_EQ(plugin.buses.InputNames()[15].ToUTF8(), "Sidechain 7");
+    EXPECT_EQ(plugin.buses.OutputNames()[7].ToUTF8(), "Out 7");
+}
