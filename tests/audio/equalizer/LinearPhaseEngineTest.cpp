@@ -132,6 +132,7 @@ TEST(ChunkTransition, CarriesAMemoryThroughAChunkOfSilence)
         for (std::size_t i = 0; i < start.size(); ++i)
             start[i] = { { 1.0 / static_cast<double>(i + 1), -0.3 }, { 0.7, 0.01 * static_cast<double>(i) } };
         std::vector<MVector::CascadeMemory> carried = start;   // it is added to what is there
+        carried.resize(static_cast<std::size_t>(MVector::StateTransition::PaddedCount(count)) + 1);
         transition.Apply(start.data(), carried.data());
         std::vector<MVector::CascadeMemory> run = start;
         std::vector<double> pairs(2 * LinearPhaseGeometry::ChunkSize);

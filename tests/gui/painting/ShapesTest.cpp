@@ -234,11 +234,16 @@ TEST(Shapes, GradientsRunOverTheShape)
         [&](MDrawer& d) {
             d.FillRectangleGradient({ 10, 10, 109, 109 }, MFill::Right(red, blue));
         });
+    const MBitmap shape = Drawn(
+        [&](MDrawer& d) {
+            d.FillRoundRectangle({ 10, 10, 109, 109 }, 3, MFill::Right(red, blue));
+        });
     for (std::int32_t at = 0; at < 100; ++at)
     {
         const double share = (at + 0.5) / 100;
         EXPECT_NEAR(down.Pixel(60, 10 + at).Blue(), 255 * share, 1);
         EXPECT_NEAR(right.Pixel(10 + at, 60).Red(), 255 * (1 - share), 1);
+        EXPECT_NEAR(shape.Pixel(10 + at, 60).Red(), 255 * (1 - share), 1);
     }
 }
 
@@ -296,6 +301,29 @@ TEST(Images, KeepTheirMeanWhenStretchedAndTheirEndsAtTheirSize)
             Measure(Drawn([&](MDrawer& d) { d.StretchBlt(area, image, image.Bounds()); }));
         EXPECT_NEAR(stretched.area * 255 / (area.Width() * area.Height()), sum / (24 * 16), 4);
         EXPECT_EQ(stretched.bounds, area);
+    }
+    // A ramp stays a ramp.
+    MBitmap ramp(20, 1);
+    for (std::int32_t x = 0; x < 20; ++x)
+    {
+        const auto grey = static_cast<std::uint8_t>(10 * x);
+        ramp.Row(0)[x] = MColor(grey, grey, grey).value;
+    }
+    for (const std::int32_t width : { 7, 20, 33, 100 })
+    {
+        MBitmap stretched;
+        stretched.CopyFrom(ramp);
+        stretched.Resize(width, 2);
+        const double step = 20.0 / width;
+        for (std::int32_t x = 0; x < width; ++x)
+        {
+            // Away from the ends, where there is only one neighbour.
+            const double old = std::clamp((x + 0.5) * step - 0.5, step, 19 - step);
+            const double at = (old + 0.5) / step - 0.5;
+            EXPECT_NEAR(stretched.Pixel(static_cast<std::int32_t>(std::lround(at)), 1).Red(), 10 * old,
+                        3 + 5 * step)
+                << width;
+        }
     }
     const MBitmap wide = Drawn([&](MDrawer& d) { d.StretchBltH({ 5, 5, 104, 20 }, image); });
     const MBitmap high = Drawn([&](MDrawer& d) { d.StretchBltV({ 5, 5, 28, 104 }, image); });
