@@ -31,13 +31,13 @@ struct FileBytes : std::vector<std::uint8_t>
     FileBytes& Little(auto value, int byteCount)
     {
         for (int i = 0; i < byteCount; ++i)
-            push_back(i < 8 ? static_cast<std::uint8_t>(static_cast<std::uint64_t>(value) >> (8 * i)) : 0);
+            push_back(static_cast<std::uint8_t>(i < 8 ? static_cast<std::uint64_t>(value) >> (8 * i) : 0));
         return *this;
     }
     FileBytes& Big(auto value, int byteCount)
     {
         for (int i = byteCount - 1; i >= 0; --i)
-            push_back(i < 8 ? static_cast<std::uint8_t>(static_cast<std::uint64_t>(value) >> (8 * i)) : 0);
+            push_back(static_cast<std::uint8_t>(i < 8 ? static_cast<std::uint64_t>(value) >> (8 * i) : 0));
         return *this;
     }
     FileBytes& Append(const std::vector<std::uint8_t>& bytes)

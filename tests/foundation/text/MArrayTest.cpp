@@ -127,9 +127,12 @@ TEST(MArray, BehavesLikeAVectorWhateverFails)
             }
             else
                 EXPECT_TRUE(copy.IsEmpty());
-            ASSERT_EQ(
-                ErrorOf([&] { EXPECT_EQ(array[index].value, expected[static_cast<std::size_t>(index)]); }),
-                error);
+            const auto compare = [&]
+            {
+                const int value = array[index].value;   // throws where there is none
+                EXPECT_EQ(value, expected[static_cast<std::size_t>(index)]);
+            };
+            ASSERT_EQ(ErrorOf(compare), error);
         }
         }
         ASSERT_TRUE(std::equal(array.begin(), array.end(), expected.begin(), expected.end()));
