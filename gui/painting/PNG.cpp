@@ -161,6 +161,7 @@ void ImageFiles::LoadPNG(MBitmap& bitmap, MStream& stream)
         FailLoading();
     MBitmap read(static_cast<std::int32_t>(width), static_cast<std::int32_t>(height));
     std::vector<png_bytep> rows;
+    rows.reserve(static_cast<std::size_t>(read.Height()));
     for (std::int32_t y = 0; y < read.Height(); ++y)
         rows.push_back(reinterpret_cast<png_bytep>(read.Row(y)));
     if (!ReadRows(library, rows.data()))
@@ -174,6 +175,7 @@ void ImageFiles::SavePNG(const MBitmap& bitmap, MStream& stream)
         throw MException("Empty image cannot be saved to PNG.", MErrorCode::InvalidArgument);
     const Library library(false);
     std::vector<png_bytep> rows;
+    rows.reserve(static_cast<std::size_t>(bitmap.Height()));
     for (std::int32_t y = 0; y < bitmap.Height(); ++y)
         rows.push_back(reinterpret_cast<png_bytep>(const_cast<std::uint32_t*>(bitmap.Row(y))));
     if (!WriteRows(library, &stream, static_cast<png_uint_32>(bitmap.Width()),

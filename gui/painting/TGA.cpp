@@ -104,7 +104,9 @@ private:
     {
         std::array<std::uint8_t, 4> bytes{};
         ReadExact(stream, bytes.data(), bits / 8);
-        std::uint32_t color = bytes[0] | bytes[1] << 8 | bytes[2] << 16 | std::uint32_t{ bytes[3] } << 24;
+        std::uint32_t color = 0;
+        for (std::size_t i = 0; i < bytes.size(); ++i)
+            color |= std::uint32_t{ bytes[i] } << (8 * i);
         if (bits == 16)
         {
             const std::uint32_t packed = color;

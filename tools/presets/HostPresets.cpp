@@ -25,7 +25,8 @@ void WriteVst3Presets(const std::string& folder)
         const auto plugin = instance();
         plugin->presets.LoadFactoryPreset(index);
         const std::string name = plugin->presets.FactoryPresetName(index).ToUTF8();
-        const std::string path = folder + "/" + name + ".vstpreset";
+        std::string path = folder;
+        path.append("/").append(name).append(".vstpreset");
         std::ofstream file(path, std::ios::binary);
         file << HostPresetFile::Make(HostPresetFile::Format::Vst3, *plugin, name);
         if (!file.flush())
