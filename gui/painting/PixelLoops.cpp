@@ -493,12 +493,8 @@ void Fill(const Block& block, MColor color, MColorOp op)
 {
     if (block.width < 1 || block.height < 1)
         return;
-    if (op == MColorOp::Copy || (op == MColorOp::Alphablend && color.Alpha() == 255))
-    {
-        for (std::int32_t y = 0; y < block.height; ++y)
-            std::fill_n(block.first + y * block.stride, block.width, color.value);
-        return;
-    }
+    if (op == MColorOp::Alphablend && color.Alpha() == 255)
+        op = MColorOp::Copy;
     KERNEL(FillRun)(block, color, op);
 }
 

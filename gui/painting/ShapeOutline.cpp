@@ -244,7 +244,7 @@ public:
 
     void Fill(ShapeContours& contours, const MRectangle& clip, std::size_t depth)
     {
-        constexpr std::int32_t narrow = 128;
+        constexpr std::int32_t narrow = 256;
         constexpr std::size_t few = 64;
         if (contours.IsEmpty() || clip.IsEmpty())
             return;
