@@ -188,7 +188,8 @@ void ShapeOutline::AddStroke(std::span<const MPointF> given, double thickness)
     line.clear();
     for (const MPointF& point : given)
         if (std::isfinite(point.x) && std::isfinite(point.y) &&
-            (line.empty() || std::hypot(point.x - line.back().x, point.y - line.back().y) > leastStep))
+            (line.empty() ||
+             std::abs(point.x - line.back().x) + std::abs(point.y - line.back().y) > leastStep))
             line.push_back(point);
     if (line.size() < 2 || !(thickness > 0))
         return;
@@ -201,35 +202,28 @@ void ShapeOutline::AddStroke(std::span<const MPointF> given, double thickness)
     {
         const double dx = line[from + 1].x - line[from].x;
         const double dy = line[from + 1].y - line[from].y;
-        const double length = std::hypot(dx, dy);
+        const double length = std::sqrt(dx * dx + dy * dy);
         return MPointF{ dx / length, dy / length };
     };
-    const auto offsetAt = [&](std::size_t index)
+    offsets.clear();
+    MPointF in = direction(0);
+    for (std::size_t i = 0; i < line.size(); ++i)
     {
-        const MPointF in = direction(index == 0 ? 0 : index - 1);
-        const MPointF out = direction(index + 1 < line.size() ? index : index - 1);
+        const MPointF out = i + 1 < line.size() ? direction(i) : in;
         const MPointF normal{ -(in.y + out.y), in.x + out.x };
         const double square =
             normal.x * normal.x + normal.y * normal.y;   // 4 on a straight line, 0 at a turn
-        if (square < 1e-6)
-            return MPointF{ -in.y * half, in.x * half };
         const double mitre = std::min(2 / square, longestMitre / std::sqrt(square)) * half;
-        return MPointF{ normal.x * mitre, normal.y * mitre };
-    };
-    for (std::size_t i = 0; i < line.size(); ++i)
-    {
-        const MPointF offset = offsetAt(i);
-        const MPointF side{ line[i].x + offset.x, line[i].y + offset.y };
-        if (i == 0)
-            MoveTo(side);
-        else
-            LineTo(side);
+        const bool turns = square < 1e-6;
+        offsets.push_back(turns ? MPointF{ -in.y * half, in.x * half }
+                                : MPointF{ normal.x * mitre, normal.y * mitre });
+        in = out;
     }
+    MoveTo({ line[0].x + offsets[0].x, line[0].y + offsets[0].y });
+    for (std::size_t i = 1; i < line.size(); ++i)
+        LineTo({ line[i].x + offsets[i].x, line[i].y + offsets[i].y });
     for (std::size_t i = line.size(); i-- > 0;)
-    {
-        const MPointF offset = offsetAt(i);
-        LineTo({ line[i].x - offset.x, line[i].y - offset.y });
-    }
+        LineTo({ line[i].x - offsets[i].x, line[i].y - offsets[i].y });
 }
 
 /// Fills what is wide and has many edges in parts: the rasterizer keeps a row's edges in a list that it

@@ -42,6 +42,7 @@ private:
     ShapeContours contours;
     std::deque<ShapeContours> parts;   // while it is cut, for each depth; places that stay
     std::vector<MPointF> line;   // of a stroke, without points that coincide
+    std::vector<MPointF> offsets;   // of its sides
 
     friend class ShapeFiller;
 };
