@@ -4,9 +4,9 @@
 #include <cmath>
 #include <utility>
 
-#include "foundation/streams/MStream.h"
 #include "foundation/text/MException.h"
 #include "gui/painting/FontLibrary.h"
+#include "gui/painting/RestOfStream.h"
 
 FontFace::FontFace(std::vector<std::uint8_t> fileBytes) : bytes(std::move(fileBytes))
 {
@@ -33,19 +33,7 @@ FontFace::~FontFace()
 
 std::shared_ptr<FontFace> FontFace::Read(MStream& stream)
 {
-    constexpr std::int32_t piece = 1 << 16;
-    constexpr std::size_t largest = std::size_t{ 1 } << 26;   // of any font file that is one
-    std::vector<std::uint8_t> read;
-    for (std::int32_t got = piece; got > 0;)
-    {
-        const std::size_t before = read.size();
-        if (before > largest)
-            throw MException("Invalid font file format.", MErrorCode::Content);
-        read.resize(before + piece);
-        got = stream.Read(read.data() + before, piece);
-        read.resize(before + static_cast<std::size_t>(got));
-    }
-    return std::make_shared<FontFace>(std::move(read));
+    return std::make_shared<FontFace>(RestOfStream(stream));
 }
 
 MString FontFace::FamilyName() const

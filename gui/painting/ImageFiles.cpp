@@ -6,18 +6,6 @@
 #include <cstring>
 
 #include "foundation/streams/MStream.h"
-#include "foundation/text/MException.h"
-
-std::vector<std::uint8_t> ImageFiles::RestOf(MStream& stream)
-{
-    constexpr std::int64_t largest = std::int64_t{ 1 } << 28;
-    const std::int64_t size = stream.GetSize() - stream.GetPosition();
-    if (size > largest)
-        throw MException("Invalid file contents. The file is too large for a picture.", MErrorCode::Content);
-    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(std::max<std::int64_t>(0, size)));
-    ReadExact(stream, bytes.data(), static_cast<std::int32_t>(bytes.size()));
-    return bytes;
-}
 
 void ImageFiles::Load(MBitmap& bitmap, MStream& stream)
 {

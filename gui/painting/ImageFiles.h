@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <vector>
-
 #include "gui/painting/MBitmap.h"
 
 class MStream;
@@ -35,6 +33,4 @@ void LoadTIFF(MBitmap& bitmap, MStream& stream);
 /// Whatever the file's first bytes say it is; without a mark it counts as TGA. Throws as the others.
 void Load(MBitmap& bitmap, MStream& stream);
 
-/// What is left of a stream.
-std::vector<std::uint8_t> RestOf(MStream& stream);
 }   // namespace ImageFiles

@@ -9,6 +9,7 @@
 #include "foundation/streams/MStream.h"
 #include "foundation/text/MException.h"
 #include "gui/painting/ImageFiles.h"
+#include "gui/painting/RestOfStream.h"
 #include "gui/painting/SharedLibrary.h"
 
 // libjpeg leaves by a long jump where something fails: see PNG.cpp.
@@ -86,7 +87,7 @@ void ImageFiles::LoadJPEG(MBitmap& bitmap, MStream& stream)
     static const Library library;
     if (!library.IsComplete())
         throw MException("Could not initialize libjpeg.", MErrorCode::NotInitialized);
-    const std::vector<std::uint8_t> bytes = RestOf(stream);
+    const std::vector<std::uint8_t> bytes = RestOfStream(stream);
     jpeg_decompress_struct info{};
     Errors errors{};
     info.err = library.standardErrors(&errors.base);

@@ -142,10 +142,7 @@ private:
 void ImageFiles::LoadTGA(MBitmap& bitmap, MStream& stream, bool createAlpha)
 {
     std::array<std::uint8_t, headerSize> bytes{};
-    std::int32_t got = 0;
-    for (std::int32_t more = 1; more > 0 && got < headerSize; got += more)
-        more = stream.Read(bytes.data() + got, headerSize - got);
-    if (got < headerSize)
+    if (stream.Read(bytes.data(), headerSize) != headerSize)
         Fail("No TGA header present.");
     const Header header(bytes);
     if (header.bits != 8 && header.bits != 16 && header.bits != 24 && header.bits != 32)

@@ -10,6 +10,7 @@
 #include "foundation/streams/MStream.h"
 #include "foundation/text/MException.h"
 #include "gui/painting/ImageFiles.h"
+#include "gui/painting/RestOfStream.h"
 #include "gui/painting/SharedLibrary.h"
 
 namespace
@@ -117,7 +118,7 @@ void ImageFiles::LoadTIFF(MBitmap& bitmap, MStream& stream)
     static const Library library;
     if (!library.IsComplete())
         throw MException("Could not initialize libtiff.", MErrorCode::NotInitialized);
-    File file{ RestOf(stream) };
+    File file{ RestOfStream(stream) };
     const Silence silence(library);
     const std::unique_ptr<TIFF, decltype(TIFFClose)*> tiff(library.open("", "rm", &file, &ReadBytes,
                                                                         &WriteNothing, &SeekTo, &CloseNothing,

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Images and masks in files: there and back, and what damaged ones do.
 #include <cstdlib>
-#include <functional>
 #include <random>
 #include <string>
 
@@ -9,25 +8,13 @@
 
 #include "foundation/streams/MMemoryStream.h"
 #include "foundation/streams/MStdFileStream.h"
-#include "foundation/text/MException.h"
 #include "gui/painting/ImageFiles.h"
 #include "gui/painting/MAlphaMask.h"
+#include "gui/painting/RestOfStream.h"
+#include "tests/ErrorOf.h"
 
 namespace
 {
-std::string Failure(const std::function<void()>& work)
-{
-    try
-    {
-        work();
-    }
-    catch (const MException& error)
-    {
-        return error.Message.ToUTF8();
-    }
-    return "none";
-}
-
 // Runs and single pixels mixed.
 MBitmap Picture(std::int32_t width, std::int32_t height, std::uint32_t seed)
 {
@@ -135,16 +122,16 @@ TEST(ImageFiles, GiveBackEveryPixelAndSurviveAnyDamage)
                 const MBitmap kept = Picture(5, 5, 2);
                 MBitmap target;
                 target.CopyFrom(kept);
-                const bool refused = Failure([&] { format.load(target, broken); }) != "none";
+                const bool refused = ErrorOf([&] { format.load(target, broken); }) != "";
                 EXPECT_TRUE(!refused || Same(target, kept)) << "lost by a file that can't be read";
             }
         }
     }
     MMemoryStream stream;
-    EXPECT_EQ(Failure([&] { ImageFiles::SavePNG(MBitmap(), stream); }),
+    EXPECT_EQ(ErrorOf([&] { ImageFiles::SavePNG(MBitmap(), stream); }),
               "Empty image cannot be saved to PNG.");
     MBitmap bitmap;
-    EXPECT_EQ(Failure([&] { ImageFiles::LoadPNG(bitmap, stream); }), "Error loading a PNG file.");
+    EXPECT_EQ(ErrorOf([&] { ImageFiles::LoadPNG(bitmap, stream); }), "Error loading a PNG file.");
 }
 
 TEST(ImageFiles, ReadAllKindsOfTGA)
@@ -168,7 +155,7 @@ TEST(ImageFiles, ReadAllKindsOfTGA)
     EXPECT_TRUE(Loaded(TGA(2, 32, 0, 3, 0, {})).empty());
     const auto failure = [](const Bytes& file)
     {
-        return Failure([&] { Loaded(file); });
+        return ErrorOf([&] { Loaded(file); });
     };
     EXPECT_EQ(failure(Bytes(17)), "Invalid file contents. No TGA header present.");
     EXPECT_EQ(failure(TGA(1, 8, 1, 1, 0, Bytes(2000), 0, 257, 24)),
@@ -188,7 +175,7 @@ TEST(ImageFiles, AreKnownByTheirMarksAndReadBySystemLibrariesWhereThereAreSome)
     const auto bytesOf = [&](const char* name)
     {
         MStdFileStream file(folder + MString::Literal(name), MStdFileStream::ReadAccess);
-        return ImageFiles::RestOf(file);
+        return RestOfStream(file);
     };
     const auto load = [](const Bytes& bytes)
     {
@@ -227,12 +214,12 @@ TEST(ImageFiles, AreKnownByTheirMarksAndReadBySystemLibrariesWhereThereAreSome)
             Bytes damaged = file;
             damaged[random() % damaged.size()] = static_cast<std::uint8_t>(random());
             damaged.resize(damaged.size() - (round % 2 == 0 ? 0 : random() % damaged.size()));
-            Failure([&] { load(damaged); });
+            ErrorOf([&] { load(damaged); });
         }
-    EXPECT_EQ(Failure([&] { load({ 0xFF, 0xD8, 0xFF, 0 }); }), "Error loading a JPEG file.");
-    EXPECT_EQ(Failure([&] { load({ 'I', 'I', 42, 0, 9 }); }), "Error loading a TIFF file.");
-    EXPECT_EQ(Failure([&] { load({ 0x89, 'P', 'N', 'G' }); }), "Error loading a PNG file.");
-    EXPECT_EQ(Failure([&] { load({ 'x' }); }), "Invalid file contents. No TGA header present.");
+    EXPECT_EQ(ErrorOf([&] { load({ 0xFF, 0xD8, 0xFF, 0 }); }), "Error loading a JPEG file.");
+    EXPECT_EQ(ErrorOf([&] { load({ 'I', 'I', 42, 0, 9 }); }), "Error loading a TIFF file.");
+    EXPECT_EQ(ErrorOf([&] { load({ 0x89, 'P', 'N', 'G' }); }), "Error loading a PNG file.");
+    EXPECT_EQ(ErrorOf([&] { load({ 'x' }); }), "Invalid file contents. No TGA header present.");
 }
 
 TEST(AlphaMaskFiles, GiveBackEveryAlphaAndTellWhatIsWrong)
@@ -262,7 +249,7 @@ TEST(AlphaMaskFiles, GiveBackEveryAlphaAndTellWhatIsWrong)
         {
             const Bytes cut(file.begin(), file.begin() + static_cast<std::ptrdiff_t>(length));
             MMemoryStream broken = Over(cut);
-            EXPECT_NE(Failure([&] { back.Load(broken); }), "none") << length;
+            EXPECT_NE(ErrorOf([&] { back.Load(broken); }), "") << length;
             ASSERT_EQ(back.Width(), width) << "lost by a file that can't be read";
         }
     }
@@ -272,8 +259,8 @@ TEST(AlphaMaskFiles, GiveBackEveryAlphaAndTellWhatIsWrong)
     {
         MAlphaMask mask;
         MMemoryStream stream = Over(file);
-        const std::string failure = Failure([&] { mask.Load(stream); });
-        return failure == "none" ? std::to_string(mask.Get(15, 15)) : failure;
+        const std::string failure = ErrorOf([&] { mask.Load(stream); });
+        return failure.empty() ? std::to_string(mask.Get(15, 15)) : failure;
     };
     EXPECT_EQ(load(), "200");
     file[20] = 2;

@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <cmath>
-#include <functional>
 
 #include <gtest/gtest.h>
 
 #include "foundation/streams/MMemoryStream.h"
 #include "foundation/streams/MStdFileStream.h"
-#include "foundation/text/MException.h"
 #include "gui/painting/MDrawerToMBitmap.h"
+#include "tests/ErrorOf.h"
 
 namespace
 {
@@ -184,33 +183,21 @@ TEST(Font, AlignsByItsInkAndLiftsLightText)
 
 TEST(Font, FilesThatAreNoneAreRefusedAndLeaveTheFont)
 {
-    const auto failure = [](const std::function<void()>& work)
-    {
-        try
-        {
-            work();
-        }
-        catch (const MException& error)
-        {
-            return error.Message.ToUTF8();
-        }
-        return std::string("none");
-    };
     MFont font = Font(11);
     const double width = font.Width("x");
     MMemoryStream text = MMemoryStream::Borrow("no font at all", 14);
-    EXPECT_EQ(failure([&] { font.Load(text); }), "Unknown font file format.");
+    EXPECT_EQ(ErrorOf([&] { font.Load(text); }), "Unknown font file format.");
     std::vector<std::uint8_t> half(3000);
     MStdFileStream file(interRegular, MStdFileStream::ReadAccess);
     file.Read(half.data(), static_cast<std::int32_t>(half.size()));
     MMemoryStream cut = MMemoryStream::Borrow(half.data(), static_cast<std::int32_t>(half.size()));
-    EXPECT_NE(failure([&] { font.Load(cut); }), "none");
+    EXPECT_NE(ErrorOf([&] { font.Load(cut); }), "");
     EXPECT_EQ(font.Width("x"), width);
     MFont larger;
-    EXPECT_EQ(failure([&] { larger.Width("x"); }), "Not initialized GDI object specified to select.");
+    EXPECT_EQ(ErrorOf([&] { larger.Width("x"); }), "Not initialized GDI object specified to select.");
     larger.height = 15;
     larger.Load(interRegular);
     EXPECT_GT(larger.Width("x"), width);
     larger.height = 1e9;
-    EXPECT_EQ(failure([&] { larger.Load(interRegular); }), "Unable to accept required font size.");
+    EXPECT_EQ(ErrorOf([&] { larger.Load(interRegular); }), "Unable to accept required font size.");
 }

@@ -7,8 +7,8 @@
 
 #include <gtest/gtest.h>
 
-#include "foundation/text/MException.h"
 #include "gui/painting/PixelLoops.h"
+#include "tests/ErrorOf.h"
 #include "tests/foundation/vector/Targets.h"
 
 namespace
@@ -235,18 +235,6 @@ TEST(PixelLoops, OperationsAndFillsAreParsedByTheirLabels)
         EXPECT_EQ(ParseColorOp(MString::Literal(MEnumLabels<MColorOp>::Labels[code])),
                   static_cast<MColorOp>(code));
     EXPECT_EQ(ParseBitmapFill("VPattern"), MBitmapFill::VPattern);
-    const auto message = [](auto&& parse)
-    {
-        try
-        {
-            parse();
-        }
-        catch (const MException& error)
-        {
-            return error.Message.ToUTF8();
-        }
-        return std::string("none");
-    };
-    EXPECT_EQ(message([] { ParseColorOp("Blend"); }), "Invalid MColorOp identifier to parse (Blend).");
-    EXPECT_EQ(message([] { ParseBitmapFill(""); }), "Invalid MBitmapFill identifier to parse ().");
+    EXPECT_EQ(ErrorOf([] { ParseColorOp("Blend"); }), "Invalid MColorOp identifier to parse (Blend).");
+    EXPECT_EQ(ErrorOf([] { ParseBitmapFill(""); }), "Invalid MBitmapFill identifier to parse ().");
 }

@@ -10,22 +10,10 @@
 
 #include "foundation/streams/MMemoryStream.h"
 #include "foundation/streams/MZLibStream.h"
+#include "tests/ErrorOf.h"
 
 namespace
 {
-std::string ErrorOf(auto&& operation)
-{
-    try
-    {
-        operation();
-    }
-    catch (const MException& error)
-    {
-        return error.Message.ToUTF8();
-    }
-    return {};
-}
-
 std::string KeysOf(const MAttribute& item)
 {
     std::string keys;
