@@ -69,6 +69,8 @@ MAudioPluginVSTAdapter::MAudioPluginVSTAdapter(HostCallback hostCallback,
     ModuleUse::SetHostType("VST");
     plugin->adapter = this;
     FillRecord();
+    // This format counts channels through, whatever bus they belong to.
+    plugin->buses.SetStride(plugin->buses.Width());
     ReportLatency();
     Resume();
     constructed = true;
