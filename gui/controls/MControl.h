@@ -8,15 +8,23 @@
 
 #include "foundation/containers/MEventBase.h"
 #include "foundation/text/MString.h"
+#include "gui/controls/ControlClicks.h"
 #include "gui/controls/LayoutOptions.h"
+#include "gui/controls/MControlEvent.h"
 #include "gui/controls/MLayout.h"
 #include "gui/controls/MStyle.h"
+
+class MAttribute;
+class MWindow;
 
 /// A piece of the screen: the whole interface is one tree of them. A control owns its children and the
 /// layouts that place them; no control that stands in a layout has a position of its own. Sizes and places
 /// are pixels, places count from the parent's client area. Thread: GUI.
 class MControl : public MEventTarget
 {
+    friend class EventRouting;
+    friend class MWindow;
+
 public:
     MControl() = default;
     ~MControl() override;
@@ -33,6 +41,11 @@ public:
     MControl* Parent() const { return parent; }
     MControl& Root();
     const MControl& Root() const;
+    /// The root where that is a window, otherwise null.
+    MWindow* Window() const;
+    bool IsAncestorOf(const MControl& other) const;
+    /// The first below, or itself, with this id; null for none.
+    MControl* Find(const MString& wanted);
 
     /// A further layout, inside of those before it.
     template <typename Layout, typename... Arguments>
@@ -54,11 +67,26 @@ public:
     /// In the root's picture.
     std::int32_t AbsoluteX() const { return absolute[0]; }
     std::int32_t AbsoluteY() const { return absolute[1]; }
+    /// In the root's picture, whether or not all of it can be seen.
+    MRectangle AbsoluteRectangle() const;
+    /// What of the control the ancestors let be seen, in its own places.
+    MRectangle VisibleRectangle() const;
+    MRectangle OwnRectangle() const;
+    /// Moves all children that aren't overlays.
+    void SetScroll(std::int32_t x, std::int32_t y);
+    std::int32_t ScrollX() const { return scroll[0]; }
+    std::int32_t ScrollY() const { return scroll[1]; }
     /// What the style leaves of the control for its children.
     MRectangle ClientRectangle() const;
 
     bool IsVisible() const { return visible; }
+    /// With all its ancestors.
+    bool IsShown() const;
     void SetVisible(bool shown);
+    bool IsEnabled() const { return enabled; }
+    /// With all its ancestors: a control in a disabled one can't be used.
+    bool IsUsable() const;
+    void SetEnabled(bool nowEnabled);
     bool IsCollapsed() const { return collapsed; }
     void SetCollapsed(bool nowCollapsed);
     void SetCollapsedSize(MSize size);
@@ -86,13 +114,78 @@ public:
     /// For the layout that places it.
     void SetPlace(Axis axis, std::int32_t first, std::int32_t size);
 
-    const MStyle* Style() const;
-    void SetStyle(const MStyle* newStyle) { style = newStyle; }
+    /// That of the root, or else the window system's; null where there is none.
+    MStyle* Style() const;
+    /// Of a root.
+    void SetStyle(MStyle* newStyle) { style = newStyle; }
     /// Of the style; 0 without one.
     std::int32_t GetSpacing(std::int32_t index) const;
 
+    /// Asks for a repaint of the control or of a part of it. Nothing while it isn't shown. Thread: GUI.
+    void Invalidate();
+    void Invalidate(const MRectangle& part);
+    /// Paints the control without its children. `drawer` has its corner at 0, 0.
+    virtual void Paint(MDrawer& drawer);
+    /// Above its children.
+    virtual void PaintAbove(MDrawer&) {}
+    /// Bits of DrawState.
+    virtual std::uint16_t GetDrawState() const;
+
+    /// The entry of events into the tree below; true when somebody took it. No lock is held meanwhile.
+    bool SendEvent(const MControlEvent& event);
+    /// Its own reaction: true takes the event. The base moves the focus with Tab and arrows, and closes the
+    /// window with Escape where that is told to.
+    virtual bool OnEvent(const MControlEvent& event);
+    /// Before `child`, which may be null, gets an event: true takes it.
+    virtual bool PreviewEvent(MControl* child, const MControlEvent& event);
+    /// An event that nobody in the tree took, for those in the root's list.
+    virtual bool GlobalEvent(const MControlEvent&) { return false; }
+    virtual void OnMouseEnter();
+    virtual void OnMouseLeave();
+    /// The mouse was taken away from it.
+    virtual void OnCaptureEnd() {}
+    virtual void OnTimer() {}
+    /// Files were dropped on it; false: not taken.
+    virtual bool OnDrop(const std::vector<MString>& /*files*/, std::int32_t /*x*/, std::int32_t /*y*/)
+    {
+        return false;
+    }
+    /// While files are held over it, and when they leave.
+    virtual void OnDragOver(bool /*isOver*/) {}
+    virtual MStdCursor GetCursor(std::int32_t x, std::int32_t y) const;
+    /// Asks the control, and those above it, whether the window may close.
+    virtual bool CanClose() { return true; }
+
+    void SetFocus();
+    bool HasFocus() const;
+    /// The mouse's events come here until ReleaseCapture, wherever it is.
+    void Capture();
+    void ReleaseCapture();
+    bool HasCapture() const;
+    /// The topmost enabled child there that mouse events go to, null for none.
+    MControl* ChildAt(std::int32_t x, std::int32_t y) const;
+    bool IsHovered() const { return hovered; }
+    /// A button went down on it and is still down.
+    bool IsPressed() const { return pressed != 0; }
+
+    /// Clicks and double clicks on it; a release outside is none.
+    ControlClicks& Clicks() { return clicks; }
+
     MString id;
+    MString caption;
+    MString help;   ///< as rich text
+    MControlType controlType = MControlType::Control;
+    MStdFont font = MStdFont::Normal;
     LayoutOptions layout;
+    bool tabStop = false;   ///< Tab and clicks give it the keyboard
+    bool receivesMouse = true;   ///< otherwise what lies behind it gets the events
+    bool opaque = false;   ///< it paints every pixel of its rectangle, so that nothing behind has to
+    bool acceptsFiles = false;
+    bool usesParentHelp = false;
+    bool savesState = false;   ///< that it is collapsed, with the window's place and size
+    bool savesRatio = false;   ///< its share in a layout, with them
+    bool collapsable = false;
+    MStdCursor cursor = MStdCursor::Inherited;
     bool overlay = false;   ///< the parent's scrolling doesn't move it
     bool detectsMinimalSize = true;
     bool adaptsSize = false;
@@ -106,6 +199,10 @@ protected:
     virtual std::int32_t ComputePlasticSize(Axis axis, std::int32_t crossClientSize) const;
     /// The control has another size or place.
     virtual void OnPlaced() {}
+    /// The tree has become live: there is a style now.
+    virtual void Realize() {}
+    /// It was enabled or disabled, itself or by an ancestor.
+    virtual void OnEnabled() {}
 
 private:
     void ComputeMinimalSizes();
@@ -113,18 +210,27 @@ private:
     void ArrangeChildren();
     void UpdateAbsolute();
     MStyle::Frame Frame() const;
+    void RealizeAll();
+    MRectangle ChildRectangle(const MControl& child) const;
 
     std::vector<std::unique_ptr<MControl>> children;
     std::vector<std::unique_ptr<MLayout>> layouts;
     MControl* parent = nullptr;
-    const MStyle* style = nullptr;   // of a root
+    MStyle* style = nullptr;   // of a root
     std::int32_t place[2]{};
     std::int32_t sizes[2]{};
     std::int32_t minimal[2]{};
     std::int32_t absolute[2]{};
+    std::int32_t scroll[2]{};
     MSize minimalClient;
     MSize collapsedSize;
+    MControl* focusChild = nullptr;   // on the way to the one with the keyboard
+    ControlClicks clicks;
     bool visible = true;
+    bool enabled = true;
     bool collapsed = false;
     bool live = false;
+    bool realized = false;
+    bool hovered = false;
+    std::uint8_t pressed = 0;   // a bit for each button
 };

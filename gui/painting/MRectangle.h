@@ -4,6 +4,15 @@
 #include <algorithm>
 #include <cstdint>
 
+/// A pixel.
+struct MPoint
+{
+    std::int32_t x = 0;
+    std::int32_t y = 0;
+
+    constexpr bool operator==(const MPoint&) const = default;
+};
+
 /// A rectangle of whole pixels with inclusive corners: one pixel has right equal to left.
 /// The usual empty one is 0, 0, -1, -1; every rectangle whose right lies left of its left counts as empty.
 struct MRectangle
