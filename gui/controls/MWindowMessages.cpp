@@ -91,13 +91,13 @@ void MWindow::SetHover(MControl* leaf)
         return;
     MControl* before = hoverLeaf;
     hoverLeaf = leaf;
-    for (MControl* each = before; each != nullptr; each = each->parent)
+    for (MControl* each = before; each != nullptr; each = each->parentControl)
         if (leaf == nullptr || !each->IsAncestorOf(*leaf))
         {
             each->hovered = false;
             each->OnMouseLeave();
         }
-    for (MControl* each = leaf; each != nullptr; each = each->parent)
+    for (MControl* each = leaf; each != nullptr; each = each->parentControl)
         if (!each->hovered)
         {
             each->hovered = true;
