@@ -273,7 +273,7 @@ TEST_F(Loader, MakesValuesByTheirType)
     {
         const auto made = value((std::string("type='") + type + "'").c_str());
         ASSERT_NE(made, nullptr) << type;
-        for (const double position : { 0.0, 0.3, 1.0 })
+        for (const double position : { 0.2, 0.3, 1.0 })
         {
             made->SetNormalized(position);
             const MString shown = made->GetDisplayText();
