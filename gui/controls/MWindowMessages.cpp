@@ -126,6 +126,9 @@ bool MWindow::KeyMessage(const MControlEvent& event)
 {
     if (!open || BlockedBy() != nullptr)
         return false;
+    // An open menu has no keyboard of its own.
+    if (MWindow* menu = MWindows::Get()->TopPopUp(); menu != nullptr && menu != this)
+        return menu->KeyMessage(event);
     if (event.code == MEventCode::KeyDown)
         SetFocusRing(true);
     const bool taken = SendEvent(event);

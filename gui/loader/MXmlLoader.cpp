@@ -124,13 +124,15 @@ void MXmlLoader::Place(MControl& parent, MControl& control, const MAttribute& no
     layout.AddChildXml(control, node);
 }
 
-std::unique_ptr<MValue> MXmlLoader::CreateValue(MAttribute& node) const
+std::unique_ptr<MValue> MXmlLoader::CreateValue(const MAttribute& node) const
 {
     const MString* type = node.FindAttribute("type");
     const ValueCreator* creator = type != nullptr ? Find(valueCreators, *type) : nullptr;
     if (creator == nullptr)
         return nullptr;
     std::unique_ptr<MValue> value = creator->Create();
-    value->LoadDefinition(node);
+    MAttribute definition;   // looking up leaves a trace in it
+    definition.CopyFrom(node);
+    value->LoadDefinition(definition);
     return value;
 }

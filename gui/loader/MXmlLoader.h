@@ -67,7 +67,7 @@ public:
     void Load(MControl& control, const MAttribute& node);
     /// The value of an element's "type", as the element defines it; null where it has none, or an unknown
     /// one.
-    std::unique_ptr<MValue> CreateValue(MAttribute& node) const;
+    std::unique_ptr<MValue> CreateValue(const MAttribute& node) const;
 
 private:
     template <typename Kind>
