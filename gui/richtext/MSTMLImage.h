@@ -33,6 +33,7 @@ public:
 
 protected:
     Size NaturalSize() const override;
+    bool KeepsProportion() const override { return !Format().across && !Format().down; }
 
 private:
     const MBitmap* Picture() const;   // null: none

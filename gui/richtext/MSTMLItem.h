@@ -15,7 +15,7 @@ public:
     virtual std::unique_ptr<MSTMLItem> Clone() const = 0;
     /// Below which words are broken.
     virtual std::int32_t GetMinimalWidth() = 0;
-    /// With no line broken.
+    /// With no line broken. An object that is as wide as a share of its line counts with its own width.
     virtual std::int32_t GetPreferredWidth() = 0;
     virtual std::int32_t GetHeight(std::int32_t width) = 0;
     virtual void Layout(std::int32_t width) = 0;

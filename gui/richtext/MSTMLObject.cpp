@@ -28,7 +28,7 @@ std::int32_t MSTMLObject::GetWidth() const
     const Size natural = NaturalSize();
     if (format.width.IsGiven())
         return format.width.Pixels(Owner(), lineWidth);
-    if (format.height.IsGiven() && !format.across && !format.down)
+    if (format.height.IsGiven() && KeepsProportion())
         return InProportion(natural.width, GetObjectHeight(), natural.height);
     return natural.width;
 }
@@ -39,7 +39,7 @@ std::int32_t MSTMLObject::GetObjectHeight() const
     const STMLFontHeights& heights = Owner().HeightsOf(format.style.font);
     if (format.height.IsGiven())
         return format.height.Pixels(Owner(), heights.above + heights.below);
-    if (format.width.IsGiven() && !format.across && !format.down)
+    if (format.width.IsGiven() && KeepsProportion())
         return InProportion(natural.height, GetWidth(), natural.width);
     return natural.height;
 }

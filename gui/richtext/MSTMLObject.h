@@ -63,6 +63,8 @@ protected:
 
     /// What it takes where the text states no size.
     virtual Size NaturalSize() const = 0;
+    /// Whether a side that isn't stated follows the other one.
+    virtual bool KeepsProportion() const { return false; }
     /// The colour, or that of the text around it.
     MColor ColorOr(const std::optional<STMLColor>& color, std::uint8_t alpha) const;
 

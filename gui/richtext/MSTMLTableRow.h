@@ -20,12 +20,20 @@ struct STMLRowFormat
 class MSTMLTableRow : public MSTMLItem
 {
 public:
+    struct Column
+    {
+        std::int32_t x = 0;   ///< from the left of the row
+        std::int32_t width = 0;
+    };
+
     MSTMLTableRow(const STMLOwner& itemOwner, STMLRowFormat rowFormat);
     MSTMLTableRow(const MSTMLTableRow& other);
 
     MSTMLTableCell& AddCell(std::unique_ptr<MSTMLTableCell> cell);
     const STMLRowFormat& Format() const { return format; }
     const std::vector<std::unique_ptr<MSTMLTableCell>>& Cells() const { return cells; }
+    /// Of each cell, as last laid out.
+    const std::vector<Column>& Columns() const { return columns; }
 
     std::unique_ptr<MSTMLItem> Clone() const override;
     std::int32_t GetMinimalWidth() override;
@@ -37,11 +45,6 @@ public:
     double GetHeightShare() const override { return format.height.IsShare() ? format.height.value : 0; }
 
 private:
-    struct Column
-    {
-        std::int32_t x = 0;
-        std::int32_t width = 0;
-    };
     struct Measures
     {
         std::int32_t minimal = -1;   // -1: not measured

@@ -84,7 +84,8 @@ void STMLBuilder::OnText(const MString& text)
     if (scopes.back().paragraph == nullptr && IsBlank(text))
         return;
     MSTMLParagraph& paragraph = Paragraph();
-    BeginDecoration();
+    if (!IsBlank(text))
+        BeginDecoration();
     paragraph.AddText(text, Style());
 }
 
@@ -221,8 +222,12 @@ void STMLBuilder::OnListItem(const STMLAttributes& attributes, bool isEnd)
 
 void STMLBuilder::OnRow(const STMLAttributes& attributes, bool isEnd)
 {
-    if (isEnd && scopes.back().row == nullptr && scopes.size() > 1)
+    if (isEnd && scopes.back().row == nullptr)
+    {
+        if (scopes.size() < 2)
+            return;
         CloseCell();
+    }
     EndParagraph();
     scopes.back().row = nullptr;
     if (isEnd)

@@ -55,8 +55,23 @@ private:
     bool Fits(double right) const { return format.singleLine || right <= room + tolerance; }
     const STMLPiece& PieceOf(const Placed& item) const { return pieces[item.segment.piece]; }
 
+    bool IsPadding(const STMLSegment& segment) const
+    {
+        return pieces[segment.piece].kind == STMLPiece::Kind::Padding;
+    }
+
+    /// Whether it is what a field has behind its last blank.
+    bool IsPadding(const STMLWord& word) const
+    {
+        return std::all_of(words.segments.begin() + static_cast<std::ptrdiff_t>(word.firstSegment),
+                           words.segments.begin() + static_cast<std::ptrdiff_t>(word.endSegment),
+                           [this](const STMLSegment& segment) { return IsPadding(segment); });
+    }
+
     void TakeWord(const STMLWord& word)
     {
+        if (IsPadding(word) && (placed.empty() || !Fits(end + word.gap + word.width)))
+            return;   // a line has more than that
         double gap = placed.empty() ? 0 : word.gap;
         if (!placed.empty() && !Fits(end + gap + word.width))
         {
@@ -67,6 +82,8 @@ private:
         for (std::size_t index = word.firstSegment; index < word.endSegment; ++index)
         {
             const STMLSegment& segment = words.segments[index];
+            if (!isWhole && IsPadding(segment))
+                continue;   // the letters need the room
             if (isWhole || Fits(end + gap + segment.width))
                 Place(segment, gap);
             else if (pieces[segment.piece].kind == STMLPiece::Kind::Text)

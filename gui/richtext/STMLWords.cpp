@@ -74,11 +74,13 @@ private:
         const bool alone = object.IsAlone() && !singleLine;
         if (alone)
             Break(STMLWord::Kind::LineStart);
-        else if (isOpen && IsObject(made.segments.back().piece))
-            Close();   // between two pictures a line may end
+        else if (isOpen && (object.Format().width.IsShare() || IsObject(made.segments.back().piece)))
+            Close();   // between two pictures a line may end, and at one that is as wide as there is room
         const std::int32_t width =
             measure == STMLMeasure::Present ? object.GetWidth() : object.GetPreferredWidth();
         Extend(0, 0, width, object.GetMinimalWidth());
+        if (object.Format().width.IsShare())
+            Close();
         if (alone)
             Break(STMLWord::Kind::LineStart);
     }

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "foundation/streams/MStdFileStream.h"
+#include "gui/painting/FontLibrary.h"
 #include "gui/painting/MDrawerToMBitmap.h"
 #include "gui/richtext/MSTML.h"
 
@@ -54,12 +55,12 @@ public:
 
     MColor GetColor(std::int32_t index) const override
     {
-        constexpr std::uint32_t colors[][2] = {
-            { 0xFFE9EBEE, 0xFF1A1D21 }, { 0xFF4FA866, 0xFF006000 }, { 0xFFAEB5BD, 0xFF464C53 },
-            { 0xFFE9EBEE, 0xFF1A1D21 }, { 0xFF8D959E, 0xFF545B62 }, { 0xFFFF6B70, 0xFFC4262E },
-            { 0xFF2CE312, 0xFF128A00 }, { 0xFF7DB4FF, 0xFF1F5FBF }, { 0xFFE7DE81, 0xFF2A2E33 },
-            { 0xFF101317, 0xFFFBFBF8 }, { 0xFF2A3037, 0xFFC4C5BE }, { 0xFF1B1F24, 0xFFF1F1ED }
-        };
+        constexpr std::uint32_t colors[][2] = { { 0xFFE9EBEE, 0xFF1A1D21 }, { 0xFF4FA866, 0xFF006000 },
+                                                { 0xFFAEB5BD, 0xFF464C53 }, { 0xFFE9EBEE, 0xFF1A1D21 },
+                                                { 0xFF8D959E, 0xFF545B62 }, { 0xFFFF6B70, 0xFFC4262E },
+                                                { 0xFF2CE312, 0xFF128A00 }, { 0xFF7DB4FF, 0xFF1F5FBF },
+                                                { 0xFFE7DE81, 0xFF2A2E33 }, { 0xFF101317, 0xFFFBFBF8 },
+                                                { 0xFF2A3037, 0xFFC4C5BE }, { 0xFF1B1F24, 0xFFF1F1ED } };
         return MColor(colors[index][dark ? 0 : 1]);
     }
     MFont& GetFont(std::int32_t index) const override { return *fonts.at(static_cast<std::size_t>(index)); }
@@ -97,6 +98,7 @@ public:
 private:
     static std::shared_ptr<FontFace> Face(const std::string& name)
     {
+        FontLibrary::Get();   // has to outlive the faces
         static std::map<std::string, std::shared_ptr<FontFace>> faces;
         std::shared_ptr<FontFace>& face = faces[name];
         if (face == nullptr)
@@ -124,9 +126,9 @@ private:
         quiet.color = Text2;
         STMLTagSet faint = quiet;
         faint.alpha = 180;
-        tagSets = { { "name", name },      { "value", value },         { "control", key },
-                    { "shortcut", key },   { "reference", reference }, { "range", quiet },
-                    { "symbol", quiet },   { "shortcutnop", quiet },   { "example", faint } };
+        tagSets = { { "name", name },    { "value", value },         { "control", key },
+                    { "shortcut", key }, { "reference", reference }, { "range", quiet },
+                    { "symbol", quiet }, { "shortcutnop", quiet },   { "example", faint } };
     }
 
     MBitmap Disc(double units) const
