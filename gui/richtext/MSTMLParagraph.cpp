@@ -18,9 +18,9 @@ std::int32_t RoundedUp(double width)
 }
 }   // namespace
 
-MSTMLParagraph::MSTMLParagraph(const STMLOwner& itemOwner, STMLParagraphFormat paragraphFormat,
+MSTMLParagraph::MSTMLParagraph(const STMLOwner& itemOwner, const STMLParagraphFormat& paragraphFormat,
                                STMLTextStyle textStyle)
-    : MSTMLItem(itemOwner), format(std::move(paragraphFormat)), style(std::move(textStyle))
+    : MSTMLItem(itemOwner), format(paragraphFormat), style(std::move(textStyle))
 {
 }
 
