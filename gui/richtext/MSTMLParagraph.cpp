@@ -177,7 +177,7 @@ void MSTMLParagraph::PaintDecorations(MDrawer& drawer, const MRectangle& area, c
 /// @param area  a row of pixels below the baseline
 void MSTMLParagraph::PaintDecoration(MDrawer& drawer, const MRectangle& area, const STMLTextStyle& text) const
 {
-    const STMLFontHeights& heights = Owner().HeightsOf(text.font);
+    const STMLFontHeights heights = Owner().HeightsOf(text.font);
     const std::int32_t hairline = Owner().LinePixels(1);
     if (const std::optional<STMLField>& field = text.decoration->field)
     {
