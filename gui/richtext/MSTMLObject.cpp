@@ -36,7 +36,7 @@ std::int32_t MSTMLObject::GetWidth() const
 std::int32_t MSTMLObject::GetObjectHeight() const
 {
     const Size natural = NaturalSize();
-    const STMLFontHeights& heights = Owner().HeightsOf(format.style.font);
+    const STMLFontHeights heights = Owner().HeightsOf(format.style.font);
     if (format.height.IsGiven())
         return format.height.Pixels(Owner(), heights.above + heights.below);
     if (format.width.IsGiven() && KeepsProportion())

@@ -18,9 +18,9 @@ std::int32_t RoundedUp(double width)
 }
 }   // namespace
 
-MSTMLParagraph::MSTMLParagraph(const STMLOwner& itemOwner, STMLParagraphFormat paragraphFormat,
+MSTMLParagraph::MSTMLParagraph(const STMLOwner& itemOwner, const STMLParagraphFormat& paragraphFormat,
                                STMLTextStyle textStyle)
-    : MSTMLItem(itemOwner), format(std::move(paragraphFormat)), style(std::move(textStyle))
+    : MSTMLItem(itemOwner), format(paragraphFormat), style(std::move(textStyle))
 {
 }
 
@@ -177,7 +177,7 @@ void MSTMLParagraph::PaintDecorations(MDrawer& drawer, const MRectangle& area, c
 /// @param area  a row of pixels below the baseline
 void MSTMLParagraph::PaintDecoration(MDrawer& drawer, const MRectangle& area, const STMLTextStyle& text) const
 {
-    const STMLFontHeights& heights = Owner().HeightsOf(text.font);
+    const STMLFontHeights heights = Owner().HeightsOf(text.font);
     const std::int32_t hairline = Owner().LinePixels(1);
     if (const std::optional<STMLField>& field = text.decoration->field)
     {

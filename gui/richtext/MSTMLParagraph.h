@@ -11,7 +11,8 @@ class MSTMLParagraph : public MSTMLItem
 {
 public:
     /// @param textStyle  what a line without text has the height of
-    MSTMLParagraph(const STMLOwner& itemOwner, STMLParagraphFormat paragraphFormat, STMLTextStyle textStyle);
+    MSTMLParagraph(const STMLOwner& itemOwner, const STMLParagraphFormat& paragraphFormat,
+                   STMLTextStyle textStyle);
 
     /// A blank at its start, or behind another one, is left out.
     void AddText(const MString& text, const STMLTextStyle& textStyle);

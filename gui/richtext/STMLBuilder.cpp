@@ -281,7 +281,7 @@ void STMLBuilder::OpenCell(const STMLAttributes& attributes)
     scope.defaults.alignment = alignments.Top();
     scope.next = scope.defaults;
     scope.container = &row.AddCell(std::make_unique<MSTMLTableCell>(owner, std::move(format)));
-    scopes.push_back(std::move(scope));
+    scopes.push_back(scope);
     fonts.OpenScope();
     colors.OpenScope();
     alphas.OpenScope();

@@ -235,7 +235,7 @@ private:
         std::int32_t highest = 0;
         const auto need = [&](const STMLTextStyle& text)
         {
-            const STMLFontHeights& heights = owner.HeightsOf(text.font);
+            const STMLFontHeights heights = owner.HeightsOf(text.font);
             above = std::max(above, heights.above);
             below = std::max(below, heights.below);
         };

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
-const STMLFontHeights& STMLOwner::HeightsOf(std::int32_t index) const
+STMLFontHeights STMLOwner::HeightsOf(std::int32_t index) const
 {
     const auto place = static_cast<std::size_t>(index);
     if (place >= heights.size())

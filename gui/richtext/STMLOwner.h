@@ -35,7 +35,7 @@ public:
 
     const STMLResources& Resources() const { return resources; }
     MFont& Font(std::int32_t index) const { return style.GetFont(index); }
-    const STMLFontHeights& HeightsOf(std::int32_t font) const;
+    STMLFontHeights HeightsOf(std::int32_t font) const;
     /// A length in whole pixels; what is longer than nothing has one at least.
     std::int32_t Pixels(double units) const;
     /// Lines of a unit have 1 pixel to 150 %, 2 to 250 %, 3 at 300 %.
