@@ -52,7 +52,8 @@ public:
     /// How many values there are, 0 for a continuum.
     virtual int GetStepCount() const = 0;
     virtual MContent CreateContentAtIndex(int index) const;
-    virtual int GetIndex() const { return 0; }
+    /// Which of the values it has; 0 for a continuum.
+    virtual int GetIndex() const;
     virtual bool SetIndex(int index);
 
     virtual void SetConverters(ToTextConverter toText, void* toTextContext, FromTextConverter fromText,

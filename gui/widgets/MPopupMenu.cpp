@@ -29,10 +29,10 @@ MPopupMenu::~MPopupMenu()
     Close();
 }
 
-void MPopupMenu::Popup(MMenuItem& shown, MWindow& owner, const MRectangle& beside, std::int32_t leastWidth)
+void MPopupMenu::Popup(MMenuItem& items, MWindow& owner, const MRectangle& beside, std::int32_t leastWidth)
 {
     Close();
-    menu = &shown;
+    menu = &items;
     ownerOfMenu = &owner;
     current = -1;
     MeasureRows();

@@ -15,7 +15,7 @@ public:
 
     /// Opens beside a rectangle of the owner's, below it where there is room, otherwise above.
     /// @param leastWidth  as wide as the control that it belongs to
-    void Popup(MMenuItem& shown, MWindow& owner, const MRectangle& beside, std::int32_t leastWidth = 0);
+    void Popup(MMenuItem& items, MWindow& owner, const MRectangle& beside, std::int32_t leastWidth = 0);
     /// The id of the item; it is told when the menu has closed.
     MEvent<MOnItemParams<std::int32_t>>& OnChosen() { return chosen; }
     /// The row that Enter would choose; -1 for none.
