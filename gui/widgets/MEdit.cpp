@@ -249,7 +249,8 @@ bool MEdit::OnKey(const MControlEvent& event)
         return true;
     case MKey::Enter:
         Finish(Taken);
-        return true;
+        // Where nobody waits for it, it presses the window's button, too.
+        return done.HandlerCount() > 0;
     case MKey::Escape:
         // Without a change it is meant for the window.
         if (Text() == textBefore && done.HandlerCount() == 0)
