@@ -5,9 +5,15 @@
 
 #include "foundation/text/MException.h"
 #include "foundation/text/MStringFormat.h"
+#include "gui/controls/MWindow.h"
+#include "gui/controls/MWindows.h"
 
 MControl::~MControl()
 {
+    if (MWindow* window = Window())
+        window->Forget(*this);
+    else if (MWindows* all = MWindows::Get())
+        all->Forget(*this);
     // Layouts point to children, children to their layouts: those of this control go first.
     layouts.clear();
 }
@@ -16,6 +22,8 @@ MControl& MControl::AddChild(std::unique_ptr<MControl> child)
 {
     child->parent = this;
     children.push_back(std::move(child));
+    if (IsLive())
+        children.back()->RealizeAll();
     return *children.back();
 }
 
@@ -25,6 +33,9 @@ std::unique_ptr<MControl> MControl::RemoveChild(MControl& child)
                                     [&child](const auto& each) { return each.get() == &child; });
     if (found == children.end())
         return nullptr;
+    child.Invalidate();
+    if (MWindow* window = Window())
+        window->Forget(child);
     if (child.layout.layout != nullptr)
         child.layout.layout->RemoveControl(child);
     std::unique_ptr<MControl> taken = std::move(*found);
@@ -43,20 +54,46 @@ const MControl& MControl::Root() const
     return parent == nullptr ? *this : parent->Root();
 }
 
-const MStyle* MControl::Style() const
+MWindow* MControl::Window() const
 {
-    return Root().style;
+    return const_cast<MControl&>(Root()).AsWindow();
+}
+
+bool MControl::IsAncestorOf(const MControl& other) const
+{
+    const MControl* each = &other;
+    while (each != nullptr && each != this)
+        each = each->parent;
+    return each != nullptr;
+}
+
+MControl* MControl::Find(const MString& wanted)
+{
+    if (id == wanted)
+        return this;
+    for (const auto& child : children)
+        if (MControl* found = child->Find(wanted))
+            return found;
+    return nullptr;
+}
+
+MStyle* MControl::Style() const
+{
+    if (MStyle* own = Root().style)
+        return own;
+    const MWindows* windows = MWindows::Get();
+    return windows != nullptr ? windows->Style() : nullptr;
 }
 
 std::int32_t MControl::GetSpacing(std::int32_t index) const
 {
-    const MStyle* used = Style();
+    MStyle* used = Style();
     return used != nullptr ? used->GetSpacing(index) : 0;
 }
 
 MStyle::Frame MControl::Frame() const
 {
-    const MStyle* used = Style();
+    MStyle* used = Style();
     return used != nullptr ? used->GetFrame(*this) : MStyle::Frame{};
 }
 
@@ -73,12 +110,80 @@ MRectangle MControl::ClientRectangle() const
              PresentSize(Axis::Y) - 1 - frame.bottom };
 }
 
+MRectangle MControl::OwnRectangle() const
+{
+    return { 0, 0, PresentSize(Axis::X) - 1, PresentSize(Axis::Y) - 1 };
+}
+
+MRectangle MControl::AbsoluteRectangle() const
+{
+    return OwnRectangle().Moved(absolute[0], absolute[1]);
+}
+
+MRectangle MControl::ChildRectangle(const MControl& child) const
+{
+    return child.OwnRectangle().Moved(child.absolute[0] - absolute[0], child.absolute[1] - absolute[1]);
+}
+
+MRectangle MControl::VisibleRectangle() const
+{
+    MRectangle seen = AbsoluteRectangle();
+    for (const MControl* each = parent; each != nullptr; each = each->parent)
+        seen = seen.Intersection(each->AbsoluteRectangle());
+    return seen.IsEmpty() ? MRectangle{} : seen.Moved(-absolute[0], -absolute[1]);
+}
+
+bool MControl::IsShown() const
+{
+    const MControl* each = this;
+    while (each->visible && each->parent != nullptr)
+        each = each->parent;
+    return each->visible;
+}
+
+bool MControl::IsUsable() const
+{
+    const MControl* each = this;
+    while (each->enabled && each->parent != nullptr)
+        each = each->parent;
+    return each->enabled;
+}
+
 void MControl::SetVisible(bool shown)
 {
     if (visible == shown)
         return;
+    Invalidate();   // what it leaves behind
     visible = shown;
-    Root().Relayout();
+    MWindow* window = Window();
+    if (!shown && window != nullptr)
+        window->Withdraw(*this);
+    // What no layout places and nothing is sized by moves nothing else.
+    if (layout.layout != nullptr || (parent != nullptr && parent->sizesToChildren))
+        Root().Relayout();
+    Invalidate();
+}
+
+void MControl::SetEnabled(bool nowEnabled)
+{
+    if (enabled == nowEnabled)
+        return;
+    enabled = nowEnabled;
+    MWindow* window = Window();
+    if (!enabled && window != nullptr)
+        window->Withdraw(*this);
+    OnEnabled();
+    Invalidate();
+}
+
+void MControl::SetScroll(std::int32_t x, std::int32_t y)
+{
+    if (scroll[0] == x && scroll[1] == y)
+        return;
+    scroll[0] = x;
+    scroll[1] = y;
+    UpdateAbsolute();
+    Invalidate();
 }
 
 void MControl::SetCollapsed(bool nowCollapsed)
@@ -101,17 +206,21 @@ void MControl::SetMinimalClientSize(MSize size)
 
 void MControl::SetPosition(std::int32_t x, std::int32_t y)
 {
+    Invalidate();
     place[0] = x;
     place[1] = y;
     UpdateAbsolute();
+    Invalidate();
 }
 
 void MControl::SetSize(std::int32_t width, std::int32_t height)
 {
+    Invalidate();
     sizes[0] = std::max(width, minimal[0]);
     sizes[1] = std::max(height, minimal[1]);
     if (IsLive())
         ArrangeChildren();
+    Invalidate();
 }
 
 void MControl::SetPlace(Axis axis, std::int32_t first, std::int32_t size)
@@ -121,11 +230,17 @@ void MControl::SetPlace(Axis axis, std::int32_t first, std::int32_t size)
         sizes[static_cast<std::size_t>(axis)] = std::max(0, size);
 }
 
-void MControl::UpdateAbsolute()
+void MControl::UpdateAbsoluteFrom(const MControl& above)
 {
     // Places count from the parent's corner: its layouts have its client rectangle to give out.
-    absolute[0] = place[0] + (parent != nullptr ? parent->absolute[0] : 0);
-    absolute[1] = place[1] + (parent != nullptr ? parent->absolute[1] : 0);
+    for (const std::size_t i : { std::size_t{ 0 }, std::size_t{ 1 } })
+        absolute[i] = place[i] + above.absolute[i] + (overlay ? 0 : above.scroll[i]);
+}
+
+void MControl::UpdateAbsolute()
+{
+    if (parent != nullptr)
+        UpdateAbsoluteFrom(*parent);
     for (const auto& child : children)
         child->UpdateAbsolute();
 }
@@ -216,8 +331,7 @@ void MControl::ArrangeChildren()
     OnPlaced();
     for (const auto& child : children)
     {
-        child->absolute[0] = absolute[0] + child->place[0];
-        child->absolute[1] = absolute[1] + child->place[1];
+        child->UpdateAbsoluteFrom(*this);
         if (child->visible)
             child->ArrangeChildren();
     }
@@ -230,12 +344,27 @@ void MControl::Relayout()
     if (parent == nullptr)
         ComputeMinimalSizes();
     ArrangeChildren();
+    Invalidate();
 }
 
 void MControl::GoLive()
 {
-    Root().live = true;
-    Root().Relayout();
+    MControl& root = Root();
+    root.live = true;
+    root.RealizeAll();
+    root.Relayout();
+}
+
+void MControl::RealizeAll()
+{
+    if (!realized)
+    {
+        realized = true;
+        Realize();
+    }
+    // By number: what is realized may make children of its own.
+    for (std::size_t i = 0; i < children.size(); ++i)
+        children[i]->RealizeAll();
 }
 
 std::uint8_t MControl::GetStretch() const

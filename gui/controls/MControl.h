@@ -107,7 +107,7 @@ public:
     void GoLive();
     bool IsLive() const { return Root().live; }
     /// Bit 1: it can use more width; bit 2: more height.
-    std::uint8_t GetStretch() const;
+    virtual std::uint8_t GetStretch() const;
 
     /// The minimum of a plastic control along an axis follows from the other size, without borders.
     void FitPlastic(Axis axis, std::int32_t crossSize);
@@ -205,10 +205,12 @@ protected:
     virtual void OnEnabled() {}
 
 private:
+    virtual MWindow* AsWindow() { return nullptr; }
     void ComputeMinimalSizes();
     SizeSums SumsOfLayouts(const MLayout::SizeComputer& computer) const;
     void ArrangeChildren();
     void UpdateAbsolute();
+    void UpdateAbsoluteFrom(const MControl& above);
     MStyle::Frame Frame() const;
     void RealizeAll();
     MRectangle ChildRectangle(const MControl& child) const;
@@ -232,5 +234,5 @@ private:
     bool live = false;
     bool realized = false;
     bool hovered = false;
-    std::uint8_t pressed = 0;   // a bit for each button
+    std::uint8_t pressed = 0;   // a bit for each button that went down here
 };

@@ -38,7 +38,7 @@ public:
     /// @param owner  stays below; null: none
     void Open(MWindowSystem::Kind kind, MWindow* owner = nullptr);
     /// In a host's window.
-    void AttachToParent(MWindowSystem::Handle parent);
+    void AttachToParent(MWindowSystem::Handle hostWindow);
     void Detach();
     bool IsOpen() const { return open; }
     /// Hides it and lets the platform's window go. The object stays; see MWindows::DeleteLater.
@@ -65,6 +65,8 @@ public:
     void MoveFocus(bool forward);
     bool ShowsFocusRing() const { return showsFocusRing; }
     MControl* CaptureOwner() const { return captureOwner; }
+    /// Null lets the mouse go.
+    void SetCaptureOwner(MControl* control);
     /// The innermost control under the mouse.
     MControl* HoverLeaf() const { return hoverLeaf; }
     void AddShortcut(MWindowShortcut shortcut) { shortcuts.push_back(std::move(shortcut)); }
@@ -89,7 +91,8 @@ public:
     void DragMessage(std::int32_t x, std::int32_t y, bool isOver);
     bool CanDropAt(std::int32_t x, std::int32_t y) const;
     bool DropMessage(const std::vector<MString>& files, std::int32_t x, std::int32_t y);
-    /// Paints what is invalid; what has to be shown of Picture() then stands in Shown().
+    /// Paints what is invalid; what has to be shown of Picture() then stands in Shown(). An exception of a
+    /// control is logged; the rest is painted.
     void PaintMessage();
     const MBitmap& Picture() const { return picture; }
     const std::vector<MRectangle>& Shown() const { return shown; }
@@ -97,20 +100,22 @@ public:
     // Tree and picture
     /// Of the picture.
     void InvalidateArea(const MRectangle& area);
-    /// Forgets all that points into the tree below a control, which leaves.
+    /// A control goes: forgets all that points to it or below.
     void Forget(const MControl& leaving);
-    void AdaptSize() override;
-    bool OnEvent(const MControlEvent& event) override;
+    /// A control is hidden or disabled: it and what lies below loses keyboard and mouse.
+    void Withdraw(const MControl& control);
+    /// Asks the platform, or the host, for the size that the layout needs, once for each.
+    void AskForSize();
     bool PreviewEvent(MControl* child, const MControlEvent& event) override;
     MStdCursor GetCursor(std::int32_t x, std::int32_t y) const override;
     /// Where the window stands for: which edges and corners are under a point, bits of MAlignment.
     std::uint8_t GetResizeZone(std::int32_t x, std::int32_t y) const;
     MERWLock& WindowLock() { return windowLock; }
     /// "collapsed" for controls that save it, "windowposx" and its like where the flags below say so.
-    void SaveState(MAttribute& node) const;
+    void SaveState(MAttribute& node);
     void LoadState(MAttribute& node);
-    /// What a click outside of it does: a pop-up closes. False: nothing.
-    virtual bool OnClickOutside() { return false; }
+    /// The style is another one: whatever took sizes of it takes them anew.
+    virtual void OnStyleChanged() {}
     /// Opens the help of a control. The base does nothing.
     virtual void ShowHelp(MControl&) {}
     /// After the control under the mouse, or its stillness, has changed.
@@ -121,7 +126,7 @@ public:
     std::int32_t resizeBorder = 0;   ///< of windows that draw their own frame
     std::int32_t moveZoneHeight = 0;   ///< at the top, of the same
     bool closesOnEscape = false;
-    bool acceptsInputWhenInactive = true;
+    bool closesOutside = false;   ///< a press anywhere else closes it
     bool movesToScreenCentre = false;
     bool savesPosition = false;
     bool savesSize = false;
@@ -137,6 +142,8 @@ protected:
     virtual void OnClosing() {}
 
 private:
+    MWindow* AsWindow() override { return this; }
+
     struct Drag   // of the window itself
     {
         std::uint8_t zone = 0;   // 0: the whole window moves
@@ -150,15 +157,23 @@ private:
         std::int32_t button = -1;
     };
 
-    void Finish(std::int32_t result);
-    void UpdateHover(MControl* leaf);
-    void UpdateCursor(std::int32_t x, std::int32_t y);
+    void Start(MWindowSystem::Kind kind, MWindow* owner, MWindowSystem::Handle handle);
+    bool AcceptsMouse(const MControlEvent& event);
+    void SetHover(MControl* leaf);
+    void FollowPointer(const MControlEvent& event);
+    MControl* LeafAt(std::int32_t x, std::int32_t y);
+    void SetFocusRing(bool shows);
+    /// Of what has the keyboard, where that is shown.
+    MRectangle FocusRing() const;
+    bool BeginDrag(const MControlEvent& event);
     void FollowDrag();
     bool TakeShortcut(const MControlEvent& event);
-    void PaintTree(const MRectangle& area);
-    void PaintControl(MControl& control, const MRectangle& area, bool withFace);
-    MControl* CoveringControl(const MRectangle& area);
-    void ResizePicture();
+    void PaintArea(const MRectangle& area);
+    void PaintTree(MControl& control, const MRectangle& area);
+    void PaintOne(MControl& control, const MRectangle& area, void (MControl::*paint)(MDrawer&));
+    MControl& CoveringControl(const MRectangle& area);
+    MControl* DropTargetAt(std::int32_t x, std::int32_t y) const;
+    MPoint FirstPlace(MWindow* owner);
 
     MBitmap picture;
     DirtyRegion dirty;
@@ -171,17 +186,18 @@ private:
     MControl* captureOwner = nullptr;
     MControl* hoverLeaf = nullptr;
     MControl* dropTarget = nullptr;
-    MWindow* modalOwner = nullptr;
-    MWindow* blocker = nullptr;
+    MWindow* ownerWindow = nullptr;   // that this one stays above
+    MWindow* blocker = nullptr;   // the modal window that has to be answered first
     std::int32_t modalResult = 0;
+    MRectangle paintedRing;   // as it stands in the picture
+    std::vector<std::int32_t> takenKeys;   // whose going down somebody took
+    std::int32_t awaitedKey = 0;   // that does something when it comes up
     Drag drag;
     Press lastPress;
-    MPoint pointer;
-    std::uint8_t tookKeys = 0;
+    MSize platformSize;   // that it has
+    MSize askedSize;   // that was asked for
     bool dragging = false;
     bool modal = false;
     bool open = false;
-    bool painting = false;
     bool showsFocusRing = false;
-    bool swallowsRelease = false;
 };

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <vector>
 
@@ -108,4 +109,12 @@ public:
 
     /// Of the cursors that the desktop has none for.
     virtual void SetDrawnCursor(MStdCursor cursor, const MBitmap& image, MPoint hot) = 0;
+
+    /// Milliseconds of a clock that never goes back.
+    virtual std::uint64_t GetTime() const
+    {
+        return static_cast<std::uint64_t>(std::chrono::duration_cast<std::chrono::milliseconds>(
+                                              std::chrono::steady_clock::now().time_since_epoch())
+                                              .count());
+    }
 };

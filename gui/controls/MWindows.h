@@ -5,7 +5,6 @@
 #include <memory>
 #include <vector>
 
-#include "foundation/threads/MLock.h"
 #include "gui/controls/MWindow.h"
 #include "gui/controls/MWindowSystem.h"
 #include "gui/controls/TimerQueue.h"
@@ -50,7 +49,6 @@ public:
     void DeleteLater(std::unique_ptr<MControl> control);
     /// Lets the GUI thread run queued events soon. Thread: any.
     void RequestUpdate();
-    bool TakeUpdateRequest() { return needsUpdate.exchange(false); }
 
     void BeginBusy();
     void EndBusy();
@@ -62,8 +60,6 @@ public:
     bool SwallowsClick();
 
     TimerQueue& Timers() { return timers; }
-    /// Of a clock that never goes back.
-    static std::uint64_t Milliseconds();
 
     const std::vector<MWindow*>& OpenWindows() const { return windows; }
     /// The one above, of those that close on a click outside.
@@ -71,10 +67,10 @@ public:
     /// Closes the pop-ups that don't belong to the press in `pressed` (null: in another program's window).
     /// True: the press is used up by that.
     bool ClosePopUps(MWindow* pressed);
-    /// The open windows are all of this window's thread.
+    /// For windows: from opening to closing.
     void Add(MWindow& window);
     void Remove(MWindow& window);
-    /// An object of a tree is going.
+    /// A control is going.
     void Forget(const MControl& control);
 
     MControlInvalidatorThread& Invalidators() { return *invalidators; }
@@ -83,7 +79,6 @@ private:
     class MForceExecuteEventsThread;
 
     void EndOfMessage();
-    void StartThreads();
     void StopThreads();
 
     std::unique_ptr<MWindowSystem> platform;

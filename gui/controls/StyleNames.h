@@ -35,11 +35,12 @@ enum class MControlType : std::int32_t
 template <>
 struct MEnumLabels<MControlType>
 {
-    static constexpr const char* Labels[] = { "empty",         "nobackground", "window",     "panel",    "control",
-                                              "static",        "button",       "captionbutton", "checkbox", "tracker",
-                                              "rotator",       "knob",         "hscrollbar", "vscrollbar", "edit",
-                                              "switcher",      "progressbar",  "listbox",    "treecontrol", "tabset",
-                                              "menu",          "menubar" };
+    static constexpr const char* Labels[] = { "empty",       "nobackground", "window",      "panel",
+                                              "control",     "static",       "button",      "captionbutton",
+                                              "checkbox",    "tracker",      "rotator",     "knob",
+                                              "hscrollbar",  "vscrollbar",   "edit",        "switcher",
+                                              "progressbar", "listbox",      "treecontrol", "tabset",
+                                              "menu",        "menubar" };
 };
 
 enum class MStdFont : std::int32_t
@@ -64,9 +65,9 @@ enum class MStdFont : std::int32_t
 template <>
 struct MEnumLabels<MStdFont>
 {
-    static constexpr const char* Labels[] = { "normal", "bold",    "italic", "small", "large1",
-                                              "large2", "large3",  "large4", "control", "value",
-                                              "label",  "axis",    "point",  "smallvalue", "tiny" };
+    static constexpr const char* Labels[] = { "normal", "bold",   "italic", "small",      "large1",
+                                              "large2", "large3", "large4", "control",    "value",
+                                              "label",  "axis",   "point",  "smallvalue", "tiny" };
 };
 
 /// The roles of colours. The first eight are those of rich text.
@@ -139,15 +140,15 @@ template <>
 struct MEnumLabels<MStdColor>
 {
     static constexpr const char* Labels[] = {
-        "text",       "graph",      "text2",      "light",     "dark",        "danger",        "success",
-        "info",       "text3",      "textdisabled", "window",  "header",      "panel",         "paneledge",
-        "raised",     "raisedhover", "raisedpressed", "raisededge", "field",  "fieldedge",     "canvas",
-        "canvasedge", "line",       "linestrong", "accent",    "accentink",   "onface",        "ontext",
-        "focus",      "selection",  "amber",      "tooltip",   "tooltipedge", "menu",          "grid",
-        "meterlow",   "metermid",   "meterclip",  "metertrack", "icon",       "progress",      "band1",
-        "band2",      "band3",      "band4",      "band5",     "band6",       "band7",         "band8",
-        "band9",      "band10",     "bandink",    "outputbody", "outputcore", "inputbody",     "inputcore",
-        "targetbody", "targetcore", "sourcebody", "sourcecore", "equalizer"
+        "text",       "graph",       "text2",         "light",      "dark",        "danger",    "success",
+        "info",       "text3",       "textdisabled",  "window",     "header",      "panel",     "paneledge",
+        "raised",     "raisedhover", "raisedpressed", "raisededge", "field",       "fieldedge", "canvas",
+        "canvasedge", "line",        "linestrong",    "accent",     "accentink",   "onface",    "ontext",
+        "focus",      "selection",   "amber",         "tooltip",    "tooltipedge", "menu",      "grid",
+        "meterlow",   "metermid",    "meterclip",     "metertrack", "icon",        "progress",  "band1",
+        "band2",      "band3",       "band4",         "band5",      "band6",       "band7",     "band8",
+        "band9",      "band10",      "bandink",       "outputbody", "outputcore",  "inputbody", "inputcore",
+        "targetbody", "targetcore",  "sourcebody",    "sourcecore", "equalizer"
     };
 };
 
@@ -211,13 +212,13 @@ template <>
 struct MEnumLabels<MStdIcon>
 {
     static constexpr const char* Labels[] = {
-        "none",    "caretdown", "caretup", "caretleft", "caretright", "tick",   "close",   "menu",
-        "information", "warning", "question", "pause",  "peaks",      "copy",   "paste",   "plus",
-        "minus",   "reset",     "random",  "settings",  "power",      "undo",   "redo",    "target",
-        "source",  "folder",    "file",    "newfolder", "home",       "computer", "star",  "search",
-        "zoomin",  "zoomout",   "zoomdefault", "listen", "areas",     "draw",   "save",    "load",
-        "delete",  "invert",    "link",    "lock",      "help",       "play",   "stop",    "up",
-        "filter",  "maximize",  "minimize"
+        "none",        "caretdown", "caretup",     "caretleft", "caretright", "tick",     "close", "menu",
+        "information", "warning",   "question",    "pause",     "peaks",      "copy",     "paste", "plus",
+        "minus",       "reset",     "random",      "settings",  "power",      "undo",     "redo",  "target",
+        "source",      "folder",    "file",        "newfolder", "home",       "computer", "star",  "search",
+        "zoomin",      "zoomout",   "zoomdefault", "listen",    "areas",      "draw",     "save",  "load",
+        "delete",      "invert",    "link",        "lock",      "help",       "play",     "stop",  "up",
+        "filter",      "maximize",  "minimize"
     };
 };
 
@@ -261,10 +262,11 @@ enum class MStdCursor : std::int32_t
 template <>
 struct MEnumLabels<MStdCursor>
 {
-    static constexpr const char* Labels[] = { "hidden",      "arrow",      "text",       "wait",      "cross",
-                                              "sizehorizontal", "sizevertical", "sizefalling", "sizerising", "move",
-                                              "hand",        "forbidden",  "widthhover", "widthdrag", "columnline",
-                                              "rowline",     "ear",        "copy" };
+    static constexpr const char* Labels[] = {
+        "hidden",       "arrow",       "text",       "wait",    "cross", "sizehorizontal",
+        "sizevertical", "sizefalling", "sizerising", "move",    "hand",  "forbidden",
+        "widthhover",   "widthdrag",   "columnline", "rowline", "ear",   "copy"
+    };
 };
 
 /// The table of sizes of a style, in pixels at its scale.

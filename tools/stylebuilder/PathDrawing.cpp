@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/stylebuilder/PathDrawing.h"
 
+#include <algorithm>
+#include <cmath>
 #include <fstream>
+#include <numbers>
 #include <sstream>
 
 #include "foundation/text/MException.h"
@@ -176,7 +179,7 @@ private:
         outline.AddArc(OnBitmap(centre), shape.values[0] * unit, width * unit, start, -std::abs(sweep));
         for (const double degrees : { from, from + sweep })
         {
-            const double angle = degrees * 3.14159265358979 / 180;
+            const double angle = degrees * std::numbers::pi / 180;
             const MPointF end{ centre.x + shape.values[0] * std::cos(angle),
                                centre.y + shape.values[0] * std::sin(angle) };
             outline.AddCircle(OnBitmap(end), width / 2 * unit, true);

@@ -17,25 +17,20 @@
 #include "gui/controls/MLayoutSide.h"
 #include "gui/controls/MLayoutSwitch.h"
 
+#include "tests/gui/PlainStyle.h"
+
 using ::testing::ElementsAre;
 
 namespace
 {
-class TestStyle : public MStyle
+class TestStyle : public PlainStyle
 {
 public:
-    MColor GetColor(std::int32_t) const override { return {}; }
-    MFont& GetFont(std::int32_t) const override { throw MException("No font."); }
-    std::int32_t GetSpacing(std::int32_t) const override { return gap; }
-    double GetScale() const override { return 1; }
+    TestStyle() { gap = 4; }
     Frame GetFrame(const MControl& control) const override
     {
         return control.id == MString("framed") ? Frame{ 3, 5, 2, 1 } : Frame{};
     }
-    MSize GetMinimalSize(const MControl&) const override { return {}; }
-    void Paint(MControl&, MDrawer&) override {}
-
-    std::int32_t gap = 4;
 };
 
 // A text of so many square pixels: the wider, the lower.
