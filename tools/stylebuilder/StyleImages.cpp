@@ -2,6 +2,7 @@
 #include "tools/stylebuilder/StyleImages.h"
 
 #include "foundation/streams/MMemoryStream.h"
+#include "foundation/streams/MZLibStream.h"
 #include "gui/painting/ImageFiles.h"
 #include "state/tree/XML.h"
 
@@ -18,13 +19,27 @@ void AppendWord(std::string& block, std::size_t value)
     for (unsigned shift = 0; shift < 32; shift += 8)
         block += static_cast<char>(value >> shift & 0xFF);
 }
+
+std::string Compressed(const std::string& bytes)
+{
+    MMemoryStream target;
+    MZLibStream stream(&target, MZLibStream::Direction::Compress, 100);
+    stream.Write(bytes.data(), static_cast<std::int32_t>(bytes.size()));
+    stream.Finish();
+    return BytesOf(target);
+}
 }   // namespace
 
 void StyleImages::Add(const std::string& id, const StyleScale& scale, const MBitmap& image)
 {
     MMemoryStream stream;
     ImageFiles::SaveTGA(image, stream);
-    entries.push_back({ id + "@" + std::to_string(scale.percent), BytesOf(stream) });
+    const std::string bytes = BytesOf(stream);
+    // Of small ones little is won, and each takes a while to begin.
+    constexpr std::size_t Small = 4096;
+    const bool compressed = bytes.size() > Small;
+    entries.push_back(
+        { id + "@" + std::to_string(scale.percent), compressed ? Compressed(bytes) : bytes, compressed });
 }
 
 std::string StyleImages::Block(const MAttribute& definition) const
@@ -38,6 +53,8 @@ std::string StyleImages::Block(const MAttribute& definition) const
         element.SetAttribute("id", MString::FromUTF8(entry.id));
         element.SetAttribute("offset", MString::FromUnsigned(data.size()));
         element.SetAttribute("size", MString::FromUnsigned(entry.bytes.size()));
+        if (entry.compressed)
+            element.SetAttribute("compressed", "1");
         data += entry.bytes;
     }
     solution.AddSubItem("style").CopyFrom(definition);

@@ -22,6 +22,7 @@ private:
     {
         std::string id;
         std::string bytes;   // TGA
+        bool compressed = false;
     };
     std::vector<Entry> entries;
 };
