@@ -8,6 +8,7 @@
 #include "foundation/streams/MStdFileStream.h"
 #include "foundation/text/MStringFormat.h"
 #include "gui/painting/ImageFiles.h"
+#include "gui/styles/ResourceBytes.h"
 
 namespace
 {
@@ -18,24 +19,6 @@ namespace
 
 constexpr int LeastPercent = 25;
 constexpr int LargestPercent = 1000;
-
-// The image reader asks for a few bytes at a time, which is dear from a compressed stream.
-std::vector<std::uint8_t> BytesOf(MResource& resource)
-{
-    constexpr std::size_t Piece = std::size_t{ 1 } << 16;
-    constexpr std::size_t Most = std::size_t{ 1 } << 26;
-    resource.Rewind();
-    MStream& content = resource.Content();
-    std::vector<std::uint8_t> bytes;
-    for (std::size_t read = Piece; read == Piece && bytes.size() < Most;)
-    {
-        const std::size_t before = bytes.size();
-        bytes.resize(before + Piece);
-        read = static_cast<std::size_t>(content.Read(bytes.data() + before, Piece));
-        bytes.resize(before + read);
-    }
-    return bytes;
-}
 }   // namespace
 
 std::unique_ptr<StyleDefinition> StyleDefinition::Read(MStream& stream)
@@ -101,7 +84,8 @@ void StyleDefinition::TakePixels(double width, double height)
 
 MBitmap StyleDefinition::ReadImage(MResource& resource)
 {
-    const std::vector<std::uint8_t> bytes = BytesOf(resource);
+    // At once: the image reader asks for a few bytes at a time, which is dear from a compressed stream.
+    const std::vector<std::uint8_t> bytes = ResourceBytes(resource);
     // The size stands in bytes 12 to 15 of a TGA file. Too large a one takes no memory that way.
     if (bytes.size() >= 16)
         TakePixels(bytes[12] | bytes[13] << 8, bytes[14] | bytes[15] << 8);

@@ -10,6 +10,7 @@
 #include "foundation/streams/MStdFileStream.h"
 #include "foundation/text/MStringFormat.h"
 #include "gui/painting/SystemFonts.h"
+#include "gui/styles/ResourceBytes.h"
 
 namespace
 {
@@ -26,7 +27,7 @@ SharedFace FromModule(const std::string& name)
 {
     MModule* module = MModule::Main();
     MResource* resource = module != nullptr ? module->resources.Find(MString::FromUTF8(name)) : nullptr;
-    return resource != nullptr ? FontFace::Read(resource->Content()) : nullptr;
+    return resource != nullptr ? std::make_shared<FontFace>(ResourceBytes(*resource)) : nullptr;
 }
 
 SharedFace FromSystem(const std::string& name)
@@ -72,7 +73,7 @@ SharedFace FaceOf(const MAttribute& item, StyleDefinition& definition)
     const bool bold = item.GetAttribute("bold").ToInt() != 0;
     const bool italic = item.GetAttribute("italic").ToInt() != 0;
     if (MResource* resource = definition.FindResource(text))
-        return FontFace::Read(resource->Content());
+        return std::make_shared<FontFace>(ResourceBytes(*resource));
     std::string name = text.ToUTF8();
     if (name.find('-') == std::string::npos && (bold || italic))
         name += std::string("-") + (bold ? "Bold" : "") + (italic ? "Italic" : "");

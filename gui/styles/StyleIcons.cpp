@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 
 namespace
 {
@@ -110,10 +111,12 @@ MSize StyleIcons::SizeOf(MStdIcon icon) const
 
 const StyleIcons::Sheet* StyleIcons::SheetFor(const Icon& icon, std::int32_t room) const
 {
+    // The nearest. A pixel too large is what rounding an area's edges one by one makes of a size.
     const std::int32_t wanted = std::min(icon.side, room);
     const Sheet* best = nullptr;
     for (const Sheet& sheet : sheets)
-        if (best == nullptr || sheet.side <= wanted)
+        if (best == nullptr ||
+            (sheet.side <= wanted + 1 && std::abs(sheet.side - wanted) < std::abs(best->side - wanted)))
             best = &sheet;
     return best;
 }

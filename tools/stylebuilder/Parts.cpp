@@ -169,7 +169,7 @@ private:
         const MRectangle window{ reached, reached, side - 1 - reached, side - 1 - reached };
         const MRectangle thrown = window.Moved(0, scale.Pixels(4)).Inset(scale.Pixels(1), 0);
         const double length = reach * factor;
-        const double deepest = theme.IsDark() ? 0.42 : 0.22;
+        const double deepest = theme.IsDark() ? 0.36 : 0.22;
         for (std::int32_t y = 0; y < side; ++y)
             for (std::int32_t x = 0; x < side; ++x)
             {
