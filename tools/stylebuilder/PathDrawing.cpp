@@ -6,10 +6,11 @@
 #include <fstream>
 #include <numbers>
 #include <sstream>
+#include <utility>
 
 #include "foundation/text/MException.h"
 #include "foundation/text/MStringFormat.h"
-#include "gui/painting/ShapeOutline.h"
+#include "gui/painting/MDrawerToMBitmap.h"
 
 namespace
 {
@@ -120,12 +121,12 @@ private:
     std::vector<PathDrawing> drawings;
 };
 
-// All contours run counterclockwise, as strokes do, so that what overlaps adds up to one area.
+// All contours run counterclockwise, as strokes do, so that nothing that overlaps cancels out.
 class OutlineOfPaths
 {
 public:
-    OutlineOfPaths(ShapeOutline& target, double pixels, double usualStroke, double spreadUnits)
-        : outline(target), unit(pixels), usual(usualStroke), spread(spreadUnits)
+    OutlineOfPaths(ShapeOutline& target, double pixels, double usualStroke, double spreadUnits, MPointF moved)
+        : outline(target), unit(pixels), usual(usualStroke), spread(spreadUnits), offset(moved)
     {
     }
 
@@ -156,7 +157,7 @@ public:
     }
 
 private:
-    MPointF OnBitmap(MPointF point) const { return { point.x * unit, point.y * unit }; }
+    MPointF OnBitmap(MPointF point) const { return { point.x * unit + offset.x, point.y * unit + offset.y }; }
 
     void AddLine(const std::vector<MPointF>& points, double width)
     {
@@ -188,10 +189,11 @@ private:
 
     void AddBox(MPointF corner, const PathShape& shape, double wider, bool counterclockwise)
     {
-        outline.AddRectangle((corner.x - wider) * unit, (corner.y - wider) * unit,
-                             (corner.x + shape.values[0] + wider) * unit,
-                             (corner.y + shape.values[1] + wider) * unit,
-                             std::max(0.0, shape.values[2] + wider) * unit, counterclockwise);
+        const MPointF first = OnBitmap({ corner.x - wider, corner.y - wider });
+        const MPointF last =
+            OnBitmap({ corner.x + shape.values[0] + wider, corner.y + shape.values[1] + wider });
+        outline.AddRectangle(first.x, first.y, last.x, last.y, std::max(0.0, shape.values[2] + wider) * unit,
+                             counterclockwise);
     }
 
     void AddPolygon(const std::vector<MPointF>& points)
@@ -218,7 +220,36 @@ private:
     double unit;
     double usual;
     double spread;
+    MPointF offset;   // pixels
 };
+
+// What a drawing of nothing but upright and level lines has to be moved by, in pixels, so that the first of
+// each lies in the middle of pixels, or between two where it is about two wide: half covered rows look dull.
+MPointF CrispOffset(const PathDrawing& drawing, double unit, double stroke)
+{
+    MPointF offset;
+    bool hasUpright = false;
+    bool hasLevel = false;
+    const bool isOdd = std::lround(stroke * unit) % 2 == 1;
+    const auto toGrid = [isOdd](double place)
+    {
+        return (isOdd ? std::floor(place) + 0.5 : std::round(place)) - place;
+    };
+    for (const PathShape& shape : drawing.shapes)
+    {
+        if (shape.kind != PathShape::Kind::Line || shape.points.size() != 2)
+            return {};
+        const MPointF from = shape.points[0];
+        const MPointF to = shape.points[1];
+        if (from.x != to.x && from.y != to.y)
+            return {};
+        if (from.x == to.x && !std::exchange(hasUpright, true))
+            offset.x = toGrid(from.x * unit);
+        if (from.y == to.y && !std::exchange(hasLevel, true))
+            offset.y = toGrid(from.y * unit);
+    }
+    return offset;
+}
 }   // namespace
 
 std::vector<PathDrawing> ReadPathDrawings(const std::string& path)
@@ -229,9 +260,27 @@ std::vector<PathDrawing> ReadPathDrawings(const std::string& path)
 void DrawPaths(MBitmap& bitmap, const PathDrawing& drawing, double unit, double stroke, MColor color,
                double spread)
 {
+    // The rasterizer adds up what overlapping shapes cover of a pixel, as if they lay side by side. In pixels
+    // an eighth as large nothing is seen of that.
+    constexpr std::int32_t Finer = 8;
+    MBitmap fine(bitmap.Width() * Finer, bitmap.Height() * Finer);
     ShapeOutline outline;
-    OutlineOfPaths paths(outline, unit, stroke, spread);
+    const MPointF crisp = CrispOffset(drawing, unit, stroke);
+    OutlineOfPaths paths(outline, unit * Finer, stroke, spread, { crisp.x * Finer, crisp.y * Finer });
     for (const PathShape& shape : drawing.shapes)
         paths.Add(shape);
-    outline.Fill(bitmap, bitmap.Bounds(), color, MColorOp::Overlay);
+    outline.Fill(fine, fine.Bounds(), MColor(255, 255, 255), MColorOp::Overlay);
+
+    MDrawerToMBitmap painter(bitmap);
+    MDrawer& drawer = painter;
+    for (std::int32_t y = 0; y < bitmap.Height(); ++y)
+        for (std::int32_t x = 0; x < bitmap.Width(); ++x)
+        {
+            std::int32_t sum = 0;
+            for (std::int32_t row = y * Finer; row < (y + 1) * Finer; ++row)
+                for (std::int32_t column = x * Finer; column < (x + 1) * Finer; ++column)
+                    sum += fine.Pixel(column, row).Alpha();
+            if (sum > 0)
+                drawer.SetPixel(x, y, color.Faded(sum / (255.0 * Finer * Finer)), MColorOp::Overlay);
+        }
 }
