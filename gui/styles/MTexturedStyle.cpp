@@ -95,6 +95,8 @@ void MTexturedStyle::LoadSection(Kind kind, const StyleDefinition& definition, S
 
 void MTexturedStyle::LoadKnobColors(const StyleDefinition& definition)
 {
+    knob = {};
+    knobBodies.clear();
     const MAttribute* section = definition.Section("knob");
     if (section != nullptr)
     {

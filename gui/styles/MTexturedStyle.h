@@ -2,7 +2,8 @@
 #pragma once
 
 #include <array>
-#include <memory>
+#include <map>
+#include <utility>
 
 #include "gui/styles/MBaseStyle.h"
 #include "gui/styles/StyleSection.h"
@@ -95,6 +96,8 @@ private:
     void PaintCentred(MDrawer& drawer, const MRectangle& area, const NineSlice* image) const;
     void PaintSlimTracker(MDrawer& drawer, const MRectangle& area, Axis along, const ValueLook& look,
                           std::uint16_t state) const;
+    /// Its track and body: what doesn't move.
+    const MBitmap& KnobBody(std::int32_t diameter, bool isLit) const;
     void PaintPointer(MDrawer& drawer, MPointF centre, double angle, double from, double to, double width,
                       MColor color) const;
     void PaintTicks(MDrawer& drawer, MPointF centre, double radius, double count) const;
@@ -103,6 +106,8 @@ private:
 
     std::array<StyleSection, static_cast<std::size_t>(Kind::Count)> sections;
     KnobColors knob;
+    mutable std::map<std::pair<std::int32_t, bool>, MBitmap>
+        knobBodies;   // by diameter, and whether it is lit
     MColor tabLine;
     std::int32_t focusReach = 0;
     std::int32_t shadowReach = 0;

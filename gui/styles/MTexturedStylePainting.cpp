@@ -4,6 +4,7 @@
 #include <cmath>
 #include <numbers>
 
+#include "gui/painting/MDrawerToMBitmap.h"
 #include "gui/styles/MTexturedStyle.h"
 
 namespace
@@ -30,6 +31,22 @@ MRectangle Oriented(Axis along, std::int32_t start, std::int32_t length, std::in
     return along == Axis::X ? MRectangle::OfSize(start, across, length, thickness)
                             : MRectangle::OfSize(across, start, thickness, length);
 }
+
+/// Of a knob, in pixels. Small ones have thinner lines.
+struct KnobSizes
+{
+    KnobSizes(std::int32_t diameter, double unit)
+        : isLarge(diameter >= 32 * unit), radius(diameter / 2.0), arc((isLarge ? 3 : 2) * unit),
+          body(radius - arc - (isLarge ? 3 : 1.5) * unit), pointer((isLarge ? 2 : 1.6) * unit)
+    {
+    }
+
+    bool isLarge;
+    double radius;
+    double arc;   // its thickness
+    double body;   // its radius
+    double pointer;   // its thickness
+};
 
 /// The two directions of an area. Values grow to the right, or upwards.
 struct Track
@@ -179,45 +196,59 @@ void MTexturedStyle::PaintTicks(MDrawer& drawer, MPointF centre, double radius, 
     }
 }
 
+const MBitmap& MTexturedStyle::KnobBody(std::int32_t diameter, bool isLit) const
+{
+    constexpr std::size_t MostBodies = 32;
+    const auto known = knobBodies.find({ diameter, isLit });
+    if (known != knobBodies.end())
+        return known->second;
+    if (knobBodies.size() >= MostBodies)
+        knobBodies.clear();
+    MBitmap& picture = knobBodies[{ diameter, isLit }];
+    picture.Create(diameter, diameter);
+    MDrawerToMBitmap painter(picture, this);
+    MDrawer& drawer = painter;
+    const KnobSizes sizes(diameter, GetScale());
+    const MPointF centre{ sizes.radius, sizes.radius };
+    drawer.Arc(centre, sizes.radius - sizes.arc / 2, sizes.arc, knob.baseAngle - 90, -2 * knob.baseAngle,
+               knob.track, MColorOp::Overlay);
+    const NineSlice* image = Section(Kind::Knob).Find(StyleImage::Image);
+    const std::int32_t inset = Rounded(sizes.radius - sizes.body);
+    if (image != nullptr)
+    {
+        image->Paint(drawer, picture.Bounds().Inset(inset, inset), 255, MColorOp::Overlay);
+        return picture;
+    }
+    const double half = GetScale() / 2;
+    drawer.FillCircle(centre, sizes.body + half, isLit ? GetColor(MStdColor::Text3) : knob.edge,
+                      MColorOp::Overlay);
+    drawer.FillCircle(centre, sizes.body - half, MFill::Down(knob.top, knob.bottom), MColorOp::Overlay);
+    return picture;
+}
+
 void MTexturedStyle::PaintKnob(MDrawer& drawer, const MRectangle& area, const ValueLook& look,
                                std::uint16_t state) const
 {
-    const double unit = GetScale();
-    const double diameter = std::min(area.Width(), area.Height());
-    const bool isLarge = diameter >= 32 * unit;
-    const double width = (isLarge ? 3 : 2) * unit;
-    const double radius = diameter / 2;
-    const double body = radius - width - (isLarge ? 3 : 1.5) * unit;
-    if (body <= unit)
+    const std::int32_t diameter = std::min(area.Width(), area.Height());
+    const KnobSizes sizes(diameter, GetScale());
+    if (sizes.body <= GetScale())
         return;
-    const MPointF centre{ area.left + area.Width() / 2.0, area.top + area.Height() / 2.0 };
-    const double sweep = -2 * knob.baseAngle;
-    const double angle = knob.baseAngle + sweep * Share(look.value);
-    const double origin = knob.baseAngle + sweep * Share(look.origin);
     const bool enabled = Has(state, DrawEnabled);
+    const MBitmap& body = KnobBody(diameter, enabled && Has(state, DrawHovered | DrawPressed));
+    const std::int32_t left = area.left + (area.Width() - diameter) / 2;
+    const std::int32_t top = area.top + (area.Height() - diameter) / 2;
+    drawer.BitBlt(left, top, body, body.Bounds());
 
-    drawer.Arc(centre, radius - width / 2, width, knob.baseAngle - 90, sweep, knob.track);
+    const MPointF centre{ left + sizes.radius, top + sizes.radius };
+    const double angle = knob.baseAngle - 2 * knob.baseAngle * Share(look.value);
+    const double origin = knob.baseAngle - 2 * knob.baseAngle * Share(look.origin);
     if (enabled && angle != origin)
-        drawer.Arc(centre, radius - width / 2, width, std::min(angle, origin) - 90, std::abs(angle - origin),
-                   ValueColor(state));
-    if (isLarge)
-        PaintTicks(drawer, centre, radius - width - 1.5 * unit, look.ticks);
-
-    const StyleSection& section = Section(Kind::Knob);
-    if (section.Find(StyleImage::Image) != nullptr)
-        section.Face(state)->Paint(drawer,
-                                   MRectangle::OfSize(Rounded(centre.x - body), Rounded(centre.y - body),
-                                                      Rounded(2 * body), Rounded(2 * body)));
-    else
-    {
-        const bool isLit = enabled && Has(state, DrawHovered | DrawPressed);
-        const MColor edge = isLit ? GetColor(MStdColor::Text3) : knob.edge;
-        drawer.FillCircle(centre, body + unit / 2, edge);
-        drawer.FillCircle(centre, body - unit / 2, MFill::Down(knob.top, knob.bottom));
-    }
-    const double line = (isLarge ? 2 : 1.6) * unit;
-    PaintPointer(drawer, centre, angle, body * knob.selectorRatio, body - unit, line,
-                 GetColor(enabled ? MStdColor::Text : MStdColor::TextDisabled));
+        drawer.Arc(centre, sizes.radius - sizes.arc / 2, sizes.arc, std::min(angle, origin) - 90,
+                   std::abs(angle - origin), ValueColor(state));
+    if (sizes.isLarge)
+        PaintTicks(drawer, centre, sizes.radius - sizes.arc - 1.5 * GetScale(), look.ticks);
+    PaintPointer(drawer, centre, angle, sizes.body * knob.selectorRatio, sizes.body - GetScale(),
+                 sizes.pointer, GetColor(enabled ? MStdColor::Text : MStdColor::TextDisabled));
 }
 
 void MTexturedStyle::PaintTracker(MDrawer& drawer, const MRectangle& area, Axis along, const ValueLook& look,

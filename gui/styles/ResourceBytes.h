@@ -6,5 +6,6 @@
 
 struct MResource;
 
-/// All of a resource, inflated where it is compressed: at most 64 MB. Throws MException for what doesn't inflate.
+/// All of a resource, inflated where it is compressed: at most 64 MB. Throws MException for what doesn't
+/// inflate.
 std::vector<std::uint8_t> ResourceBytes(MResource& resource);

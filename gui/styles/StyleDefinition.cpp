@@ -95,11 +95,11 @@ MBitmap StyleDefinition::ReadImage(MResource& resource)
     return image;
 }
 
-MBitmap StyleDefinition::Image(const MString& id, double scale)
+MBitmap StyleDefinition::Image(const MString& id, double scale, bool isSheet)
 {
     const auto found = images.find(id.ToUTF8());
     if (found == images.end() && common)
-        return common->Image(id, scale);
+        return common->Image(id, scale, isSheet);
     if (found == images.end())
         throw MException(Format("Cannot find requested resource ({0}).", id));
     const std::vector<Drawn>& drawn = found->second;
@@ -112,8 +112,9 @@ MBitmap StyleDefinition::Image(const MString& id, double scale)
     const double ratio = static_cast<double>(percent) / best->percent;
     if (best->percent == percent || image.IsEmpty())
         return image;
-    const double width = std::max(1.0, std::round(image.Width() * ratio));
     const double height = std::max(1.0, std::round(image.Height() * ratio));
+    const std::int32_t squares = image.Width() / image.Height();
+    const double width = isSheet ? squares * height : std::max(1.0, std::round(image.Width() * ratio));
     TakePixels(width, height);
     image.Resize(static_cast<std::int32_t>(width), static_cast<std::int32_t>(height));
     return image;

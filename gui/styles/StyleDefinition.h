@@ -29,7 +29,9 @@ public:
     const MAttribute* Section(const MString& name) const { return tree->FindSubItem(name); }
     /// For a scale: the one drawn for it, or the next larger one reduced, or the largest there is enlarged.
     /// Throws MException "Cannot find requested resource ({0}).", and what reading an image throws.
-    MBitmap Image(const MString& id, double scale);
+    MBitmap Image(const MString& id, double scale) { return Image(id, scale, false); }
+    /// The same of squares side by side, which stay squares where it is reduced.
+    MBitmap Sheet(const MString& id, double scale) { return Image(id, scale, true); }
     /// Null where there is none.
     MResource* FindResource(const MString& id);
 
@@ -42,6 +44,7 @@ private:
 
     StyleDefinition() = default;
     void ListImages();
+    MBitmap Image(const MString& id, double scale, bool isSheet);
     MBitmap ReadImage(MResource& resource);
     /// Of the budget of all images.
     void TakePixels(double width, double height);

@@ -70,7 +70,7 @@ void StyleIcons::LoadSheets(const MAttribute& section, StyleDefinition& definiti
     for (const double size : NumbersOf(section.GetAttribute("sizes")))
     {
         Sheet sheet;
-        sheet.image = definition.Image(*image + MString::FromInt(std::llround(size)), scale);
+        sheet.image = definition.Sheet(*image + MString::FromInt(std::llround(size)), scale);
         sheet.side = sheet.image.Height();
         MakeAlpha(sheet.image, invert);
         sheets.push_back(std::move(sheet));

@@ -15,7 +15,8 @@ class Sheet
 {
 public:
     explicit Sheet(const MStyle& usedStyle)
-        : style(usedStyle), bitmap(style.Pixels(960), style.Pixels(640)), painter(bitmap, &style), drawer(painter)
+        : style(usedStyle), bitmap(style.Pixels(960), style.Pixels(640)), painter(bitmap, &style),
+          drawer(painter)
     {
     }
 
@@ -37,7 +38,8 @@ private:
     MColor Color(MStdColor color) const { return style.GetColor(color); }
     MRectangle At(double x, double y, double width, double height) const
     {
-        return { style.Pixels(x), style.Pixels(y), style.Pixels(x + width) - 1, style.Pixels(y + height) - 1 };
+        return { style.Pixels(x), style.Pixels(y), style.Pixels(x + width) - 1,
+                 style.Pixels(y + height) - 1 };
     }
     MColor Ink(int state) const
     {
@@ -52,10 +54,9 @@ private:
     {
         MFont& used = style.GetFont(font);
         const double width = used.Width(text);
-        const double start = x * style.GetScale() -
-                             (across == MPlacement::End      ? width
-                              : across == MPlacement::Middle ? width / 2
-                                                             : 0);
+        const double start = x * style.GetScale() - (across == MPlacement::End      ? width
+                                                     : across == MPlacement::Middle ? width / 2
+                                                                                    : 0);
         drawer.TextOut(start, style.Pixels(baseline), text, used, color);
     }
     void Face(const MRectangle& area, MControlType type, int state)
@@ -74,7 +75,8 @@ private:
         const MRectangle area = At(x, y, width, 22);
         Face(area, MControlType::Button, state);
         const double raised = (state & DrawOn) != 0 ? 1 : 0;
-        Text(x + width / 2, y + 11 + 11 * 0.36 - raised, label, MStdFont::Control, Ink(state), MPlacement::Middle);
+        Text(x + width / 2, y + 11 + 11 * 0.36 - raised, label, MStdFont::Control, Ink(state),
+             MPlacement::Middle);
     }
 
     void Buttons()
@@ -87,8 +89,8 @@ private:
         Button(316, 48, 66, "Disabled", 0);
         Button(388, 48, 66, "Primary", enabled | DrawPrimary);
         Button(28, 88, 66, "Focus", enabled | DrawFocused);
-        const MStdIcon icons[] = { MStdIcon::Pause, MStdIcon::Peaks, MStdIcon::Close, MStdIcon::Copy,
-                                   MStdIcon::Paste, MStdIcon::Plus,  MStdIcon::Minus, MStdIcon::Reset,
+        const MStdIcon icons[] = { MStdIcon::Pause,  MStdIcon::Peaks,   MStdIcon::Close, MStdIcon::Copy,
+                                   MStdIcon::Paste,  MStdIcon::Plus,    MStdIcon::Minus, MStdIcon::Reset,
                                    MStdIcon::Random, MStdIcon::Settings };
         for (int i = 0; i < 10; ++i)
         {
@@ -103,8 +105,7 @@ private:
     {
         Face(At(x, y, width, 32), MControlType::Button, state);
         const bool isOn = (state & DrawEnabled) != 0;
-        const MColor hue =
-            Color(icon == MStdIcon::Source ? MStdColor::SourceCore : MStdColor::TargetCore);
+        const MColor hue = Color(icon == MStdIcon::Source ? MStdColor::SourceCore : MStdColor::TargetCore);
         style.PaintIcon(drawer, At(x + 9, y + 7, 18, 18), icon, isOn ? hue : Color(MStdColor::TextDisabled));
         const double middle = x + 20 + (width - 20) / 2;
         Text(middle, y + 13.5, "Analyse", MStdFont::Large1, Ink(state), MPlacement::Middle);
@@ -257,7 +258,8 @@ private:
         }
         drawer.FillRectangle(At(36, 384, 132, 1), Color(MStdColor::Line));
         const MRectangle tip = At(184, 330, 122, 64);
-        drawer.FillRoundRectangle(tip, 4.5 * style.GetScale(), Color(MStdColor::TooltipEdge), MColorOp::Alphablend);
+        drawer.FillRoundRectangle(tip, 4.5 * style.GetScale(), Color(MStdColor::TooltipEdge),
+                                  MColorOp::Alphablend);
         drawer.FillRoundRectangle(tip.Inset(style.Hairline(), style.Hairline()), 3.5 * style.GetScale(),
                                   Color(MStdColor::Tooltip), MColorOp::Alphablend);
         Text(192, 345, "Gain", MStdFont::Bold, Color(MStdColor::Text));
