@@ -190,6 +190,7 @@ public:
     bool receivesMouse = true;   ///< otherwise what lies behind it gets the events
     bool opaque = false;   ///< it paints every pixel of its rectangle, so that nothing behind has to
     bool acceptsFiles = false;
+    std::uint16_t shownState = 0;   ///< DrawState that it shows besides its own: for pictures of all states
     bool usesParentHelp = false;
     bool showsHelp = true;
     bool savesState = false;   ///< that it is collapsed, with the window's place and size

@@ -40,6 +40,8 @@ void MControl::LoadXml(const MAttribute& node)
     attributes.Read("help", help);
     attributes.Read("useparenthelp", usesParentHelp);
     attributes.Read("enablesavestate", savesState);
+    if (std::int32_t bits = 0; attributes.Read("shownstate", bits))
+        shownState = static_cast<std::uint16_t>(bits);
 }
 
 void MControl::LoadSizes(const MAttribute& node)

@@ -123,6 +123,8 @@ MTexturedStyle::Kind MTexturedStyle::FaceKindOf(MControlType type)
         return Kind::Button;
     case MControlType::CaptionButton:
         return Kind::CaptionButton;
+    case MControlType::Switcher:
+        return Kind::Selector;
     case MControlType::Edit:
         return Kind::Edit;
     case MControlType::ListBox:

@@ -8,6 +8,7 @@
 #include "gui/controls/MWindow.h"
 #include "gui/controls/MWindows.h"
 #include "gui/controls/XmlAttributes.h"
+#include "gui/widgets/WidgetText.h"
 
 namespace
 {
@@ -33,7 +34,8 @@ MSize MEdit::ContentMinimum() const
 {
     if (Style() == nullptr)
         return {};
-    return { 2 * Style()->Pixels(PaddingUnits) + Style()->Pixels(12), Style()->GetFont(font).LineHeight() };
+    return WidgetText::Inside(*this, { 2 * Style()->Pixels(PaddingUnits) + Style()->Pixels(12),
+                                       Style()->GetFont(font).LineHeight() });
 }
 
 void MEdit::SetText(const MString& text)

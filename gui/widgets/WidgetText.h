@@ -22,6 +22,13 @@ inline std::int32_t LineHeight(const MControl& control, MStdFont font)
     return style != nullptr ? style->GetFont(font).LineHeight() : 0;
 }
 
+/// What a control needs inside of its frame so that it has a size with it.
+inline MSize Inside(const MControl& control, MSize whole)
+{
+    const MStyle::Frame frame = control.Style()->GetFrame(control);
+    return { whole.width - frame.left - frame.right, whole.height - frame.top - frame.bottom };
+}
+
 /// Of what stands on a face in a state.
 inline MStdColor ColorOf(std::uint16_t state, MStdColor usual = MStdColor::Text)
 {

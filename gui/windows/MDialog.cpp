@@ -15,7 +15,6 @@ constexpr double PaddingUnits = 14;
 constexpr double FooterUnits = 44;
 constexpr double ButtonUnits = 84;
 constexpr double CloserUnits = 20;
-constexpr double GapUnits = 6;
 }   // namespace
 
 MDialog::MDialog(const MString& title)
@@ -58,20 +57,18 @@ void MDialog::Realize()
         footer->SetSize(0, style.Pixels(FooterUnits));
         footer->layout.x.ratio = 1;
         below.AddControl(*footer);
-        auto& row = footer->MakeLayout<MLayoutRight>();
-        row.layoutSpaceExtra = 0;
-        // From the right: each in a strip of its own.
-        for (const Answer& each : answers)
+        auto& row = footer->MakeLayout<MLayoutHorizontal>();
+        MControl& spring = footer->Make<MContainer>();
+        spring.layout.x.ratio = spring.layout.y.ratio = 1;
+        row.AddControl(spring);
+        // The first one stands at the right.
+        for (auto each = answers.rbegin(); each != answers.rend(); ++each)
         {
-            MLayout& strip = each.button == answers.front().button
-                                 ? static_cast<MLayout&>(row)
-                                 : static_cast<MLayout&>(footer->MakeLayout<MLayoutRight>());
-            each.button->SetSize(std::max(style.Pixels(ButtonUnits), each.button->Width()),
-                                 style.GetDefaultSize(MControlType::Button).height);
-            each.button->layout.x.border =
-                each.button == answers.front().button ? padding : style.Pixels(GapUnits) / 2;
-            strip.AddControl(*each.button);
+            MButton& button = *each->button;
+            button.SetSize(style.Pixels(ButtonUnits), style.GetDefaultSize(MControlType::Button).height);
+            row.AddControl(button);
         }
+        answers.front().button->layout.space = padding;
     }
     else
         footer->SetVisible(false);
@@ -94,7 +91,7 @@ void MDialog::OnPlaced()
 void MDialog::Paint(MDrawer& drawer)
 {
     MStyle& style = *Style();
-    style.PaintFace(drawer, OwnRectangle(), MControlType::Window, DrawEnabled);
+    style.PaintFace(drawer, OwnRectangle(), MControlType::Window, DrawEnabled | DrawOn);
     const std::int32_t padding = style.Pixels(PaddingUnits);
     const std::int32_t title = style.Pixels(TitleUnits);
     const std::int32_t line = style.Hairline();
