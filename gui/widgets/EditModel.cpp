@@ -12,6 +12,14 @@ bool IsSecondOfPair(char16_t character)
 }
 }   // namespace
 
+std::u16string EditModel::Encoded(char32_t character)
+{
+    if (character < 0x10000)
+        return std::u16string(1, static_cast<char16_t>(character));
+    const char32_t rest = character - 0x10000;
+    return { static_cast<char16_t>(0xD800 + (rest >> 10)), static_cast<char16_t>(0xDC00 + (rest & 0x3FF)) };
+}
+
 bool EditModel::IsWord(char16_t character)
 {
     const bool digit = character >= '0' && character <= '9';

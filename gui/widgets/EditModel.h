@@ -11,6 +11,9 @@
 class EditModel
 {
 public:
+    /// A character as it stands in a text: one or two of its units.
+    static std::u16string Encoded(char32_t character);
+
     const std::u16string& Text() const { return text; }
     MString String() const { return MString(std::u16string_view(text)); }
     std::size_t Caret() const { return caret; }

@@ -67,7 +67,9 @@ void MEdit::LoadXml(const MAttribute& node)
 MRectangle MEdit::TextArea() const
 {
     const std::int32_t padding = Style() != nullptr ? Style()->Pixels(PaddingUnits) : 0;
-    return OwnRectangle().Inset(std::min(padding, Width() / 2), 0);
+    MRectangle area = OwnRectangle().Inset(std::min(padding, Width() / 2), 0);
+    area.right = std::max(area.left, area.right - RightRoom());
+    return area;
 }
 
 double MEdit::TextStart()
@@ -156,7 +158,7 @@ bool MEdit::OnEvent(const MControlEvent& event)
         // Keys with Ctrl come as keys; what they would write isn't meant.
         if (event.Has(ModifierCtrl) || event.character < 0x20 || event.character == 0x7F || readOnly)
             return false;
-        Type(event.character);
+        Insert(EditModel::Encoded(event.character), true);
         return true;
     }
     if (event.code == MEventCode::KeyDown && OnKey(event))
@@ -295,19 +297,6 @@ bool MEdit::OnCommand(const MControlEvent& event)
     }
 }
 
-void MEdit::Type(char32_t character)
-{
-    std::u16string piece;
-    if (character < 0x10000)
-        piece.push_back(static_cast<char16_t>(character));
-    else
-    {
-        piece.push_back(static_cast<char16_t>(0xD800 + ((character - 0x10000) >> 10)));
-        piece.push_back(static_cast<char16_t>(0xDC00 + ((character - 0x10000) & 0x3FF)));
-    }
-    Insert(piece, true);
-}
-
 void MEdit::Insert(std::u16string_view piece, bool typed)
 {
     std::u16string accepted;
@@ -317,6 +306,16 @@ void MEdit::Insert(std::u16string_view piece, bool typed)
     if (accepted.empty() && !piece.empty())
         return;
     model.Insert(accepted, typed);
+    Edited();
+}
+
+void MEdit::Replace(const MString& text)
+{
+    std::u16string characters;
+    for (int i = 0; i < text.Length(); ++i)
+        characters.push_back(text[i]);
+    model.SelectAll();
+    model.Insert(characters);
     Edited();
 }
 

@@ -41,18 +41,21 @@ protected:
     void Realize() override;
     MSize ContentMinimum() const override;
     void OnPlaced() override { ShowCaret(); }
+    /// Pixels at the right that the text leaves free.
+    virtual std::int32_t RightRoom() const { return 0; }
+    /// By the user: can be undone, and is told.
+    void Replace(const MString& text);
+    void Finish(std::uintptr_t how);
 
 private:
     bool OnKey(const MControlEvent& event);
     bool OnCommand(const MControlEvent& event);
     bool OnMouse(const MControlEvent& event);
     void OnFocus(bool focused);
-    void Type(char32_t character);
     void Copy(bool cuts);
     void Paste();
     void Insert(std::u16string_view piece, bool typed);
     void Edited();
-    void Finish(std::uintptr_t how);
     void ShowCaret();
     MRectangle TextArea() const;
     /// Where the text starts, from the control's left.
