@@ -135,10 +135,10 @@ void MListBox::SetCurrent(std::int32_t index)
 
 void MListBox::ShowItem(std::int32_t index)
 {
-    if (index < 0)
+    const std::int32_t page = ListArea().Height();
+    if (index < 0 || page < RowHeight())
         return;
     const std::int32_t top = index * RowHeight();
-    const std::int32_t page = ListArea().Height();
     if (top < bar->First())
         bar->SetFirst(top);
     else if (top + RowHeight() > bar->First() + page)

@@ -216,10 +216,10 @@ void MTreeControl::SetCurrent(MTreeItem* item)
 
 void MTreeControl::ShowRow(std::int32_t index)
 {
-    if (index < 0)
+    const std::int32_t page = ListArea().Height();
+    if (index < 0 || page < RowHeight())
         return;
     const std::int32_t top = index * RowHeight();
-    const std::int32_t page = ListArea().Height();
     if (top < bar->First())
         bar->SetFirst(top);
     else if (top + RowHeight() > bar->First() + page)
