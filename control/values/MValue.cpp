@@ -2,6 +2,7 @@
 #include "control/values/MValue.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "state/tree/MAttribute.h"
 
@@ -73,6 +74,12 @@ double MValue::PositionOfIndex(int index) const
 MContent MValue::CreateContentAtIndex(int index) const
 {
     return CreateContentAt(PositionOfIndex(index));
+}
+
+int MValue::GetIndex() const
+{
+    const int count = GetStepCount();
+    return count > 1 ? static_cast<int>(std::lround(GetNormalized() * (count - 1))) : 0;
 }
 
 bool MValue::SetIndex(int index)

@@ -45,12 +45,15 @@ public:
     /// Answers whether the value changed.
     virtual bool Increment(int steps) = 0;
     virtual double GetNormalized() const = 0;
+    /// The position of zero in a range with two signs, otherwise 0: from where a value is shown to reach.
+    virtual double GetOrigin() const { return 0; }
     /// @param position  limited to 0 to 1. Answers whether the value changed.
     virtual bool SetNormalized(double position) = 0;
     /// How many values there are, 0 for a continuum.
     virtual int GetStepCount() const = 0;
     virtual MContent CreateContentAtIndex(int index) const;
-    virtual int GetIndex() const { return 0; }
+    /// Which of the values it has; 0 for a continuum.
+    virtual int GetIndex() const;
     virtual bool SetIndex(int index);
 
     virtual void SetConverters(ToTextConverter toText, void* toTextContext, FromTextConverter fromText,

@@ -47,6 +47,7 @@ public:
     bool Step(int direction, int acceleration) override;
     bool Increment(int steps) override;
     double GetNormalized() const override { return PositionOf(static_cast<V>(Get())); }
+    double GetOrigin() const override { return min < V{} && max > V{} ? PositionOf(V{}) : 0; }
     bool SetNormalized(double position) override;
     int GetStepCount() const override;
 

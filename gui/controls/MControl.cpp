@@ -20,7 +20,7 @@ MControl::~MControl()
 
 MControl& MControl::AddChild(std::unique_ptr<MControl> child)
 {
-    child->parent = this;
+    child->parentControl = this;
     children.push_back(std::move(child));
     if (IsLive())
         children.back()->RealizeAll();
@@ -40,18 +40,18 @@ std::unique_ptr<MControl> MControl::RemoveChild(MControl& child)
         child.layout.layout->RemoveControl(child);
     std::unique_ptr<MControl> taken = std::move(*found);
     children.erase(found);
-    taken->parent = nullptr;
+    taken->parentControl = nullptr;
     return taken;
 }
 
 MControl& MControl::Root()
 {
-    return parent == nullptr ? *this : parent->Root();
+    return parentControl == nullptr ? *this : parentControl->Root();
 }
 
 const MControl& MControl::Root() const
 {
-    return parent == nullptr ? *this : parent->Root();
+    return parentControl == nullptr ? *this : parentControl->Root();
 }
 
 MWindow* MControl::Window() const
@@ -63,7 +63,7 @@ bool MControl::IsAncestorOf(const MControl& other) const
 {
     const MControl* each = &other;
     while (each != nullptr && each != this)
-        each = each->parent;
+        each = each->parentControl;
     return each != nullptr;
 }
 
@@ -79,7 +79,7 @@ MControl* MControl::Find(const MString& wanted)
 
 MStyle* MControl::Style() const
 {
-    if (MStyle* own = Root().style)
+    if (MStyle* own = Root().ownStyle)
         return own;
     const MWindows* windows = MWindows::Get();
     return windows != nullptr ? windows->Style() : nullptr;
@@ -128,7 +128,7 @@ MRectangle MControl::ChildRectangle(const MControl& child) const
 MRectangle MControl::VisibleRectangle() const
 {
     MRectangle seen = AbsoluteRectangle();
-    for (const MControl* each = parent; each != nullptr; each = each->parent)
+    for (const MControl* each = parentControl; each != nullptr; each = each->parentControl)
         seen = seen.Intersection(each->AbsoluteRectangle());
     return seen.IsEmpty() ? MRectangle{} : seen.Moved(-absolute[0], -absolute[1]);
 }
@@ -136,16 +136,16 @@ MRectangle MControl::VisibleRectangle() const
 bool MControl::IsShown() const
 {
     const MControl* each = this;
-    while (each->visible && each->parent != nullptr)
-        each = each->parent;
+    while (each->visible && each->parentControl != nullptr)
+        each = each->parentControl;
     return each->visible;
 }
 
 bool MControl::IsUsable() const
 {
     const MControl* each = this;
-    while (each->enabled && each->parent != nullptr)
-        each = each->parent;
+    while (each->enabled && each->parentControl != nullptr)
+        each = each->parentControl;
     return each->enabled;
 }
 
@@ -159,7 +159,7 @@ void MControl::SetVisible(bool shown)
     if (!shown && window != nullptr)
         window->Withdraw(*this);
     // What no layout places and nothing is sized by moves nothing else.
-    if (layout.layout != nullptr || (parent != nullptr && parent->sizesToChildren))
+    if (layout.layout != nullptr || (parentControl != nullptr && parentControl->sizesToChildren))
         Root().Relayout();
     Invalidate();
 }
@@ -207,8 +207,8 @@ void MControl::SetMinimalClientSize(MSize size)
 void MControl::SetPosition(std::int32_t x, std::int32_t y)
 {
     Invalidate();
-    place[0] = x;
-    place[1] = y;
+    ownPlace[0] = x;
+    ownPlace[1] = y;
     UpdateAbsolute();
     Invalidate();
 }
@@ -225,7 +225,7 @@ void MControl::SetSize(std::int32_t width, std::int32_t height)
 
 void MControl::SetPlace(Axis axis, std::int32_t first, std::int32_t size)
 {
-    place[static_cast<std::size_t>(axis)] = first;
+    ownPlace[static_cast<std::size_t>(axis)] = first;
     if (!collapsed)
         sizes[static_cast<std::size_t>(axis)] = std::max(0, size);
 }
@@ -234,13 +234,13 @@ void MControl::UpdateAbsoluteFrom(const MControl& above)
 {
     // Places count from the parent's corner: its layouts have its client rectangle to give out.
     for (const std::size_t i : { std::size_t{ 0 }, std::size_t{ 1 } })
-        absolute[i] = place[i] + above.absolute[i] + (overlay ? 0 : above.scroll[i]);
+        absolute[i] = ownPlace[i] + above.absolute[i] + (overlay ? 0 : above.scroll[i]);
 }
 
 void MControl::UpdateAbsolute()
 {
-    if (parent != nullptr)
-        UpdateAbsoluteFrom(*parent);
+    if (parentControl != nullptr)
+        UpdateAbsoluteFrom(*parentControl);
     for (const auto& child : children)
         child->UpdateAbsolute();
 }
@@ -319,7 +319,7 @@ void MControl::AdaptSize()
         return;
     sizes[0] = width;
     sizes[1] = height;
-    if (parent == nullptr)
+    if (parentControl == nullptr)
         Relayout();
 }
 
@@ -341,7 +341,7 @@ void MControl::Relayout()
 {
     if (!IsLive())
         return;
-    if (parent == nullptr)
+    if (parentControl == nullptr)
         ComputeMinimalSizes();
     ArrangeChildren();
     Invalidate();

@@ -38,7 +38,7 @@ public:
     }
     std::unique_ptr<MControl> RemoveChild(MControl& child);
     const std::vector<std::unique_ptr<MControl>>& Children() const { return children; }
-    MControl* Parent() const { return parent; }
+    MControl* Parent() const { return parentControl; }
     MControl& Root();
     const MControl& Root() const;
     /// The root where that is a window, otherwise null.
@@ -56,8 +56,8 @@ public:
     }
     const std::vector<std::unique_ptr<MLayout>>& Layouts() const { return layouts; }
 
-    std::int32_t X() const { return place[0]; }
-    std::int32_t Y() const { return place[1]; }
+    std::int32_t X() const { return ownPlace[0]; }
+    std::int32_t Y() const { return ownPlace[1]; }
     std::int32_t Width() const { return Size(Axis::X); }
     std::int32_t Height() const { return Size(Axis::Y); }
     std::int32_t Size(Axis axis) const { return sizes[static_cast<std::size_t>(axis)]; }
@@ -117,7 +117,7 @@ public:
     /// That of the root, or else the window system's; null where there is none.
     MStyle* Style() const;
     /// Of a root.
-    void SetStyle(MStyle* newStyle) { style = newStyle; }
+    void SetStyle(MStyle* newStyle) { ownStyle = newStyle; }
     /// Of the style; 0 without one.
     std::int32_t GetSpacing(std::int32_t index) const;
 
@@ -168,6 +168,14 @@ public:
     /// A button went down on it and is still down.
     bool IsPressed() const { return pressed != 0; }
 
+    /// Takes the attributes of its element in a layout document; sizes there are units at 100 %. Missing ones
+    /// change nothing. Throws MException for names that there aren't.
+    virtual void LoadXml(const MAttribute& node);
+    /// Its children have been made from the document, too.
+    virtual void OnLoaded() {}
+    /// Units of the style at 100 % in its pixels.
+    std::int32_t PixelsOf(std::int32_t units) const;
+
     /// Clicks and double clicks on it; a release outside is none.
     ControlClicks& Clicks() { return clicks; }
 
@@ -176,12 +184,14 @@ public:
     MString help;   ///< as rich text
     MControlType controlType = MControlType::Control;
     MStdFont font = MStdFont::Normal;
+    MCaptionType captionType = MCaptionType::Normal;
     LayoutOptions layout;
     bool tabStop = false;   ///< Tab and clicks give it the keyboard
     bool receivesMouse = true;   ///< otherwise what lies behind it gets the events
     bool opaque = false;   ///< it paints every pixel of its rectangle, so that nothing behind has to
     bool acceptsFiles = false;
     bool usesParentHelp = false;
+    bool showsHelp = true;
     bool savesState = false;   ///< that it is collapsed, with the window's place and size
     bool savesRatio = false;   ///< its share in a layout, with them
     bool collapsable = false;
@@ -189,6 +199,7 @@ public:
     bool overlay = false;   ///< the parent's scrolling doesn't move it
     bool detectsMinimalSize = true;
     bool adaptsSize = false;
+    bool plasticAdaptsSize = false;   ///< a plastic control that grows with its content
     bool sizesToChildren = false;   ///< children outside of layouts count, too
 
 protected:
@@ -213,13 +224,15 @@ private:
     void UpdateAbsoluteFrom(const MControl& above);
     MStyle::Frame Frame() const;
     void RealizeAll();
+    void LoadSizes(const MAttribute& node);
+    void LoadLayoutOptions(const MAttribute& node);
     MRectangle ChildRectangle(const MControl& child) const;
 
     std::vector<std::unique_ptr<MControl>> children;
     std::vector<std::unique_ptr<MLayout>> layouts;
-    MControl* parent = nullptr;
-    MStyle* style = nullptr;   // of a root
-    std::int32_t place[2]{};
+    MControl* parentControl = nullptr;
+    MStyle* ownStyle = nullptr;   // of a root
+    std::int32_t ownPlace[2]{};
     std::int32_t sizes[2]{};
     std::int32_t minimal[2]{};
     std::int32_t absolute[2]{};

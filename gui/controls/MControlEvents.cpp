@@ -57,9 +57,10 @@ MStdCursor MControl::GetCursor(std::int32_t x, std::int32_t y) const
 {
     if (cursor != MStdCursor::Inherited)
         return cursor;
-    if (parent == nullptr)
+    if (parentControl == nullptr)
         return MStdCursor::Arrow;
-    return parent->GetCursor(x + absolute[0] - parent->absolute[0], y + absolute[1] - parent->absolute[1]);
+    return parentControl->GetCursor(x + absolute[0] - parentControl->absolute[0],
+                                    y + absolute[1] - parentControl->absolute[1]);
 }
 
 void MControl::SetFocus()

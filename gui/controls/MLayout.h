@@ -8,6 +8,7 @@
 #include "gui/controls/SizeSums.h"
 #include "gui/painting/MRectangle.h"
 
+class MAttribute;
 class MControl;
 
 /// Places some children of a control in what earlier layouts have left of its area. Owned by the control,
@@ -46,6 +47,11 @@ public:
     virtual void RemoveControl(MControl& control);
     const std::vector<MControl*>& Controls() const { return controls; }
     bool HasVisible() const;
+
+    /// Takes the attributes of its element in a layout document.
+    virtual void LoadXml(const MAttribute& node);
+    /// Takes what the element of a child, which has been added, says to this layout.
+    virtual void AddChildXml(MControl& /*control*/, const MAttribute& /*node*/) {}
 
     /// Places the children in `area`; answers what is left for the next layout.
     virtual MRectangle Arrange(const MRectangle& area) = 0;

@@ -9,6 +9,7 @@ class MLayoutClient : public MLayout
 public:
     MLayoutClient(MControl& ownerControl, Axis along) : MLayout(ownerControl), axis(along) {}
 
+    void AddChildXml(MControl& control, const MAttribute& node) override;
     MRectangle Arrange(const MRectangle& area) override;
     void ComputeSizes(SizeSums& sums, const SizeComputer& computer, bool last) override;
     std::uint8_t GetStretch() const override;

@@ -19,6 +19,7 @@ public:
     void SetTarget(MControl& control, const MString& target);
     void RemoveControl(MControl& control) override;
 
+    void AddChildXml(MControl& control, const MAttribute& node) override;
     MRectangle Arrange(const MRectangle& area) override;
     void ComputeSizes(SizeSums& sums, const SizeComputer& computer, bool last) override;
     std::uint8_t GetStretch() const override;

@@ -23,6 +23,8 @@ public:
     /// At most MostColumns, at least 1. Before anything is added.
     void SetColumns(std::int32_t count);
 
+    void LoadXml(const MAttribute& node) override;
+    void AddChildXml(MControl& control, const MAttribute& node) override;
     MRectangle Arrange(const MRectangle& area) override;
     void ComputeSizes(SizeSums& sums, const SizeComputer& computer, bool last) override;
     std::uint8_t GetStretch() const override;

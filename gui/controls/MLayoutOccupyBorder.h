@@ -9,6 +9,7 @@ class MLayoutOccupyBorder : public MLayout
 public:
     explicit MLayoutOccupyBorder(MControl& control) : MLayout(control) {}
 
+    void LoadXml(const MAttribute& node) override;
     MRectangle Arrange(const MRectangle& area) override;
     void ComputeSizes(SizeSums& sums, const SizeComputer& computer, bool last) override;
     std::uint8_t GetStretch() const override { return 0; }

@@ -185,11 +185,12 @@ void MWindow::SetFocusOwner(MControl* control)
     if (control == focusOwner || (control != nullptr && (!control->IsShown() || !control->IsUsable())))
         return;
     MControl* before = focusOwner;
-    for (MControl* each = before; each != nullptr; each = each->parent)
+    for (MControl* each = before; each != nullptr; each = each->parentControl)
         each->focusChild = nullptr;
     focusOwner = control;
-    for (MControl* each = control; each != nullptr && each->parent != nullptr; each = each->parent)
-        each->parent->focusChild = each;
+    for (MControl* each = control; each != nullptr && each->parentControl != nullptr;
+         each = each->parentControl)
+        each->parentControl->focusChild = each;
     MControlEvent event;
     event.code = MEventCode::Focus;
     if (before != nullptr)
@@ -281,7 +282,7 @@ void MWindow::Forget(const MControl& leaving)
     };
     if (below(focusOwner))
     {
-        for (MControl* each = focusOwner; each != nullptr; each = each->parent)
+        for (MControl* each = focusOwner; each != nullptr; each = each->parentControl)
             each->focusChild = nullptr;
         focusOwner = nullptr;
     }
@@ -293,7 +294,7 @@ void MWindow::Forget(const MControl& leaving)
     }
     // What is left of the way is hovered still.
     while (below(hoverLeaf))
-        hoverLeaf = hoverLeaf->parent;
+        hoverLeaf = hoverLeaf->parentControl;
     if (below(dropTarget))
         dropTarget = nullptr;
     std::erase_if(globalKeyHandlers, below);
@@ -316,7 +317,7 @@ void MWindow::Withdraw(const MControl& control)
         SetFocusOwner(nullptr);
     // What is disabled still shows why.
     if (below(hoverLeaf) && !control.IsShown())
-        SetHover(control.parent);
+        SetHover(control.parentControl);
     dragging = false;
 }
 

@@ -106,6 +106,7 @@ public:
     void Withdraw(const MControl& control);
     /// Asks the platform, or the host, for the size that the layout needs, once for each.
     void AskForSize();
+    void LoadXml(const MAttribute& node) override;
     bool PreviewEvent(MControl* child, const MControlEvent& event) override;
     MStdCursor GetCursor(std::int32_t x, std::int32_t y) const override;
     /// Where the window stands for: which edges and corners are under a point, bits of MAlignment.
@@ -128,6 +129,7 @@ public:
     bool closesOnEscape = false;
     bool closesOutside = false;   ///< a press anywhere else closes it
     bool movesToScreenCentre = false;
+    bool autoSavesState = false;   ///< with whatever owns it, when it closes
     bool savesPosition = false;
     bool savesSize = false;
     bool showsHelpOnF1 = true;

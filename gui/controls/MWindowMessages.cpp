@@ -91,13 +91,13 @@ void MWindow::SetHover(MControl* leaf)
         return;
     MControl* before = hoverLeaf;
     hoverLeaf = leaf;
-    for (MControl* each = before; each != nullptr; each = each->parent)
+    for (MControl* each = before; each != nullptr; each = each->parentControl)
         if (leaf == nullptr || !each->IsAncestorOf(*leaf))
         {
             each->hovered = false;
             each->OnMouseLeave();
         }
-    for (MControl* each = leaf; each != nullptr; each = each->parent)
+    for (MControl* each = leaf; each != nullptr; each = each->parentControl)
         if (!each->hovered)
         {
             each->hovered = true;
@@ -126,6 +126,9 @@ bool MWindow::KeyMessage(const MControlEvent& event)
 {
     if (!open || BlockedBy() != nullptr)
         return false;
+    // An open menu has no keyboard of its own.
+    if (MWindow* menu = MWindows::Get()->TopPopUp(); menu != nullptr && menu != this)
+        return menu->KeyMessage(event);
     if (event.code == MEventCode::KeyDown)
         SetFocusRing(true);
     const bool taken = SendEvent(event);

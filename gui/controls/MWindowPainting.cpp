@@ -74,7 +74,7 @@ void MWindow::PaintArea(const MRectangle& area)
 {
     MControl& covering = CoveringControl(area);
     PaintTree(covering, area);
-    for (MControl* each = covering.parent; each != nullptr; each = each->parent)
+    for (MControl* each = covering.parentControl; each != nullptr; each = each->parentControl)
         PaintOne(*each, area, &MControl::PaintAbove);
     if (!FocusRing().Intersection(area).IsEmpty())
     {

@@ -301,6 +301,51 @@ enum class MStyleSize : std::int32_t
     WindowBorderY
 };
 
+enum class MHorizontalObjectLayout : std::int32_t
+{
+    Left,
+    Center,
+    Right,
+    Stretch
+};
+
+template <>
+struct MEnumLabels<MHorizontalObjectLayout>
+{
+    static constexpr const char* Labels[] = { "left", "center", "right", "stretch" };
+};
+
+enum class MVerticalObjectLayout : std::int32_t
+{
+    Top,
+    Center,
+    Bottom,
+    Stretch
+};
+
+template <>
+struct MEnumLabels<MVerticalObjectLayout>
+{
+    static constexpr const char* Labels[] = { "top", "center", "bottom", "stretch" };
+};
+
+/// What closed a modal window.
+enum class MModalValue : std::int32_t
+{
+    None,
+    Ok,
+    Cancel,
+    Yes,
+    No,
+    Close
+};
+
+template <>
+struct MEnumLabels<MModalValue>
+{
+    static constexpr const char* Labels[] = { "none", "ok", "cancel", "yes", "no", "close" };
+};
+
 enum class MCheckBoxState : std::int32_t
 {
     Off,

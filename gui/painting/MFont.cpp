@@ -203,6 +203,24 @@ double MFont::Width(const MString& text)
     return Walk(text, [](char32_t, int, double, float) { return true; });
 }
 
+void MFont::MeasureCharacters(const MString& text, std::vector<float>& widths)
+{
+    widths.assign(static_cast<std::size_t>(text.Length()), 0);
+    float* previous = nullptr;
+    double start = 0;
+    const double end = Walk(text,
+                            [&](char32_t, int place, double pen, float)
+                            {
+                                if (previous != nullptr)
+                                    *previous = static_cast<float>(pen - start);
+                                previous = &widths[static_cast<std::size_t>(place)];
+                                start = pen;
+                                return true;
+                            });
+    if (previous != nullptr)
+        *previous = static_cast<float>(end - start);
+}
+
 double MFont::PositionOf(const MString& text, int index)
 {
     return Walk(text, [index](char32_t, int place, double, float) { return place < index; });
@@ -250,6 +268,11 @@ std::int32_t MFont::Ascent()
 std::int32_t MFont::Descent()
 {
     return static_cast<std::int32_t>((63 - Face().AtSize(height)->size->metrics.descender) / 64);
+}
+
+std::int32_t MFont::LineHeight()
+{
+    return std::max(Ascent() + Descent(), static_cast<std::int32_t>(std::lround(lineHeight)));
 }
 
 double MFont::CapitalHeight()

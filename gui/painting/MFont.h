@@ -20,6 +20,7 @@ struct MFontDescriptor
     MString name;   ///< under which a style knows it
     double height = 11;   ///< pixels per em, in halves
     double spaceBetweenChars = 0;   ///< pixels more behind each character
+    double lineHeight = 0;   ///< pixels from baseline to baseline; 0: ascent and descent
     /// Digits share one advance, as do plus and minus, and a minus before a digit is a real one: numbers that
     /// change then stand still.
     bool tabularDigits = false;
@@ -44,8 +45,12 @@ public:
     /// Pixels above and below the baseline, both positive.
     std::int32_t Ascent();
     std::int32_t Descent();
+    /// From baseline to baseline, never less than both.
+    std::int32_t LineHeight();
     /// The height of a capital, for centring.
     double CapitalHeight();
+    /// What each character of the text adds to its width; 0 for the second half of a pair.
+    void MeasureCharacters(const MString& text, std::vector<float>& widths);
     /// Where a character begins, from the text's start; at its length: the width.
     double PositionOf(const MString& text, int index);
     /// The nearest gap between two characters to a place, 0 to the length.

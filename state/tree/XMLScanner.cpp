@@ -46,8 +46,9 @@ std::string DecodeEntities(std::string_view text)
     return decoded;
 }
 
-// A line's end with the blanks around it was put there to keep lines short: it stands for one blank.
-std::string JoinLines(std::string_view text)
+// A line's end with the blanks around it was put there to keep lines short: it stands for one blank. In
+// running text each run of blanks does.
+std::string JoinLines(std::string_view text, MarkUp kind)
 {
     std::string joined;
     joined.reserve(text.size());
@@ -57,7 +58,7 @@ std::string JoinLines(std::string_view text)
         while (runLength < text.size() && IsXMLBlank(text[runLength]))
             ++runLength;
         const std::string_view run = text.substr(0, runLength);
-        if (run.find('\n') != std::string_view::npos)
+        if (run.find('\n') != std::string_view::npos || (kind == MarkUp::RunningText && !run.empty()))
             joined.push_back(' ');
         else
             joined.append(run);
@@ -77,15 +78,17 @@ bool IsUTF16(std::string_view document)
 }
 }   // namespace
 
-XMLScanner::XMLScanner(std::string_view document, MTreeParser& receiver)
-    : bytes(document), codec(&MEncoding::Find("utf-8")), isConverted(IsUTF16(document)), parser(receiver)
+XMLScanner::XMLScanner(std::string_view document, MTreeParser& receiver, MarkUp kindOfText)
+    : bytes(document), codec(&MEncoding::Find("utf-8")), isConverted(IsUTF16(document)), parser(receiver),
+      kind(kindOfText)
 {
     if (isConverted)
     {
         converted = MEncoding::Find("utf-16").Decode(document).ToUTF8();
         bytes = converted;
     }
-    bytes = bytes.substr(0, bytes.find('\0'));   // some hosts pad what they keep with zeros
+    if (kind == MarkUp::Document)
+        bytes = bytes.substr(0, bytes.find('\0'));   // some hosts pad what they keep with zeros
 }
 
 void XMLScanner::Scan()
@@ -130,10 +133,11 @@ std::string_view XMLScanner::TakeUpTo(std::string_view delimiter)
 void XMLScanner::ScanText()
 {
     const std::size_t end = std::min(bytes.find('<', position), bytes.size());
-    const std::string_view text = Trimmed(bytes.substr(position, end - position));
+    const std::string_view whole = bytes.substr(position, end - position);
+    const std::string_view text = kind == MarkUp::RunningText ? whole : Trimmed(whole);
     position = end;
     if (!text.empty())
-        parser.OnText(codec->Decode(DecodeEntities(JoinLines(text))));
+        parser.OnText(codec->Decode(DecodeEntities(JoinLines(text, kind))));
 }
 
 void XMLScanner::ScanDeclaration()
@@ -141,7 +145,7 @@ void XMLScanner::ScanDeclaration()
     constexpr std::string_view Key = "encoding";
     std::string_view declaration = TakeUpTo("?>");
     const std::size_t found = declaration.find(Key);
-    if (found == std::string_view::npos || isConverted)
+    if (found == std::string_view::npos || isConverted || kind == MarkUp::RunningText)
         return;
     declaration = Trimmed(declaration.substr(found + Key.size()));
     if (declaration.empty() || declaration.front() != '=')
@@ -165,7 +169,8 @@ void XMLScanner::ScanSpecial()
     else if (StartsWith("<![CDATA["))
     {
         position += 9;
-        parser.OnText(codec->Decode(TakeUpTo("]]>")));
+        const std::string_view text = TakeUpTo("]]>");
+        parser.OnText(codec->Decode(kind == MarkUp::RunningText ? JoinLines(text, kind) : std::string(text)));
     }
     else
     {
@@ -232,8 +237,25 @@ MAttributePair XMLScanner::ScanAttribute()
     ++position;
     SkipBlanks();
     RequireMore();
-    if (Current() != '"')
+    return { key, codec->Decode(DecodeEntities(ScanValue())) };
+}
+
+std::string_view XMLScanner::ScanValue()
+{
+    if (Current() == '"')
+    {
+        ++position;
+        return TakeUpTo("\"");
+    }
+    const std::size_t start = position;
+    while (kind == MarkUp::RunningText && !IsAtEnd() && !IsXMLBlank(Current()) && Current() != '>' &&
+           !StartsWith("/>"))
+    {
+        if (Current() == '<' || Current() == '"')
+            ThrowInvalidContents("Special character found where attribute expected.");
+        ++position;
+    }
+    if (position == start)
         ThrowInvalidContents("Invalid character found where attribute expected.");
-    ++position;
-    return { key, codec->Decode(DecodeEntities(TakeUpTo("\""))) };
+    return bytes.substr(start, position - start);
 }

@@ -7,13 +7,22 @@
 #include "foundation/text/MEncoding.h"
 #include "state/tree/MMLParser.h"
 
+/// What is marked up.
+enum class MarkUp
+{
+    Document,   ///< texts lose the blanks at their ends
+    /// Each run of blanks is one, and none is lost; values may stand without quotation marks; the text is
+    /// UTF-8, whatever it declares.
+    RunningText
+};
+
 /// Takes an XML document apart. Markup is found in the bytes, since all encodings but UTF-16 have ASCII
 /// below 128; names, values and texts go through the codec piece by piece. A UTF-16 document, known by its
 /// byte-order mark, is turned into UTF-8 first. Throws MException "Invalid file contents. ...".
 class XMLScanner
 {
 public:
-    XMLScanner(std::string_view document, MTreeParser& receiver);
+    XMLScanner(std::string_view document, MTreeParser& receiver, MarkUp kindOfText = MarkUp::Document);
     void Scan();
 
 private:
@@ -23,6 +32,7 @@ private:
     void ScanEndTag();
     void ScanStartTag();
     MAttributePair ScanAttribute();
+    std::string_view ScanValue();
     std::string_view ScanName();
 
     bool IsAtEnd() const { return position >= bytes.size(); }
@@ -39,4 +49,5 @@ private:
     const MEncoding::Codec* codec;
     bool isConverted = false;
     MTreeParser& parser;
+    MarkUp kind;
 };

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "foundation/text/MException.h"
 #include "gui/controls/MControl.h"
 
 /// A style for tests that look at places and events: everything is a flat rectangle.
@@ -12,7 +11,17 @@ public:
     {
         return MColor(0xFF000000u + static_cast<std::uint32_t>(index) * 0x010307u);
     }
-    MFont& GetFont(std::int32_t) const override { throw MException("No font."); }
+    /// Inter as the system has it, the same in every role.
+    MFont& GetFont(std::int32_t) const override
+    {
+        if (!fontLoaded)
+        {
+            font.height = 11;
+            font.Load("/usr/share/fonts/opentype/inter/Inter-Regular.otf");
+            fontLoaded = true;
+        }
+        return font;
+    }
     std::int32_t GetSpacing(std::int32_t) const override { return gap; }
     double GetScale() const override { return 1; }
     Frame GetFrame(const MControl&) const override { return {}; }
@@ -49,4 +58,8 @@ public:
 
     static constexpr MColor RingColor{ 250, 240, 20 };
     std::int32_t gap = 0;
+
+private:
+    mutable MFont font;
+    mutable bool fontLoaded = false;
 };

@@ -92,17 +92,31 @@ TEST(Font, TextStandsWhereItsMeasuresSay)
         EXPECT_NEAR(middle(10.5) - middle(10), 0.5, 0.05);
         EXPECT_NEAR(middle(10.25) - middle(10), 0.25, 0.05);
 
+        std::vector<float> widths;
+        font.MeasureCharacters(text, widths);
+        ASSERT_EQ(widths.size(), static_cast<std::size_t>(text.Length()));
         double pen = 0;
+        double sum = 0;
         for (int index = 0; index <= text.Length(); ++index)
         {
             const double position = font.PositionOf(text, index);
             EXPECT_NEAR(position, pen, 1e-6);
+            EXPECT_NEAR(position, sum, 1e-4) << "widths are floats";
+            sum += index < text.Length() ? widths[static_cast<std::size_t>(index)] : 0.0f;
             EXPECT_EQ(font.IndexAt(text, position + 0.1), index);
             pen += index < text.Length() ? font.Width(text.SubString(index, 1)) : 0;
         }
         EXPECT_NEAR(pen, width, 1e-6);
     }
     MFont spaced = Font(11);
+    EXPECT_EQ(spaced.LineHeight(), spaced.Ascent() + spaced.Descent());
+    spaced.lineHeight = 20.5;
+    EXPECT_EQ(spaced.LineHeight(), 21);
+    std::vector<float> pair;
+    spaced.MeasureCharacters(MString(u"\U0001D11Ea"), pair);
+    EXPECT_GT(pair[0], 0);
+    EXPECT_EQ(pair[1], 0) << "the second half of a pair";
+    EXPECT_NEAR(pair[2], spaced.Width("a"), 1e-6);
     spaced.spaceBetweenChars = 2;
     EXPECT_NEAR(spaced.Width("abc"), Font(11).Width("abc") + 6, 1e-6);
 }

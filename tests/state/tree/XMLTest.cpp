@@ -16,6 +16,8 @@
 #include "foundation/streams/MMemoryStream.h"
 #include "foundation/streams/MZLibStream.h"
 #include "state/tree/MAttribute.h"
+#include "state/tree/XMLScanner.h"
+#include "tests/ErrorOf.h"
 
 namespace
 {
@@ -370,3 +372,36 @@ TEST(XML, IsSavedWholeOrNotAtAll)
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder), {}), 1);
 }
 }   // namespace
+
+TEST(XML, RunningTextKeepsABlankForEachRunAndMayLeaveOutQuotationMarks)
+{
+    struct Listener : MTreeParser
+    {
+        void OnElement(const MString& name, const MArray<MAttributePair>& attributes, bool closing) override
+        {
+            heard += (closing ? "</" : "<") + name.ToUTF8();
+            for (const MAttributePair& pair : attributes)
+                heard += "|" + pair.key.ToUTF8() + "=" + pair.value.ToUTF8();
+            heard += ">";
+        }
+        void OnText(const MString& text) override { heard += "[" + text.ToUTF8() + "]"; }
+        std::string heard;
+    };
+    const auto heard = [](std::string_view text)
+    {
+        Listener listener;
+        XMLScanner(text, listener, MarkUp::RunningText).Scan();
+        return listener.heard;
+    };
+    EXPECT_EQ(heard(" a \t\n b <b> c</b> "), "[ a b ]<b>[ c]</b>[ ]");
+    EXPECT_EQ(heard("<td width=100% a=\"x &lt; y\" b=1/2 c=&amp;><img n=0/>"),
+              "<td|width=100%|a=x < y|b=1/2|c=&><img|n=0></img>");
+    EXPECT_EQ(heard("&#10;<![CDATA[ 1  <\n2 ]]><?xml encoding=\"utf-16\"?>\xC3\xA9"),
+              "[\n][ 1 < 2 ][\xC3\xA9]");
+    EXPECT_EQ(heard(std::string_view("a\0b", 3)), "[a b]");
+    for (const char* text : { "<td width=>", "<td width= >", "<td width" })
+        EXPECT_NE(::ErrorOf([&] { heard(text); }), "") << text;
+    EXPECT_EQ(::ErrorOf([&] { heard("<td width=1<b>"); }),
+              "Invalid file contents. Special character found where attribute expected.");
+    EXPECT_EQ(::ErrorOf([&] { heard("<td width=1"); }), "Invalid file contents. No ending delimiter found.");
+}
