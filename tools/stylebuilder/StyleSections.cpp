@@ -169,20 +169,20 @@ void AddColors(MAttribute& definition, const Theme& theme)
 
 struct Font
 {
-    MStdFont id;
     const char* face;
     double height;
+    MStdFont id;
     bool tabular = false;
 };
 constexpr Font fonts[] = {
-    { MStdFont::Normal, "Inter-Regular", 11 },   { MStdFont::Bold, "Inter-SemiBold", 11 },
-    { MStdFont::Italic, "Inter-Italic", 11 },    { MStdFont::Small, "Inter-Regular", 10 },
-    { MStdFont::Large1, "Inter-SemiBold", 12 },  { MStdFont::Large2, "Inter-SemiBold", 13 },
-    { MStdFont::Large3, "Inter-SemiBold", 15 },  { MStdFont::Large4, "Inter-SemiBold", 18 },
-    { MStdFont::Control, "Inter-Medium", 11 },   { MStdFont::Value, "Inter-Medium", 11, true },
-    { MStdFont::Label, "Inter-Medium", 10 },     { MStdFont::Axis, "Inter-Regular", 10, true },
-    { MStdFont::Point, "Inter-Bold", 10, true }, { MStdFont::SmallValue, "Inter-Medium", 10.5, true },
-    { MStdFont::Tiny, "Inter-Medium", 9 },
+    { "Inter-Regular", 11, MStdFont::Normal },   { "Inter-SemiBold", 11, MStdFont::Bold },
+    { "Inter-Italic", 11, MStdFont::Italic },    { "Inter-Regular", 10, MStdFont::Small },
+    { "Inter-SemiBold", 12, MStdFont::Large1 },  { "Inter-SemiBold", 13, MStdFont::Large2 },
+    { "Inter-SemiBold", 15, MStdFont::Large3 },  { "Inter-SemiBold", 18, MStdFont::Large4 },
+    { "Inter-Medium", 11, MStdFont::Control },   { "Inter-Medium", 11, MStdFont::Value, true },
+    { "Inter-Medium", 10, MStdFont::Label },     { "Inter-Regular", 10, MStdFont::Axis, true },
+    { "Inter-Bold", 10, MStdFont::Point, true }, { "Inter-Medium", 10.5, MStdFont::SmallValue, true },
+    { "Inter-Medium", 9, MStdFont::Tiny },
 };
 
 void AddFonts(MAttribute& definition)

@@ -348,6 +348,19 @@ TEST(StylePainting, ThePageLooksAlikeAtEveryScale)
     }
 }
 
+TEST(StylePainting, NothingIsLeftOfTheStyleBefore)
+{
+    const auto fresh = StyleOf("dark", 1.25);
+    const auto changed = StyleOf("light", 2, "maincolor2", "FF0000FF");
+    static_cast<void>(PaintPartsSheet(*changed));
+    MAttribute configuration;
+    configuration.SetAttribute("Style", "Default (dark)");
+    configuration.SetAttribute("ResizeX", "1.25");
+    configuration.SetAttribute("ResizeY", "1.25");
+    changed->Apply(configuration);
+    EXPECT_EQ(PixelsOf(PaintPartsSheet(*changed)), PixelsOf(PaintPartsSheet(*fresh)));
+}
+
 TEST(StylePainting, TakesNoMemoryOnceItHasPaintedAThing)
 {
     if (!AllocationCounter::IsCounting())
