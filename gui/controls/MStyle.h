@@ -77,11 +77,6 @@ public:
                            std::uint16_t state) const = 0;
     /// Behind the text of a tab.
     virtual void PaintTab(MDrawer& drawer, const MRectangle& area, std::uint16_t state) const = 0;
-    /// Between two panes, where the mouse can move their border; `along` is its direction.
-    virtual void PaintSplitter(MDrawer&, const MRectangle& /*area*/, Axis /*along*/,
-                               std::uint16_t /*state*/) const
-    {
-    }
     /// Around a window or menu that lies above others; the area is the window's.
     virtual void PaintShadow(MDrawer& drawer, const MRectangle& area) const = 0;
     virtual std::int32_t ShadowReach() const = 0;

@@ -85,6 +85,13 @@ bool IsAlphaKey(const MString& key)
 
 void MBaseStyle::Load(StyleDefinition& definition, const MAttribute* configuration)
 {
+    colors.fill({});
+    defaultSizes.fill({});
+    minimalSizes.fill({});
+    fonts = {};
+    icons = {};
+    bitmaps.clear();
+    cursors.clear();
     const MAttribute& tree = definition.Tree();
     LoadSettings(tree, configuration);
     LoadSizes(tree);

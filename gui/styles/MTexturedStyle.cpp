@@ -67,7 +67,6 @@ void MTexturedStyle::Load(StyleDefinition& definition, const MAttribute* configu
     for (std::size_t index = 0; index < sections.size(); ++index)
         LoadSection(static_cast<Kind>(index), definition, loader);
     LoadKnobColors(definition);
-    tabLine = ColorOf(definition.Section("tabset"), "linecolor", GetColor(MStdColor::Line));
     focusReach = ReachOf(definition, "focusring", GetScale());
     shadowReach = ReachOf(definition, "shadow", GetScale());
 }
@@ -131,8 +130,8 @@ MTexturedStyle::Kind MTexturedStyle::FaceKindOf(MControlType type)
         return Kind::ListControl;
     case MControlType::TreeControl:
         return Kind::TreeControl;
-    case MControlType::TabSet:
-        return Kind::TabSet;
+    case MControlType::Switcher:
+        return Kind::Selector;
     case MControlType::Menu:
         return Kind::Menu;
     case MControlType::MenuBar:
@@ -144,12 +143,8 @@ MTexturedStyle::Kind MTexturedStyle::FaceKindOf(MControlType type)
 
 MStyle::Frame MTexturedStyle::GetFrame(const MControl& control) const
 {
-    const Kind kind = FaceKindOf(control.controlType);
-    if (kind == Kind::Count)
-        return {};
-    if (kind != Kind::Window)
-        return Section(kind).Frame();
-    if (!DrawsOwnFrame(control))
+    // Controls leave room for their own faces. A window's content knows nothing of its edge.
+    if (control.controlType != MControlType::Window || !DrawsOwnFrame(control))
         return {};
     const std::int32_t x = GetSize(MStyleSize::WindowBorderX);
     const std::int32_t y = GetSize(MStyleSize::WindowBorderY);

@@ -43,8 +43,6 @@ public:
     void PaintItem(MDrawer& drawer, const MRectangle& area, MControlType type,
                    std::uint16_t state) const override;
     void PaintTab(MDrawer& drawer, const MRectangle& area, std::uint16_t state) const override;
-    void PaintSplitter(MDrawer& drawer, const MRectangle& area, Axis along,
-                       std::uint16_t state) const override;
     void PaintShadow(MDrawer& drawer, const MRectangle& area) const override;
     std::int32_t ShadowReach() const override { return shadowReach; }
 
@@ -108,7 +106,6 @@ private:
     KnobColors knob;
     mutable std::map<std::pair<std::int32_t, bool>, MBitmap>
         knobBodies;   // by diameter, and whether it is lit
-    MColor tabLine;
     std::int32_t focusReach = 0;
     std::int32_t shadowReach = 0;
 };

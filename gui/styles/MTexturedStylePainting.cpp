@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "gui/styles/MTexturedStyle.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <numbers>
 
 #include "gui/painting/MDrawerToMBitmap.h"
-#include "gui/styles/MTexturedStyle.h"
 
 namespace
 {
@@ -92,12 +93,6 @@ void MTexturedStyle::PaintFace(MDrawer& drawer, const MRectangle& area, MControl
     if (kind == Kind::Count)
         return;
     const StyleSection& section = Section(kind);
-    if (kind == Kind::TabSet)
-    {
-        const std::int32_t hairline = Hairline();
-        return drawer.FillRectangle({ area.left, area.bottom - hairline + 1, area.right, area.bottom },
-                                    tabLine);
-    }
     const NineSlice* face = section.Face(state);
     if (kind == Kind::Window && Has(state, DrawOn))
         face = section.FirstOf({ StyleImage::Framed, StyleImage::Image });
@@ -371,17 +366,6 @@ void MTexturedStyle::PaintTab(MDrawer& drawer, const MRectangle& area, std::uint
     if (line != nullptr)
         line->Paint(drawer, MRectangle::OfSize(area.left, area.bottom + 1 - Hairline() - thickness,
                                                area.Width(), thickness));
-}
-
-void MTexturedStyle::PaintSplitter(MDrawer& drawer, const MRectangle& area, Axis along,
-                                   std::uint16_t state) const
-{
-    const StyleSection& section = Section(Kind::Splitter);
-    const NineSlice* line = section.Find(along == Axis::X ? StyleImage::HImage : StyleImage::VImage);
-    if (line == nullptr || !Has(state, DrawHovered | DrawPressed))
-        return;
-    const Track track(area, along);
-    line->Paint(drawer, track.Bar(track.start, track.start + track.length, Hairline()));
 }
 
 void MTexturedStyle::PaintShadow(MDrawer& drawer, const MRectangle& area) const

@@ -81,7 +81,7 @@ MString GetStylePath(const MAttribute& configuration)
 {
     if (const MString* own = configuration.FindAttribute("StylePath"); own != nullptr && !own->IsEmpty())
         return *own;
-    const MString users = MFile::GetSpecialFolder(MFile::UserData) + "/" + MString::Literal(folderName);
+    MString users = MFile::GetSpecialFolder(MFile::UserData) + "/" + MString::Literal(folderName);
     if (MFile::Exists(users))
         return users;
     return MFile::GetSpecialFolder(MFile::Data) + "/" + MString::Literal(folderName);

@@ -28,22 +28,6 @@ double CapOf(const MAttribute& item, const MString& key)
     return std::isfinite(cap) ? std::clamp(cap, 0.0, LargestCap) : 0;
 }
 
-MStyle::Frame FrameOf(const MString& text, double scale)
-{
-    std::int32_t sides[4]{};
-    int start = 0;
-    for (std::int32_t& side : sides)
-    {
-        const MString rest = text.SubString(start, text.Length() - start);
-        side = static_cast<std::int32_t>(
-            std::lround(static_cast<double>(std::clamp<std::int64_t>(rest.ToInt(), 0, 256)) * scale));
-        const int comma = text.Find(u',', start);
-        if (comma < 0)
-            break;
-        start = comma + 1;
-    }
-    return { sides[0], sides[1], sides[2], sides[3] };
-}
 }   // namespace
 
 std::shared_ptr<const NineSlice> StyleImageLoader::Load(const MString& id, int mainColor, double cap)
@@ -79,7 +63,6 @@ void StyleSection::Load(const MAttribute& item, StyleImageLoader& loader)
         const bool isMark = image == StyleImage::Mark;
         images[index] = loader.Load(*id, mainColor, isMark ? 1 : isItem ? itemCap : cap);
     }
-    frame = FrameOf(item.GetAttribute("frame"), loader.Scale());
 }
 
 const NineSlice* StyleSection::FirstOf(std::initializer_list<StyleImage> wanted) const

@@ -7,7 +7,7 @@
 #include <string>
 #include <unordered_map>
 
-#include "gui/controls/MStyle.h"
+#include "gui/controls/DrawState.h"
 #include "gui/styles/NineSlice.h"
 #include "gui/styles/StyleDefinition.h"
 #include "gui/styles/StyleTint.h"
@@ -63,7 +63,6 @@ public:
     /// @param mainColor  that it follows; -1: none
     /// @param cap        see NineSlice, in units
     std::shared_ptr<const NineSlice> Load(const MString& id, int mainColor, double cap);
-    double Scale() const { return scale; }
 
 private:
     StyleDefinition& definition;
@@ -72,9 +71,9 @@ private:
     std::unordered_map<std::string, std::shared_ptr<const NineSlice>> loaded;
 };
 
-/// One kind of control in a style: its images in all states, and what its frame takes from it. A section's
-/// attributes are the images by their keys, "KEYtint" for the main colour that an image follows, `cap` and
-/// `itemcap` for the ends that don't stretch, and `frame` "LEFT,TOP,RIGHT,BOTTOM".
+/// One kind of control in a style: its images in all states. A section's attributes are the images by their
+/// keys, "KEYtint" for the main colour that an image follows, `cap` and `itemcap` for the ends that don't
+/// stretch.
 class StyleSection
 {
 public:
@@ -87,9 +86,7 @@ public:
     const NineSlice* FirstOf(std::initializer_list<StyleImage> wanted) const;
     /// The face for bits of DrawState; null where there is none.
     const NineSlice* Face(std::uint16_t state) const;
-    const MStyle::Frame& Frame() const { return frame; }
 
 private:
     std::array<std::shared_ptr<const NineSlice>, static_cast<std::size_t>(StyleImage::Count)> images;
-    MStyle::Frame frame;
 };

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "tools/stylebuilder/Faces.h"
+
 #include <algorithm>
 #include <cmath>
 
 #include "gui/painting/ShapeOutline.h"
 #include "tools/stylebuilder/FaceDrawing.h"
-#include "tools/stylebuilder/Faces.h"
 #include "tools/stylebuilder/PathDrawing.h"
 
 namespace

@@ -169,20 +169,20 @@ void AddColors(MAttribute& definition, const Theme& theme)
 
 struct Font
 {
-    MStdFont id;
     const char* face;
     double height;
+    MStdFont id;
     bool tabular = false;
 };
 constexpr Font fonts[] = {
-    { MStdFont::Normal, "Inter-Regular", 11 },   { MStdFont::Bold, "Inter-SemiBold", 11 },
-    { MStdFont::Italic, "Inter-Italic", 11 },    { MStdFont::Small, "Inter-Regular", 10 },
-    { MStdFont::Large1, "Inter-SemiBold", 12 },  { MStdFont::Large2, "Inter-SemiBold", 13 },
-    { MStdFont::Large3, "Inter-SemiBold", 15 },  { MStdFont::Large4, "Inter-SemiBold", 18 },
-    { MStdFont::Control, "Inter-Medium", 11 },   { MStdFont::Value, "Inter-Medium", 11, true },
-    { MStdFont::Label, "Inter-Medium", 10 },     { MStdFont::Axis, "Inter-Regular", 10, true },
-    { MStdFont::Point, "Inter-Bold", 10, true }, { MStdFont::SmallValue, "Inter-Medium", 10.5, true },
-    { MStdFont::Tiny, "Inter-Medium", 9 },
+    { "Inter-Regular", 11, MStdFont::Normal },   { "Inter-SemiBold", 11, MStdFont::Bold },
+    { "Inter-Italic", 11, MStdFont::Italic },    { "Inter-Regular", 10, MStdFont::Small },
+    { "Inter-SemiBold", 12, MStdFont::Large1 },  { "Inter-SemiBold", 13, MStdFont::Large2 },
+    { "Inter-SemiBold", 15, MStdFont::Large3 },  { "Inter-SemiBold", 18, MStdFont::Large4 },
+    { "Inter-Medium", 11, MStdFont::Control },   { "Inter-Medium", 11, MStdFont::Value, true },
+    { "Inter-Medium", 10, MStdFont::Label },     { "Inter-Regular", 10, MStdFont::Axis, true },
+    { "Inter-Bold", 10, MStdFont::Point, true }, { "Inter-Medium", 10.5, MStdFont::SmallValue, true },
+    { "Inter-Medium", 9, MStdFont::Tiny },
 };
 
 void AddFonts(MAttribute& definition)
@@ -244,17 +244,15 @@ constexpr const char* sections[] = {
     "window image=window framed=window.framed cap=9",
     "panel image=panel cap=7",
     "control",
-    "edit image=field hover=field.hover focused=field.focused focusedtint=2 grayed=field.grayed cap=6 "
-    "frame=6,1,6,1",
-    "menu image=menu selecteditem=item.selected selecteditemtint=2 cap=7 itemcap=4 frame=4,4,4,4",
+    "edit image=field hover=field.hover focused=field.focused focusedtint=2 grayed=field.grayed cap=6",
+    "menu image=menu selecteditem=item.selected selecteditemtint=2 cap=7 itemcap=4",
     "button image=button hover=button.hover pressed=button.pressed on=button.on ontint=2 "
     "onhover=button.onhover "
     "onhovertint=2 onpressed=button.onpressed onpressedtint=2 primary=button.primary primarytint=2 "
     "primaryhover=button.primaryhover primaryhovertint=2 primarypressed=button.primarypressed "
     "primarypressedtint=2 "
     "grayed=button.grayed ongrayed=button.ongrayed ongrayedtint=2 learning=button.learning learningtint=0 "
-    "learninglamp=button.learninglamp learninglamptint=1 source=button.source target=button.target cap=6 "
-    "frame=4,1,4,1",
+    "learninglamp=button.learninglamp learninglamptint=1 source=button.source target=button.target cap=6",
     "captionbutton hover=captionbutton.hover pressed=captionbutton.pressed on=captionbutton.on ontint=2 "
     "cap=6",
     "checkbox image=checkbox hover=checkbox.hover grayed=checkbox.grayed on=checkbox.on ontint=2 "
@@ -280,10 +278,10 @@ constexpr const char* sections[] = {
     "alpha=255",
     "listcontrol image=field focused=field.focused focusedtint=2 grayed=field.grayed "
     "selecteditem=item.selected "
-    "selecteditemtint=2 hoveritem=item.hover mark=mark marktint=2 cap=6 itemcap=4 frame=3,4,3,4",
+    "selecteditemtint=2 hoveritem=item.hover mark=mark marktint=2 cap=6 itemcap=4",
     "treecontrol image=field focused=field.focused focusedtint=2 grayed=field.grayed "
     "selecteditem=item.selected "
-    "selecteditemtint=2 hoveritem=item.hover mark=mark marktint=2 cap=6 itemcap=4 frame=3,4,3,4 "
+    "selecteditemtint=2 hoveritem=item.hover mark=mark marktint=2 cap=6 itemcap=4 "
     "parentcrossoffset=8",
     "splitter vimage=splitter.hover himage=splitter.hover cap=1",
     "focusring image=focusring imagetint=2 cap=9 reach=3",
@@ -312,7 +310,6 @@ void AddLiveColors(MAttribute& definition, const Theme& theme)
     MAttribute& tree = definition.GetSubItem("treecontrol");
     tree.SetAttribute("linecolor", ColorText(theme.Color("line")));
     tree.SetAttribute("fillcolor", ColorText(theme.Color("text3")));
-    definition.GetSubItem("tabset").SetAttribute("linecolor", ColorText(theme.Color("line")));
     const MColor raised = theme.Color("raised");
     for (const char* kind : { "rotator", "knob" })
     {

@@ -74,7 +74,7 @@ void PaintAnything(const MStyle& style, MDrawer& drawer, const MRectangle& area,
     const Axis along = any(2) == 0 ? Axis::X : Axis::Y;
     const double values[] = { -1, 0, 0.37, 1, 7, std::nan("") };
     const MStyle::ValueLook look{ values[any(6)], values[any(6)], values[any(6)] };
-    switch (any(10))
+    switch (any(9))
     {
     case 0:
         return style.PaintFace(drawer, area, type, state);
@@ -91,8 +91,6 @@ void PaintAnything(const MStyle& style, MDrawer& drawer, const MRectangle& area,
     case 6:
         return style.PaintTab(drawer, area, state);
     case 7:
-        return style.PaintSplitter(drawer, area, along, state);
-    case 8:
         return style.PaintFocusRing(drawer, area.Inset(style.FocusRingReach(), style.FocusRingReach()));
     default:
         return style.PaintShadow(drawer, area.Inset(style.ShadowReach(), style.ShadowReach()));
@@ -348,6 +346,19 @@ TEST(StylePainting, ThePageLooksAlikeAtEveryScale)
                 }
         }
     }
+}
+
+TEST(StylePainting, NothingIsLeftOfTheStyleBefore)
+{
+    const auto fresh = StyleOf("dark", 1.25);
+    const auto changed = StyleOf("light", 2, "maincolor2", "FF0000FF");
+    static_cast<void>(PaintPartsSheet(*changed));
+    MAttribute configuration;
+    configuration.SetAttribute("Style", "Default (dark)");
+    configuration.SetAttribute("ResizeX", "1.25");
+    configuration.SetAttribute("ResizeY", "1.25");
+    changed->Apply(configuration);
+    EXPECT_EQ(PixelsOf(PaintPartsSheet(*changed)), PixelsOf(PaintPartsSheet(*fresh)));
 }
 
 TEST(StylePainting, TakesNoMemoryOnceItHasPaintedAThing)

@@ -190,7 +190,7 @@ private:
         Slider(170, "Slope", "+3.00 dB", 0.66, 0.5, enabled);
         Slider(196, "Decay", "35.0%", 0.35, 0, enabled | DrawFocused);
         Slider(224, "Overlap", "4x", 0.5, 0, 0);
-        Face(At(340, 256, 132, 22), MControlType::Button, enabled);
+        Face(At(340, 256, 132, 22), MControlType::Switcher, enabled);
         Text(347, 271, "Linear-phase", MStdFont::Control, Color(MStdColor::Text));
         style.PaintIcon(drawer, At(457, 262.5, 9, 9), MStdIcon::CaretDown, Color(MStdColor::Text2));
         Face(At(480, 256, 136, 22), MControlType::Edit, enabled | DrawFocused);
@@ -223,7 +223,7 @@ private:
                                    static_cast<std::uint16_t>(i == 0 ? enabled | DrawOn : enabled));
             Text(674, 250 + i * 20, radios[i], MStdFont::Normal, Color(MStdColor::Text));
         }
-        Face(At(792, 157, 142, 28), MControlType::TabSet, enabled);
+        drawer.FillRectangle(At(792, 184, 142, 1), Color(MStdColor::Line));
         style.PaintTab(drawer, At(798, 157, 52, 28), enabled | DrawOn);
         Text(800, 174, "Settings", MStdFont::Large1, Color(MStdColor::Text));
         Text(866, 174, "Prefiltering", MStdFont::Control, Color(MStdColor::Text2));
