@@ -130,8 +130,6 @@ MTexturedStyle::Kind MTexturedStyle::FaceKindOf(MControlType type)
         return Kind::ListControl;
     case MControlType::TreeControl:
         return Kind::TreeControl;
-    case MControlType::Switcher:
-        return Kind::Selector;
     case MControlType::Menu:
         return Kind::Menu;
     case MControlType::MenuBar:
