@@ -37,6 +37,8 @@ public:
         return static_cast<Child&>(AddChild(std::make_unique<Child>(std::forward<Arguments>(arguments)...)));
     }
     std::unique_ptr<MControl> RemoveChild(MControl& child);
+    /// Takes all children and layouts out. The children are deleted when no event runs any more.
+    void RemoveContent();
     const std::vector<std::unique_ptr<MControl>>& Children() const { return children; }
     MControl* Parent() const { return parentControl; }
     MControl& Root();

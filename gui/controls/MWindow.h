@@ -95,7 +95,7 @@ public:
     /// control is logged; the rest is painted.
     void PaintMessage();
     const MBitmap& Picture() const { return picture; }
-    const std::vector<MRectangle>& Shown() const { return shown; }
+    const std::vector<MRectangle>& Shown() const { return shownAreas; }
 
     // Tree and picture
     /// Of the picture.
@@ -179,7 +179,7 @@ private:
 
     MBitmap picture;
     DirtyRegion dirty;
-    std::vector<MRectangle> shown;
+    std::vector<MRectangle> shownAreas;
     MERWLock windowLock;
     MEvent<MOnWindowCloseParams> closed;
     std::vector<MWindowShortcut> shortcuts;
