@@ -234,6 +234,25 @@ std::string XcbConnection::Property(xcb_window_t window, xcb_atom_t property, xc
              static_cast<std::size_t>(functions.xcb_get_property_value_length(reply.get())) };
 }
 
+XcbConnection::PropertyData XcbConnection::TakeProperty(xcb_window_t window, xcb_atom_t property,
+                                                        std::uint32_t mostBytes)
+{
+    PropertyData data;
+    const auto reply = Await(functions.xcb_get_property_reply,
+                             functions.xcb_get_property(connection, 1, window, property,
+                                                        XCB_GET_PROPERTY_TYPE_ANY, 0, mostBytes / 4));
+    if (!reply || reply->type == XCB_NONE)
+        return data;
+    data.type = reply->type;
+    data.isWhole = reply->bytes_after == 0;
+    data.bytes.assign(static_cast<const char*>(functions.xcb_get_property_value(reply.get())),
+                      static_cast<std::size_t>(functions.xcb_get_property_value_length(reply.get())));
+    // What was cut is deleted only when all of it was read.
+    if (!data.isWhole)
+        functions.xcb_delete_property(connection, window, property);
+    return data;
+}
+
 std::vector<std::uint32_t> XcbConnection::Values(xcb_window_t window, xcb_atom_t property, xcb_atom_t type)
 {
     const std::string bytes = Property(window, property, type);

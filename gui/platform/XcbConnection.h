@@ -83,6 +83,8 @@ public:
     XcbEvent NextEvent();
     /// Of those that have come, without taking it; null where there is none.
     const xcb_generic_event_t* Peek(const std::function<bool(const xcb_generic_event_t&)>& matches) const;
+    /// The one that NextEvent gives, of those that were read; null for none.
+    const xcb_generic_event_t* Front() const { return events.empty() ? nullptr : events.front().get(); }
     bool HasEvents() const { return !events.empty(); }
     /// Reads what the server has sent, without waiting.
     void Read();
@@ -90,6 +92,14 @@ public:
     bool WaitFor(const std::function<bool(const xcb_generic_event_t&)>& take, std::int32_t milliseconds);
 
     // Properties
+    struct PropertyData
+    {
+        xcb_atom_t type = XCB_NONE;   ///< XCB_NONE: there is none
+        bool isWhole = false;   ///< not cut at `mostBytes`
+        std::string bytes;
+    };
+    /// Reads a property of any type and deletes it.
+    PropertyData TakeProperty(xcb_window_t window, xcb_atom_t property, std::uint32_t mostBytes);
     /// The bytes of a property; empty where there is none, or another type, or more than `mostBytes`.
     /// @param type  XCB_GET_PROPERTY_TYPE_ANY for every one
     std::string Property(xcb_window_t window, xcb_atom_t property, xcb_atom_t type,
