@@ -45,7 +45,8 @@ bool XcbEventDispatcher::DispatchToHelpers(const xcb_generic_event_t& event)
         UpdateDragCursor();
         return true;
     }
-    return session.dropTarget.Handle(event) || session.selections.Handle(event);
+    return session.dropTarget.Handle(event) || session.selections.Handle(event) ||
+           session.keyboard.Handle(event);
 }
 
 void XcbEventDispatcher::Dispatch(const xcb_generic_event_t& event)
@@ -99,15 +100,7 @@ void XcbEventDispatcher::OnExtensionEvent(const xcb_generic_event_t& event)
     {
         if (XcbWindow* window = session.windows.Find(As<xcb_shm_completion_event_t>(event).drawable))
             window->Image().Completed();
-        return;
     }
-    // A new layout is told several times over.
-    const auto isLayout = [this](const xcb_generic_event_t& other)
-    {
-        return session.keyboard.IsLayoutEvent(other);
-    };
-    if (isLayout(event) && display.Peek(isLayout) == nullptr)
-        session.keyboard.Reload();
 }
 
 void XcbEventDispatcher::Lose(xcb_window_t id)

@@ -51,7 +51,7 @@ XcbKeyboard::XcbKeyboard(XcbConnection& connection)
         device = display->xkb_x11_get_core_keyboard_device_id(display);
     if (device >= 0)
         SelectEvents();
-    Reload();
+    Load();
     LoadCompositions();
 }
 
@@ -70,8 +70,9 @@ void XcbKeyboard::SelectEvents()
                   display->xcb_xkb_per_client_flags(display, keyboard, repeat, repeat, 0, 0, 0));
 }
 
-void XcbKeyboard::Reload()
+void XcbKeyboard::Load()
 {
+    isOutdated = false;
     const BrokenPipeGuard guard;
     xkb_keymap* fresh = nullptr;
     if (device >= 0)
@@ -95,9 +96,12 @@ void XcbKeyboard::LoadCompositions()
         composition.reset(display->xkb_compose_state_new(table.get(), XKB_COMPOSE_STATE_NO_FLAGS));
 }
 
-bool XcbKeyboard::IsLayoutEvent(const xcb_generic_event_t& event) const
+bool XcbKeyboard::Handle(const xcb_generic_event_t& event)
 {
-    return firstEvent != 0 && (event.response_type & 0x7F) == firstEvent;
+    if (firstEvent == 0 || (event.response_type & 0x7F) != firstEvent)
+        return false;
+    isOutdated = true;
+    return true;
 }
 
 void XcbKeyboard::ForgetSequence()
@@ -109,7 +113,10 @@ void XcbKeyboard::ForgetSequence()
 // An event's state holds the eight core modifiers and in bits 13 and 14 the layout.
 void XcbKeyboard::Update(std::uint16_t state)
 {
-    display->xkb_state_update_mask(keys.get(), state & 0xFFu, 0, 0, 0, 0, (state >> 13) & 3u);
+    if (isOutdated)
+        Load();
+    if (keys)
+        display->xkb_state_update_mask(keys.get(), state & 0xFFu, 0, 0, 0, 0, (state >> 13) & 3u);
 }
 
 // By what stands on the key without modifiers: Ctrl+1 stays that where digits want Shift. A layout without
@@ -143,9 +150,9 @@ std::int32_t XcbKeyboard::KeyOf(xcb_keycode_t code) const
 
 XcbKeyboard::Meaning XcbKeyboard::Press(xcb_keycode_t code, std::uint16_t state)
 {
+    Update(state);
     if (!keys)
         return {};
-    Update(state);
     const xkb_keysym_t symbol = display->xkb_state_key_get_one_sym(keys.get(), code);
     if (composition &&
         display->xkb_compose_state_feed(composition.get(), symbol) == XKB_COMPOSE_FEED_ACCEPTED)
@@ -184,9 +191,9 @@ std::u32string XcbKeyboard::TextOf(xcb_keycode_t code, xkb_keysym_t symbol) cons
 
 std::int32_t XcbKeyboard::Release(xcb_keycode_t code, std::uint16_t state)
 {
+    Update(state);
     if (!keys)
         return 0;
-    Update(state);
     return KeyOf(code);
 }
 

@@ -25,9 +25,9 @@ public:
     std::int32_t Release(xcb_keycode_t code, std::uint16_t state);
     /// Begins anew with sequences, when the keyboard goes elsewhere.
     void ForgetSequence();
-    /// The user has chosen another layout.
-    void Reload();
-    bool IsLayoutEvent(const xcb_generic_event_t& event) const;
+    /// Of another layout, which is asked for with the next key: a change is told several times over.
+    /// True: the event was for this.
+    bool Handle(const xcb_generic_event_t& event);
 
     /// MModifier of an event's state.
     static std::uint8_t ModifiersOf(std::uint16_t state);
@@ -38,6 +38,7 @@ private:
     using Owned = std::unique_ptr<Object, void (*)(Object*)>;
 
     void SelectEvents();
+    void Load();
     void LoadCompositions();
     void Update(std::uint16_t state);
     std::int32_t KeyOf(xcb_keycode_t code) const;
@@ -51,4 +52,5 @@ private:
     Owned<xkb_compose_state> composition;
     std::uint8_t firstEvent = 0;
     std::int32_t device = -1;
+    bool isOutdated = false;
 };
