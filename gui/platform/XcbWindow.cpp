@@ -158,9 +158,11 @@ void XcbWindow::Hide()
                             reinterpret_cast<const char*>(&gone));
 }
 
+// With the time of the press that caused it, the server would prefer a host that answers the same press
+// without a time.
 void XcbWindow::Focus(xcb_window_t target)
 {
-    display->xcb_set_input_focus(display, XCB_INPUT_FOCUS_PARENT, target, display.Time());
+    display->xcb_set_input_focus(display, XCB_INPUT_FOCUS_PARENT, target, XCB_CURRENT_TIME);
 }
 
 void XcbWindow::TakeKeyboard()
