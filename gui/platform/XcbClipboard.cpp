@@ -11,6 +11,7 @@ XcbClipboard::XcbClipboard(XcbConnection& connection, XcbSelectionServer& server
 
 void XcbClipboard::SetText(const MString& text)
 {
+    isHandedOver = false;
     const auto bytes = std::make_shared<const std::string>(text.ToUTF8());
     std::vector<XcbSelectionServer::Form> forms;
     for (const XcbAtom atom : { XcbAtom::Utf8String, XcbAtom::TextPlainUtf8, XcbAtom::TextPlain })
@@ -56,8 +57,9 @@ bool XcbClipboard::Read(xcb_atom_t selection, xcb_atom_t target)
 void XcbClipboard::HandOver()
 {
     const xcb_atom_t manager = display.Atom(XcbAtom::ClipboardManager);
-    if (!selections.Owns(display.Atom(XcbAtom::Clipboard)))
+    if (isHandedOver || !selections.Owns(display.Atom(XcbAtom::Clipboard)))
         return;
+    isHandedOver = true;
     const auto owner = display.Await(display->xcb_get_selection_owner_reply,
                                      display->xcb_get_selection_owner(display, manager));
     if (!owner || owner->owner == XCB_NONE)

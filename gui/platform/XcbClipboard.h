@@ -17,7 +17,7 @@ public:
     /// second.
     MString GetText();
     /// Lets the desktop keep what was copied here, where it has a program for that: when the last window
-    /// closes nobody here answers any more.
+    /// closes nobody here answers any more. Once for each text.
     void HandOver();
 
 private:
@@ -30,4 +30,5 @@ private:
     XcbSelectionServer& selections;
     XcbSelectionReader reader;
     xcb_window_t window;
+    bool isHandedOver = false;
 };
