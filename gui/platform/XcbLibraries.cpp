@@ -11,24 +11,37 @@ void Require(bool isThere, const char* name)
     if (!isThere)
         throw MException(Format("Could not connect to the display. {0} is missing.", name));
 }
+
+// All functions of a library, each by its own name.
+class Binder
+{
+public:
+    /// @param file  null: it may be missing
+    Binder(const SharedLibrary& openedLibrary, const char* file)
+        : library(openedLibrary), isRequired(file != nullptr)
+    {
+        Require(!isRequired || library.IsOpen(), file);
+    }
+    template <typename Function>
+    void Bind(Function*& function, const char* name) const
+    {
+        function = library.Find<Function>(name);
+        Require(!isRequired || function != nullptr, name);
+    }
+
+private:
+    const SharedLibrary& library;
+    bool isRequired;
+};
 }   // namespace
 
 XcbLibraries::XcbLibraries()
 {
-#define TONALIGN_FIND(name) name = library.Find<decltype(::name)>(#name);
-#define TONALIGN_REQUIRE(name)                                                                               \
-    TONALIGN_FIND(name)                                                                                      \
-    Require(name != nullptr, #name);
+#define TONALIGN_BIND(name) binder.Bind(name, #name);
 #define TONALIGN_LIBRARY(member, file, functions)                                                            \
     {                                                                                                        \
-        const SharedLibrary& library = member;                                                               \
-        Require(library.IsOpen(), file);                                                                     \
-        functions(TONALIGN_REQUIRE)                                                                          \
-    }
-#define TONALIGN_OPTIONAL_LIBRARY(member, functions)                                                         \
-    {                                                                                                        \
-        const SharedLibrary& library = member;                                                               \
-        functions(TONALIGN_FIND)                                                                             \
+        const Binder binder(member, file);                                                                   \
+        functions(TONALIGN_BIND)                                                                             \
     }
     TONALIGN_LIBRARY(xcb, "libxcb.so.1", TONALIGN_XCB)
     TONALIGN_LIBRARY(shm, "libxcb-shm.so.0", TONALIGN_XCB_SHM)
@@ -36,12 +49,10 @@ XcbLibraries::XcbLibraries()
     TONALIGN_LIBRARY(xkb, "libxcb-xkb.so.1", TONALIGN_XCB_XKB)
     TONALIGN_LIBRARY(xkbcommon, "libxkbcommon.so.0", TONALIGN_XKBCOMMON)
     TONALIGN_LIBRARY(xkbcommonX11, "libxkbcommon-x11.so.0", TONALIGN_XKBCOMMON_X11)
-    TONALIGN_OPTIONAL_LIBRARY(cursor, TONALIGN_XCB_CURSOR)
-    TONALIGN_OPTIONAL_LIBRARY(render, TONALIGN_XCB_RENDER)
-#undef TONALIGN_OPTIONAL_LIBRARY
+    TONALIGN_LIBRARY(cursor, nullptr, TONALIGN_XCB_CURSOR)
+    TONALIGN_LIBRARY(render, nullptr, TONALIGN_XCB_RENDER)
 #undef TONALIGN_LIBRARY
-#undef TONALIGN_REQUIRE
-#undef TONALIGN_FIND
+#undef TONALIGN_BIND
 
     xcb_shm_id = shm.FindData<xcb_extension_t>("xcb_shm_id");
     xcb_randr_id = randr.FindData<xcb_extension_t>("xcb_randr_id");
