@@ -223,7 +223,7 @@ public:
     /// Premultiplied pixels of the pointer's picture, and its size.
     std::vector<std::uint32_t> CursorPixels(int& width)
     {
-        xcb_xfixes_query_version_reply(connection, xcb_xfixes_query_version(connection, 5, 0), nullptr);
+        Own(xcb_xfixes_query_version_reply(connection, xcb_xfixes_query_version(connection, 5, 0), nullptr));
         const auto reply = Own(
             xcb_xfixes_get_cursor_image_reply(connection, xcb_xfixes_get_cursor_image(connection), nullptr));
         width = reply->width;
