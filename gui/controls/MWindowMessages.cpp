@@ -243,7 +243,7 @@ std::uint8_t MWindow::GetResizeZone(std::int32_t x, std::int32_t y) const
 {
     if (resizeBorder <= 0 || !OwnRectangle().Contains(x, y))
         return 0;
-    const auto zone = [this](std::int32_t at, std::int32_t size, std::int32_t reach) -> std::uint8_t
+    const auto zone = [](std::int32_t at, std::int32_t size, std::int32_t reach) -> std::uint8_t
     {
         return at < reach ? 1 : at >= size - reach ? 2 : 0;
     };
