@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "gui/platform/SelectionText.h"
 #include "gui/platform/UriList.h"
 
 XcbDropTarget::XcbDropTarget(XcbConnection& connection, XcbWindowList& allWindows, xcb_window_t ownWindow)
@@ -40,10 +41,10 @@ bool XcbDropTarget::TakeMessage(const xcb_client_message_event_t& message)
     return true;
 }
 
-xcb_atom_t XcbDropTarget::Choose(const std::vector<std::uint32_t>& offered) const
+xcb_atom_t XcbDropTarget::FirstOf(std::initializer_list<XcbAtom> wanted,
+                                  const std::vector<std::uint32_t>& offered) const
 {
-    for (const XcbAtom atom :
-         { XcbAtom::TextUriList, XcbAtom::Utf8String, XcbAtom::TextPlainUtf8, XcbAtom::TextPlain })
+    for (const XcbAtom atom : wanted)
         if (std::find(offered.begin(), offered.end(), display.Atom(atom)) != offered.end())
             return display.Atom(atom);
     return XCB_NONE;
@@ -61,8 +62,31 @@ void XcbDropTarget::Enter(const xcb_client_message_event_t& message)
     source = data[0];
     target = message.window;
     const bool hasList = (data[1] & 1) != 0;
-    type = Choose(hasList ? display.Values(source, display.Atom(XcbAtom::XdndTypeList), XCB_ATOM_ATOM)
-                          : std::vector<std::uint32_t>{ data[2], data[3], data[4] });
+    const std::vector<std::uint32_t> offered =
+        hasList ? display.Values(source, display.Atom(XcbAtom::XdndTypeList), XCB_ATOM_ATOM)
+                : std::vector<std::uint32_t>{ data[2], data[3], data[4] };
+    fileType = FirstOf({ XcbAtom::TextUriList }, offered);
+    textType = FirstOf({ XcbAtom::Utf8String, XcbAtom::TextPlainUtf8, XcbAtom::TextPlain }, offered);
+}
+
+// Paths as a text, as terminals drag them, are the last choice.
+bool XcbDropTarget::Accept(const MWindow& root)
+{
+    using Dragged = MWindow::Dragged;
+    struct Way
+    {
+        xcb_atom_t type;
+        Dragged kind;
+    };
+    for (const Way& way :
+         { Way{ fileType, Dragged::Files }, Way{ textType, Dragged::Text }, Way{ textType, Dragged::Files } })
+        if (way.type != XCB_NONE && root.CanDropAt(place.x, place.y, way.kind))
+        {
+            type = way.type;
+            kind = way.kind;
+            return true;
+        }
+    return false;
 }
 
 void XcbDropTarget::Over(const xcb_client_message_event_t& message)
@@ -76,9 +100,9 @@ void XcbDropTarget::Over(const xcb_client_message_event_t& message)
               static_cast<std::int16_t>(packed & 0xFFFF) - corner.top };
     display.NoteTime(message.data.data32[3]);
     MWindow& root = window->Root();
-    accepted = type != XCB_NONE && root.CanDropAt(place.x, place.y);
+    accepted = Accept(root);
     Answer(accepted);
-    root.DragMessage(place.x, place.y, accepted);
+    root.DragMessage(place.x, place.y, accepted, kind);
 }
 
 // An empty rectangle: every move is to be told.
@@ -104,7 +128,7 @@ void XcbDropTarget::Drop(const xcb_client_message_event_t& message)
 {
     if (message.data.data32[0] != source || source == XCB_NONE)
         return;
-    if (!accepted || type == XCB_NONE)
+    if (!accepted)
     {
         Refuse();
         Leave();
@@ -121,12 +145,12 @@ void XcbDropTarget::Refuse()
 
 void XcbDropTarget::Finish()
 {
-    std::vector<MString> files;
-    if (reader.Now() == XcbSelectionReader::State::Done)
-        files = FilesOfUriList(reader.Bytes());
-    reader.Cancel();
+    const std::string bytes =
+        reader.Now() == XcbSelectionReader::State::Done ? reader.Bytes() : std::string();
     XcbWindow* window = windows.Find(target);
-    if (files.empty() || window == nullptr)
+    const bool isOfUse = !bytes.empty() && window != nullptr &&
+                         (kind == MWindow::Dragged::Text || !FilesOfUriList(bytes).empty());
+    if (!isOfUse)
     {
         Refuse();
         Leave();
@@ -135,9 +159,17 @@ void XcbDropTarget::Finish()
     display.SendMessage(source, source, display.Atom(XcbAtom::XdndFinished),
                         { target, 1, display.Atom(XcbAtom::XdndActionCopy) });
     display.Flush();
-    const MPoint dropped = place;
+    const MPoint at = place;
     Forget();
-    window->Root().DropMessage(files, dropped.x, dropped.y);
+    Deliver(window->Root(), bytes, at);
+}
+
+void XcbDropTarget::Deliver(MWindow& root, const std::string& bytes, MPoint at) const
+{
+    if (kind == MWindow::Dragged::Files)
+        root.DropMessage(FilesOfUriList(bytes), at.x, at.y);
+    else
+        root.DropTextMessage(TextOfUTF8Selection(bytes), at.x, at.y);
 }
 
 void XcbDropTarget::Forget()
@@ -145,6 +177,7 @@ void XcbDropTarget::Forget()
     reader.Cancel();
     source = XCB_NONE;
     target = XCB_NONE;
-    type = XCB_NONE;
+    fileType = XCB_NONE;
+    textType = XCB_NONE;
     accepted = false;
 }

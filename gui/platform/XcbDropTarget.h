@@ -4,8 +4,8 @@
 #include "gui/platform/XcbSelectionReader.h"
 #include "gui/platform/XcbWindowList.h"
 
-/// Files that another program's user drags over our windows and drops there. All steps answer to what
-/// comes; nothing waits, for the other program may run on this very thread. Source: Xdnd 5. Thread: GUI.
+/// Files or a text that another program's user drags over our windows and drops there. All steps answer to
+/// what comes; nothing waits, for the other program may run on this very thread. Source: Xdnd 5. Thread: GUI.
 class XcbDropTarget
 {
 public:
@@ -24,14 +24,20 @@ private:
     void Answer(bool accepts);
     void Refuse();
     void Forget();
-    xcb_atom_t Choose(const std::vector<std::uint32_t>& offered) const;
+    xcb_atom_t FirstOf(std::initializer_list<XcbAtom> wanted,
+                       const std::vector<std::uint32_t>& offered) const;
+    bool Accept(const MWindow& root);
+    void Deliver(MWindow& root, const std::string& bytes, MPoint at) const;
 
     XcbConnection& display;
     XcbWindowList& windows;
     XcbSelectionReader reader;
     xcb_window_t source = XCB_NONE;
     xcb_window_t target = XCB_NONE;
-    xcb_atom_t type = XCB_NONE;   // that we can read; XCB_NONE: none
+    xcb_atom_t fileType = XCB_NONE;   // of what is offered; XCB_NONE: none that we can read
+    xcb_atom_t textType = XCB_NONE;
+    xcb_atom_t type = XCB_NONE;   // the one of them that is wanted at the place
+    MWindow::Dragged kind = MWindow::Dragged::Files;
     MPoint place;   // in the target
     std::uint32_t version = 0;
     bool accepted = false;

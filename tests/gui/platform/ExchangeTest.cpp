@@ -437,6 +437,20 @@ TEST_F(Exchange, TakesAHundredDroppedFilesWithEveryByteOfTheirNames)
     EXPECT_TRUE(Over(150, 170));
     EXPECT_FALSE(Drop(owner));
 
+    // A field takes the words, and leaves files alone.
+    window->pad.acceptsFiles = false;
+    window->pad.acceptsText = true;
+    log.clear();
+    Enter({ "text/uri-list", "UTF8_STRING" });
+    EXPECT_TRUE(Over(150, 170));
+    EXPECT_TRUE(Drop(owner));
+    Settle();
+    EXPECT_THAT(Taken(), ElementsAre("over", "away", "text just words"));
+    Enter({ "text/uri-list" });
+    EXPECT_FALSE(Over(150, 170));
+    window->pad.acceptsText = false;
+    window->pad.acceptsFiles = true;
+
     // Nothing to read it with, nobody who wants it, too old, gone again.
     Enter({ "image/png" });
     EXPECT_FALSE(Over(150, 170));

@@ -63,6 +63,11 @@ public:
         dropped = files;
         return true;
     }
+    bool OnDropText(const MString& text, std::int32_t, std::int32_t) override
+    {
+        log.push_back("text " + text.ToUTF8());
+        return true;
+    }
     void OnDragOver(bool isOver) override { log.emplace_back(isOver ? "over" : "away"); }
     void Paint(MDrawer& drawer) override
     {
