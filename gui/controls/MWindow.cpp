@@ -199,6 +199,9 @@ void MWindow::SetFocusOwner(MControl* control)
         before->Invalidate();
         before->SendEvent(event);
     }
+    // Nobody needs keys any more: they are the host's again.
+    if (control == nullptr && focusOwner == nullptr && open)
+        Platform()->ReturnKeyboard(*this);
     // Losing it, the other may have handed it on.
     if (control != nullptr && focusOwner == control)
     {

@@ -88,9 +88,15 @@ public:
     void CloseMessage();
     /// The platform's window is gone.
     void LostMessage();
-    void DragMessage(std::int32_t x, std::int32_t y, bool isOver);
-    bool CanDropAt(std::int32_t x, std::int32_t y) const;
+    enum class Dragged : std::uint8_t
+    {
+        Files,
+        Text
+    };
+    void DragMessage(std::int32_t x, std::int32_t y, bool isOver, Dragged what = Dragged::Files);
+    bool CanDropAt(std::int32_t x, std::int32_t y, Dragged what = Dragged::Files) const;
     bool DropMessage(const std::vector<MString>& files, std::int32_t x, std::int32_t y);
+    bool DropTextMessage(const MString& text, std::int32_t x, std::int32_t y);
     /// Paints what is invalid; what has to be shown of Picture() then stands in Shown(). An exception of a
     /// control is logged; the rest is painted.
     void PaintMessage();
@@ -174,7 +180,7 @@ private:
     void PaintTree(MControl& control, const MRectangle& area);
     void PaintOne(MControl& control, const MRectangle& area, void (MControl::*paint)(MDrawer&));
     MControl& CoveringControl(const MRectangle& area);
-    MControl* DropTargetAt(std::int32_t x, std::int32_t y) const;
+    MControl* DropTargetAt(std::int32_t x, std::int32_t y, Dragged what) const;
     MPoint FirstPlace(MWindow* owner);
 
     MBitmap picture;
