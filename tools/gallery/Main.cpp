@@ -9,7 +9,9 @@
 #include "gui/controls/MWindows.h"
 #include "gui/painting/ImageFiles.h"
 #include "gui/platform/HeadlessWindowSystem.h"
+#include "gui/platform/XcbWindowSystem.h"
 #include "tools/gallery/Gallery.h"
+#include "tools/gallery/GalleryWindow.h"
 
 namespace
 {
@@ -17,6 +19,7 @@ struct Options
 {
     std::string folder = GALLERY_PAGES;
     std::string pictures;
+    std::string page = "parts";
     std::vector<std::string> looks{ "light", "dark" };
     std::vector<int> scales{ 100 };
 };
@@ -48,6 +51,23 @@ void WritePictures(const Gallery& gallery, const Options& options)
                 write(name, *window);
         }
 }
+/// Until the window is closed.
+void RunWindow(const Gallery& gallery, const Options& options)
+{
+    MWindows windows(std::make_unique<XcbWindowSystem>());
+    windows.Platform().Initialize();
+    GalleryWindow window(gallery);
+    std::int32_t page = 0;
+    for (std::size_t i = 0; i < gallery.Pages().size(); ++i)
+        if (gallery.Pages()[i].name == options.page)
+            page = static_cast<std::int32_t>(i);
+    window.Show(page, options.looks.front(), options.scales.front());
+    window.movesToScreenCentre = true;
+    window.Open(MWindowSystem::Kind::Normal);
+    while (window.IsOpen() && windows.Platform().WaitForMessages(-1))
+    {
+    }
+}
 }   // namespace
 
 int main(int argc, char** argv)
@@ -58,11 +78,15 @@ int main(int argc, char** argv)
     program.add_option("--png", options.pictures, "write each page as a picture into this folder");
     program.add_option("--style", options.looks, "light, dark")->check(CLI::IsMember({ "light", "dark" }));
     program.add_option("--scale", options.scales, "percent, 100 to 300")->check(CLI::Range(100, 300));
+    program.add_option("--page", options.page, "that the window begins with");
     CLI11_PARSE(program, argc, argv);
     try
     {
         const Gallery gallery(options.folder);
-        WritePictures(gallery, options);
+        if (options.pictures.empty())
+            RunWindow(gallery, options);
+        else
+            WritePictures(gallery, options);
     }
     catch (const MException& failure)
     {
