@@ -302,6 +302,10 @@ TEST_F(Exchange, HandsOutWhatWasCopiedHereInEveryFormAndInPieces)
                 reader.pieceCount = 0;
                 EXPECT_TRUE(read(selection, target) == text) << selection << " " << target;
                 EXPECT_EQ(reader.pieceCount > 2, text.size() > 1000);
+                Settle();
+                xcb_atom_t type = XCB_NONE;
+                user->Property(otherWindow, user->Atom("MINE"), false, &type);
+                EXPECT_EQ(type, xcb_atom_t{ XCB_NONE }) << "the end is told once";
             }
     }
     system->SetClipboardText(MString::FromUTF8("ä€"));

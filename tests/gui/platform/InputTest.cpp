@@ -133,6 +133,29 @@ TEST_F(Input, OfManyMovesOnlyTheLastIsToldAndNoneIsLostBetweenPresses)
                                      "left up 51,10"));
 }
 
+TEST_F(Input, ACaptureWithoutAButtonBringsTheMouseFromEverywhereUntilItEnds)
+{
+    auto window = OpenWindow(MRectangle::OfSize(100, 100, 200, 150));
+    user->MakeWindow(MRectangle::OfSize(500, 100, 200, 150), XCB_EVENT_MASK_BUTTON_PRESS);
+    window->SetCaptureOwner(&window->pad);
+    user->MoveTo(600, 150);
+    Settle();
+    EXPECT_THAT(Taken(), Contains("move 500,50"));
+    window->SetCaptureOwner(nullptr);
+    Settle();
+    log.clear();
+    user->Click(605, 155);
+    Settle();
+    EXPECT_THAT(Taken(), Not(Contains(StartsWith("move"))));
+    EXPECT_NE(user->Take<xcb_button_press_event_t>(XCB_BUTTON_PRESS), nullptr);
+    // A window that goes takes its capture with it.
+    window->SetCaptureOwner(&window->pad);
+    window.reset();
+    user->Click(605, 155);
+    Settle();
+    EXPECT_NE(user->Take<xcb_button_press_event_t>(XCB_BUTTON_PRESS), nullptr);
+}
+
 TEST_F(Input, KeysAreKnownByTheirPlaceAndWriteWhatTheLayoutSays)
 {
     UseLayout("-layout us -variant intl");

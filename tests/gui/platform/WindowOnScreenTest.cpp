@@ -314,6 +314,9 @@ TEST_F(OnScreen, OutlivesTheServer)
     auto window = OpenWindow(At(0, 0, 300, 200));
     auto popUp = OpenWindow(At(10, 10, 50, 50), MWindowSystem::Kind::PopUp, window.get());
     bool wasTold = false;
+    // More has come than is read at once, so that the end shows only when something is sent.
+    for (int i = 0; i < 1000; ++i)
+        user->MoveTo(5 + i % 200, 5);
     server->Kill();
     // What is asked for before anybody knows brings nothing, and doesn't end the process either.
     for (int i = 0; i < 2000; ++i)
@@ -361,6 +364,29 @@ TEST_F(OnScreen, WakesForOtherThreadsAndTimersAndReturnsFromAStormOfThem)
     EXPECT_TRUE(system->WaitForMessages(-1));
     other.join();
     EXPECT_EQ(poll(&readable, 1, 30), 0) << "handled";
+
+    // An event that came with the answer to a question isn't forgotten.
+    user->MoveTo(50, 60);
+    EXPECT_EQ(system->GetCursorScreen(), (MPoint{ 50, 60 }));
+    EXPECT_EQ(poll(&readable, 1, 1000), 1);
+    system->ProcessPendingMessages();
+    EXPECT_THAT(Taken(), ::testing::Contains("move 50,60"));
+    // What didn't fit into one call stays to be told.
+    Settle();
+    for (int i = 0; i < 1200; ++i)
+    {
+        user->Button(4, true);
+        user->Button(4, false);
+    }
+    log.clear();
+    for (int calls = 0; calls < 10 && poll(&readable, 1, 30) == 1; ++calls)
+    {
+        const std::size_t before = log.size();
+        system->ProcessPendingMessages();
+        EXPECT_LE(log.size() - before, 1024U);
+    }
+    EXPECT_EQ(Taken().size(), 1200U);
+    EXPECT_EQ(poll(&readable, 1, 30), 0);
 
     // The descriptor alone tells that a timer is due.
     window->SetTimer(window->pad, 20);

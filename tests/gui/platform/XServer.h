@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -62,6 +63,8 @@ private:
         for (std::string& word : words)
             arguments.push_back(word.data());
         arguments.push_back(nullptr);
+        // It ends with the tests, however they end.
+        prctl(PR_SET_PDEATHSIG, SIGKILL);
         // Its warnings about fonts and keys are of no use to anybody.
         if (std::freopen("/dev/null", "w", stderr) != nullptr)
             execvp(arguments[0], arguments.data());
