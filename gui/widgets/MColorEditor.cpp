@@ -6,7 +6,7 @@
 #include <cmath>
 
 #include "gui/controls/XmlAttributes.h"
-#include "gui/widgets/MEdit.h"
+#include "gui/fields/MEdit.h"
 
 namespace
 {

@@ -2,7 +2,7 @@
 #include "gui/widgets/MComboEdit.h"
 
 #include "gui/controls/XmlAttributes.h"
-#include "gui/widgets/WidgetText.h"
+#include "gui/fields/WidgetText.h"
 #include "state/tree/MAttribute.h"
 
 namespace

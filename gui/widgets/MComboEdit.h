@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "gui/widgets/MEdit.h"
+#include "gui/fields/MEdit.h"
 #include "gui/widgets/MPopupMenu.h"
 
 /// A field whose text can also be chosen from a menu.

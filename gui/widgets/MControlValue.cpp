@@ -9,8 +9,8 @@
 #include "gui/controls/MWindow.h"
 #include "gui/controls/MWindows.h"
 #include "gui/controls/XmlAttributes.h"
+#include "gui/fields/MEdit.h"
 #include "gui/loader/MXmlLoader.h"
-#include "gui/widgets/MEdit.h"
 
 namespace
 {

@@ -7,7 +7,7 @@
 #include "gui/controls/MWindow.h"
 #include "gui/controls/MWindows.h"
 #include "gui/controls/XmlAttributes.h"
-#include "gui/widgets/WidgetText.h"
+#include "gui/fields/WidgetText.h"
 #include "state/tree/MAttribute.h"
 
 namespace

@@ -5,7 +5,7 @@
 
 #include "foundation/containers/MEvent.h"
 #include "gui/controls/MControl.h"
-#include "gui/widgets/MScrollBar.h"
+#include "gui/fields/MScrollBar.h"
 
 /// A line of a list.
 struct MListItem

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "gui/controls/XmlAttributes.h"
-#include "gui/widgets/WidgetText.h"
+#include "gui/fields/WidgetText.h"
 #include "state/tree/MAttribute.h"
 
 namespace

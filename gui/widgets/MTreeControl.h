@@ -4,7 +4,7 @@
 #include "foundation/containers/MCallback.h"
 #include "foundation/containers/MEvent.h"
 #include "gui/controls/MControl.h"
-#include "gui/widgets/MScrollBar.h"
+#include "gui/fields/MScrollBar.h"
 #include "gui/widgets/MTreeItem.h"
 
 /// Lines in lines, which open and close. One is chosen.

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "gui/widgets/MScrollBar.h"
+#include "gui/fields/MScrollBar.h"
 #include "gui/widgets/MStaticMultiLine.h"
 #include "gui/windows/MDialog.h"
 

@@ -3,7 +3,7 @@
 
 #include <functional>
 
-#include "gui/widgets/MEdit.h"
+#include "gui/fields/MEdit.h"
 #include "gui/widgets/MStatic.h"
 #include "gui/windows/MDialog.h"
 

@@ -6,10 +6,10 @@
 #include <gtest/gtest.h>
 
 #include "control/values/MValueEnum.h"
+#include "gui/fields/MMultiLineEdit.h"
 #include "gui/widgets/MColorEditor.h"
 #include "gui/widgets/MComboEdit.h"
 #include "gui/widgets/MMenuBar.h"
-#include "gui/widgets/MMultiLineEdit.h"
 #include "gui/widgets/MTreeControl.h"
 #include "gui/widgets/MValueButton.h"
 #include "gui/widgets/MVector2DEditor.h"

@@ -8,10 +8,10 @@
 #include <gtest/gtest.h>
 
 #include "gui/controls/MWindows.h"
+#include "gui/fields/MEdit.h"
 #include "gui/platform/XcbWindowSystem.h"
 #include "gui/widgets/MButton.h"
 #include "gui/widgets/MCheckBox.h"
-#include "gui/widgets/MEdit.h"
 #include "gui/widgets/MKnob.h"
 #include "gui/widgets/MListBox.h"
 #include "gui/widgets/MSplitter.h"

@@ -4,7 +4,7 @@
 #include "foundation/containers/MCallback.h"
 #include "foundation/containers/MEvent.h"
 #include "gui/controls/MControl.h"
-#include "gui/widgets/EditModel.h"
+#include "gui/fields/EditModel.h"
 
 class MCharFilter;
 

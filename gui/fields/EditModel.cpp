@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "gui/widgets/EditModel.h"
+#include "gui/fields/EditModel.h"
 
 #include <algorithm>
 #include <utility>

@@ -3,8 +3,8 @@
 
 #include "foundation/containers/MCallback.h"
 #include "gui/controls/MControl.h"
-#include "gui/widgets/EditModel.h"
-#include "gui/widgets/MScrollBar.h"
+#include "gui/fields/EditModel.h"
+#include "gui/fields/MScrollBar.h"
 
 /// A field with lines of text. Lines aren't wrapped; what doesn't fit is scrolled to.
 class MMultiLineEdit : public MControl

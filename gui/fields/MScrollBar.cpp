@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "gui/widgets/MScrollBar.h"
+#include "gui/fields/MScrollBar.h"
 
 #include <algorithm>
 

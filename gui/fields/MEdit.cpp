@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "gui/widgets/MEdit.h"
+#include "gui/fields/MEdit.h"
 
 #include <algorithm>
 #include <cmath>
@@ -8,7 +8,7 @@
 #include "gui/controls/MWindow.h"
 #include "gui/controls/MWindows.h"
 #include "gui/controls/XmlAttributes.h"
-#include "gui/widgets/WidgetText.h"
+#include "gui/fields/WidgetText.h"
 
 namespace
 {

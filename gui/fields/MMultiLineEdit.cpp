@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "gui/widgets/MMultiLineEdit.h"
+#include "gui/fields/MMultiLineEdit.h"
 
 #include <algorithm>
 #include <cmath>
@@ -7,7 +7,7 @@
 #include "gui/controls/MWindow.h"
 #include "gui/controls/MWindows.h"
 #include "gui/controls/XmlAttributes.h"
-#include "gui/widgets/WidgetText.h"
+#include "gui/fields/WidgetText.h"
 
 namespace
 {
