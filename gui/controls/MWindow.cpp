@@ -54,6 +54,7 @@ void MWindow::AttachToParent(MWindowSystem::Handle hostWindow)
         return;
     Platform()->Initialize();
     Start(MWindowSystem::Kind::Child, nullptr, hostWindow);
+    attached = true;
     Platform()->Show(*this);
 }
 
@@ -121,6 +122,7 @@ void MWindow::Close()
         freed->blocker = nullptr;
     ownerWindow = nullptr;
     modal = false;
+    attached = false;
     windows.Platform().DestroyWindow(*this);
     windows.Remove(*this);
     if (freed != nullptr && freed->open)
@@ -212,6 +214,12 @@ void MWindow::SetFocusOwner(MControl* control)
         if (open)
             Platform()->TakeKeyboard(*this);
     }
+}
+
+void MWindow::ReturnKeyboard()
+{
+    if (open && attached)
+        Platform()->ReturnKeyboard(*this);
 }
 
 void MWindow::MoveFocus(bool forward)

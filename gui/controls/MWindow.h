@@ -64,6 +64,8 @@ public:
     /// To the next control that takes the keyboard, or the one before.
     void MoveFocus(bool forward);
     bool ShowsFocusRing() const { return showsFocusRing; }
+    /// In a host's window: gives the keyboard back to it, as after something was typed.
+    void ReturnKeyboard();
     MControl* CaptureOwner() const { return captureOwner; }
     /// Null lets the mouse go.
     void SetCaptureOwner(MControl* control);
@@ -207,5 +209,6 @@ private:
     bool dragging = false;
     bool modal = false;
     bool open = false;
+    bool attached = false;   // to a host's window
     bool showsFocusRing = false;
 };

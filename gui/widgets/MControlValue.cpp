@@ -247,6 +247,7 @@ bool MControlValue::BeginTyping()
     if (value == nullptr || field != nullptr || area.IsEmpty())
         return false;
     EndGesture();
+    typingByKey = Window() != nullptr && Window()->ShowsFocusRing();
     field = &Make<MEdit>();
     field->overlay = true;
     field->font = ValueFont();
@@ -276,6 +277,8 @@ void MControlValue::EndTyping(bool takes)
         windows->DeleteLater(RemoveChild(*done));
     if (hadFocus)
         SetFocus();
+    if (hadFocus && !typingByKey && Window() != nullptr)
+        Window()->ReturnKeyboard();
     if (!takes || value == nullptr || text == ValueText())
         return;
     BeginGesture();

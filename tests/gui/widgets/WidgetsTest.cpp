@@ -189,6 +189,32 @@ TEST_F(Widgets, ValuesAreTypedAndRefusedTextChangesNothing)
     EXPECT_TRUE(other.HasFocus());
 }
 
+TEST_F(Widgets, InAHostsWindowGiveTheKeyboardBackAfterTyping)
+{
+    window->Close();
+    window->AttachToParent(4711);
+    MRelaxed<double> bound{ 0.5 };
+    MValuePercents value(&bound, 0, 1, 0.25);
+    auto& knob = Add<MKnob>(MRectangle::OfSize(10, 10, 60, 90));
+    knob.SetValue(&value);
+    window->Relayout();
+    screen->DoubleClick(*window, 40, 50);
+    EXPECT_TRUE(screen->HasKeyboard(*window));
+    screen->Type(*window, "12");
+    Key(MKey::Enter);
+    EXPECT_NEAR(bound.Get(), 0.12, 1e-12);
+    EXPECT_FALSE(screen->HasKeyboard(*window)) << "begun by the mouse";
+    screen->Click(*window, 40, 50);
+    Key(MKey::Up);
+    Key(MKey::Enter);
+    screen->Type(*window, "34");
+    Key(MKey::Enter);
+    EXPECT_NEAR(bound.Get(), 0.34, 1e-12);
+    EXPECT_TRUE(screen->HasKeyboard(*window)) << "begun by a key";
+    window->Detach();
+    EXPECT_EQ(screen->WindowCount(), 0);
+}
+
 TEST_F(Widgets, SlidersFollowThePointerAndJumpToIt)
 {
     MRelaxed<double> bound{ 0 };
