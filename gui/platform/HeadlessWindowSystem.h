@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <atomic>
 #include <functional>
 #include <map>
 #include <queue>
@@ -125,7 +126,7 @@ private:
     std::uint64_t time = 1000;
     Handle lastHandle = 0;
     std::int64_t paintedPixels = 0;
-    std::int32_t wakeUps = 0;
+    std::atomic<std::int32_t> wakeUps{ 0 };
     std::uint8_t modifiers = 0;
     std::uint8_t buttons = 0;
 };
