@@ -134,6 +134,18 @@ TEST_F(Guest, HasTheKeyboardOnlyBetweenTakingAndReturningIt)
     user->Type({ KeyA });
     Settle();
     EXPECT_THAT(HostKeys(), ElementsAre(KeyA));
+
+    // Somebody here would like it, but the user has gone back to the host.
+    guest->SetFocusOwner(&guest->pad);
+    ASSERT_TRUE(Until([&] { return system->HasKeyboard(*guest); }));
+    user->Focus(hostTop);
+    guest->pad.takesKeys = true;
+    Settle();
+    log.clear();
+    user->Type({ KeyA });
+    Settle();
+    EXPECT_THAT(Taken(), IsEmpty());
+    EXPECT_THAT(HostKeys(), ElementsAre(KeyA));
 }
 
 TEST_F(Guest, AsksAnEmbedderForTheKeyboard)

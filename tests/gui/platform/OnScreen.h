@@ -74,7 +74,7 @@ public:
         ++paintCount;
         drawer.FillRectangle(OwnRectangle(), color);
     }
-    void OnPlaced() override { ++placedCount; }
+    void OnPlaced() override { widths.push_back(Width()); }
 
     std::vector<std::string>& log;
     std::vector<MString> dropped;
@@ -83,7 +83,7 @@ public:
     MColor color{ 20, 120, 220 };
     int timerCount = 0;
     int paintCount = 0;
-    int placedCount = 0;
+    std::vector<std::int32_t> widths;   // one for each layout
     bool takesKeys = true;
 };
 

@@ -42,6 +42,8 @@ public:
 
     bool IsRunning() const { return process > 0 && !display.empty(); }
     const std::string& Display() const { return display; }
+    /// It holds its breath, or goes on.
+    void Pause(bool holds) const { kill(process, holds ? SIGSTOP : SIGCONT); }
     void Kill()
     {
         if (process > 0)
