@@ -21,6 +21,7 @@ MEdit::MEdit()
     font = MStdFont::Value;
     cursor = MStdCursor::Text;
     tabStop = true;
+    acceptsText = true;
 }
 
 void MEdit::Realize()
@@ -336,7 +337,21 @@ void MEdit::Paste()
     MWindows* windows = MWindows::Get();
     if (windows == nullptr || readOnly)
         return;
-    const MString text = windows->Platform().GetClipboardText();
+    InsertText(windows->Platform().GetClipboardText());
+}
+
+bool MEdit::OnDropText(const MString& text, std::int32_t x, std::int32_t)
+{
+    if (readOnly || Style() == nullptr)
+        return false;
+    SetFocus();
+    model.MoveTo(PlaceAt(x), false);
+    InsertText(text);
+    return true;
+}
+
+void MEdit::InsertText(const MString& text)
+{
     std::u16string characters;
     for (int i = 0; i < text.Length(); ++i)
         // A text of many lines becomes one.

@@ -32,6 +32,8 @@ public:
     void LoadXml(const MAttribute& node) override;
     void Paint(MDrawer& drawer) override;
     bool OnEvent(const MControlEvent& event) override;
+    /// Goes in where it was let go.
+    bool OnDropText(const MString& text, std::int32_t x, std::int32_t y) override;
 
     MPlacement alignment = MPlacement::Begin;
     bool readOnly = false;
@@ -54,6 +56,7 @@ private:
     void OnFocus(bool focused);
     void Copy(bool cuts);
     void Paste();
+    void InsertText(const MString& text);
     void Insert(std::u16string_view piece, bool typed);
     void Edited();
     void ShowCaret();

@@ -20,6 +20,7 @@ MMultiLineEdit::MMultiLineEdit()
     controlType = MControlType::Edit;
     cursor = MStdCursor::Text;
     tabStop = true;
+    acceptsText = true;
     bar = &Make<MScrollBar>();
     bar->overlay = true;
     bar->cursor = MStdCursor::Arrow;
@@ -351,7 +352,21 @@ void MMultiLineEdit::Paste()
     MWindows* windows = MWindows::Get();
     if (windows == nullptr || readOnly)
         return;
-    const MString text = windows->Platform().GetClipboardText();
+    InsertText(windows->Platform().GetClipboardText());
+}
+
+bool MMultiLineEdit::OnDropText(const MString& text, std::int32_t x, std::int32_t y)
+{
+    if (readOnly || Style() == nullptr)
+        return false;
+    SetFocus();
+    model.MoveTo(PlaceAt(x, y), false);
+    InsertText(text);
+    return true;
+}
+
+void MMultiLineEdit::InsertText(const MString& text)
+{
     std::u16string characters;
     for (int i = 0; i < text.Length(); ++i)
         if (text[i] == '\n' || (text[i] >= 0x20 && text[i] != 0x7F))

@@ -20,6 +20,8 @@ public:
     void LoadXml(const MAttribute& node) override;
     void Paint(MDrawer& drawer) override;
     bool OnEvent(const MControlEvent& event) override;
+    /// Goes in where it was let go.
+    bool OnDropText(const MString& text, std::int32_t x, std::int32_t y) override;
 
     bool readOnly = false;
     std::int32_t minimalLines = 3;
@@ -49,6 +51,7 @@ private:
     void Insert(std::u16string_view piece, bool typed);
     void Copy(bool cuts);
     void Paste();
+    void InsertText(const MString& text);
     void Edited();
     void Moved();
     void ShowCaret();

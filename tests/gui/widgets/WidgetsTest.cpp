@@ -459,7 +459,11 @@ TEST_F(Widgets, EditsUndoFilterAndTell)
     edit.SetText("");
     screen->Type(*window, "1a2b3");
     EXPECT_EQ(edit.Text(), "123");
+    EXPECT_TRUE(window->DropTextMessage("x9", 12, 20));
+    EXPECT_EQ(edit.Text(), "9123") << "where it was let go, as far as it fits";
+    edit.SetText("123");
     edit.readOnly = true;
+    EXPECT_FALSE(window->DropTextMessage("9", 12, 20));
     screen->Type(*window, "4");
     Key(MKey::Backspace);
     EXPECT_EQ(edit.Text(), "123");
