@@ -138,8 +138,9 @@ void CoverColumn(const CoveredColumn& column, const Layer* layers)
     {
         std::uint32_t value = *pixel;
         for (std::size_t layer = 0; layer < Count; ++layer)
-            value = Pixels::Alphablended(value, layers[layer].color,
-                                         Pixels::Share(layers[layer].alpha, coverage[layer]));
+            if (coverage[layer] != 0)
+                value = Pixels::Alphablended(value, layers[layer].color,
+                                             Pixels::Share(layers[layer].alpha, coverage[layer]));
         *pixel = value;
     }
 }
