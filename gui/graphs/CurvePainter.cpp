@@ -6,9 +6,24 @@
 
 namespace
 {
+// A border that bends less, in pixels, is taken as straight.
+constexpr float LeastBend = 1.0f / 32;
+
+// By how much pieces of a border overlap, in phases: more than rounding takes away.
+constexpr float Overlap = 1.0f / 64;
+
 // Farther than any screen, and still exact to a hundredth of a pixel in single precision.
 constexpr double FarthestPixel = 30000;
 
+// Comparisons that processors have an instruction for.
+constexpr float Smaller(float a, float b)
+{
+    return a < b ? a : b;
+}
+constexpr float Larger(float a, float b)
+{
+    return a > b ? a : b;
+}
 float Sound(double height)
 {
     return static_cast<float>(std::isfinite(height) ? std::clamp(height, -FarthestPixel, FarthestPixel) : 0);
@@ -16,18 +31,25 @@ float Sound(double height)
 
 std::int32_t RowOf(float height)
 {
-    return static_cast<std::int32_t>(std::floor(height));
+    const auto towardsZero = static_cast<std::int32_t>(height);   // heights are Sound
+    return towardsZero - (static_cast<float>(towardsZero) > height ? 1 : 0);
 }
 
 /// The integral of clamp(z, 0, 1) up to z.
 float RampArea(float z)
 {
-    const float part = std::clamp(z, 0.0f, 1.0f);
-    return 0.5f * part * part + std::max(z - 1, 0.0f);
+    const float part = Smaller(Larger(z, 0), 1);
+    return 0.5f * part * part + Larger(z - 1, 0);
 }
 
+std::uint8_t ByteOf(float share)
+{
+    return static_cast<std::uint8_t>(std::clamp(static_cast<std::int32_t>(share * 255 + 0.5f), 0, 255));
+}
+}   // namespace
+
 /// A line across one column, and how much of each of its pixels lies below the line.
-class Edge
+class CurvePainter::Edge
 {
 public:
     Edge(float left, float right)
@@ -50,8 +72,6 @@ public:
             return std::clamp(lowerEdge - (top + bottom) * 0.5f, 0.0f, 1.0f);
         return (RampArea(lowerEdge - from) - RampArea(lowerEdge - to)) * inverse;
     }
-    float Top() const { return top; }
-    float Bottom() const { return bottom; }
 
 private:
     // Below, a pixel's coverage differs from that of a level line by less than a byte can tell.
@@ -63,32 +83,6 @@ private:
     float bottom;
     float inverse;   // of the slope; 0: flat
 };
-
-std::uint8_t ByteOf(float share)
-{
-    return static_cast<std::uint8_t>(std::clamp(share, 0.0f, 1.0f) * 255 + 0.5f);
-}
-
-float Between(const Edge& upper, const Edge& lower, std::int32_t row)
-{
-    return upper.Below(row) - lower.Below(row);
-}
-
-/// Between a line and a level that it may cross.
-float BetweenLevel(float left, float right, float level, std::int32_t row)
-{
-    const Edge base(level, level);
-    const auto part = [&](float a, float b)
-    {
-        const Edge edge(a, b);
-        return std::abs(Between(edge, base, row));
-    };
-    if ((left < level) == (right < level))
-        return part(left, right);
-    const float crossing = (level - left) / (right - left);
-    return crossing * part(left, level) + (1 - crossing) * part(level, right);
-}
-}   // namespace
 
 std::int32_t CurvePainter::Margin(double width)
 {
@@ -128,56 +122,59 @@ void CurvePainter::PrepareLine(const Range& range, std::span<const double> edges
     }
     slopes.resize(line.size() - 1);
     roots.resize(line.size() - 1);
+    sines.resize(line.size() - 1);
     for (std::size_t i = 0; i < slopes.size(); ++i)
     {
         slopes[i] = line[i + 1] - line[i];
         roots[i] = std::sqrt(1 + slopes[i] * slopes[i]);
+        sines[i] = slopes[i] / roots[i];
     }
 }
 
-// What a disc of half the width, carried along the curve, reaches at the columns' edges: the farthest of all
-// the discs whose centres lie on the segments around. On a segment y(d) = y0 + s d that is y0 -+ r sqrt(1 +
-// s^2), touched at d = -+ r s / sqrt(1 + s^2), where that lies on the segment; at a corner at distance d it
-// is the disc itself, -+ sqrt(r^2 - d^2).
-void CurvePainter::FindOffsets(const Range& range, double width, std::vector<float>& upper,
-                               std::vector<float>& lower)
+// What a disc of the radius, carried along the curve, reaches at each place x. The disc whose centre lies at
+// x + d reaches y(x + d) - sqrt(r^2 - d^2); the least of that is found where its slope is 0 or turns from
+// below to above 0:
+// - on a segment of slope s, with sine = s / sqrt(1 + s^2), at d = -r sine, where it is y(x) - r sqrt(1 +
+// s^2);
+//   d lies on the segment for x from its begin to its end, both moved by r sine;
+// - at a corner, for x between the moved end of one segment and the moved begin of the next, if those come in
+//   this order: the disc itself.
+// So each place meets one or two candidates. The lower border is the same in a mirror.
+void CurvePainter::FindBorder(const Range& range, float radius, float side, std::vector<float>& border) const
 {
-    const auto count = static_cast<std::size_t>(range.count) + 1;
-    const std::size_t margin = (line.size() - count) / 2;
-    const auto radius = static_cast<float>(std::clamp(width, 0.0, MostWidth) / 2);
-    const auto reach = static_cast<std::ptrdiff_t>(std::ceil(radius));
-    upper.assign(line.begin() + static_cast<std::ptrdiff_t>(margin),
-                 line.begin() + static_cast<std::ptrdiff_t>(margin + count));
-    lower = upper;
-    float* const up = upper.data();
-    float* const low = lower.data();
-    for (std::ptrdiff_t d = -reach; d <= reach; ++d)
+    const auto count = static_cast<std::int32_t>(Phases) * range.count + 1;
+    const std::int32_t margin = (static_cast<std::int32_t>(line.size()) - 1 - range.count) / 2;
+    border.assign(static_cast<std::size_t>(count), side * static_cast<float>(FarthestPixel));
+    float* const places = border.data();
+    constexpr auto phases = static_cast<float>(Phases);
+    const auto reach = [=](float from, float to, auto&& heightAt)
     {
-        const auto distance = static_cast<float>(d);
-        const float* const at = line.data() + static_cast<std::ptrdiff_t>(margin) + d;
-        if (std::abs(distance) < radius)
+        // Rounded outward: where pieces meet both are right.
+        const std::int32_t first = std::max(0, RowOf(from * phases + 1 - Overlap));
+        const std::int32_t last = std::min(count - 1, RowOf(to * phases + Overlap));
+        for (std::int32_t i = first; i <= last; ++i)
         {
-            const float height = std::sqrt(radius * radius - distance * distance);
-            for (std::size_t i = 0; i < count; ++i)
-            {
-                up[i] = std::min(up[i], at[i] - height);
-                low[i] = std::max(low[i], at[i] + height);
-            }
+            const float height = heightAt(static_cast<float>(i) / phases);
+            places[i] = side > 0 ? Smaller(places[i], height) : Larger(places[i], height);
         }
-        if (d == reach)
-            break;
-        const float* const slope = slopes.data() + static_cast<std::ptrdiff_t>(margin) + d;
-        const float* const root = roots.data() + static_cast<std::ptrdiff_t>(margin) + d;
-        for (std::size_t i = 0; i < count; ++i)
-        {
-            const float touch = radius * slope[i] / root[i];
-            const float height = at[i] - distance * slope[i];
-            const float thick = radius * root[i];
-            const bool touchesAbove = -touch >= distance && -touch <= distance + 1;
-            const bool touchesBelow = touch >= distance && touch <= distance + 1;
-            up[i] = std::min(up[i], touchesAbove ? height - thick : up[i]);
-            low[i] = std::max(low[i], touchesBelow ? height + thick : low[i]);
-        }
+    };
+    const float offset = side * radius;
+    for (std::size_t j = 0; j < slopes.size(); ++j)
+    {
+        const float begin = static_cast<float>(static_cast<std::int32_t>(j) - margin);
+        const float moved = begin + offset * sines[j];
+        const float height = line[j];
+        const float slope = slopes[j];
+        const float thick = offset * roots[j];
+        reach(moved, moved + 1, [=](float x) { return height + (x - begin) * slope - thick; });
+        const float movedBefore = j > 0 ? begin + offset * sines[j - 1] : moved;
+        if (movedBefore < moved)
+            reach(movedBefore, moved,
+                  [=](float x)
+                  {
+                      const float square = radius * radius - (x - begin) * (x - begin);
+                      return height - side * std::sqrt(Larger(square, 0));
+                  });
     }
 }
 
@@ -187,13 +184,14 @@ void CurvePainter::SpanStrokes(const Range& range, std::size_t layerCount)
     std::size_t size = 0;
     for (std::size_t i = 0; i < spans.size(); ++i)
     {
-        float top = uppers[0][i];
-        float bottom = lowers[0][i];
+        float top = uppers[0][i * Phases];
+        float bottom = lowers[0][i * Phases];
         for (std::size_t layer = 0; layer < layerCount; ++layer)
-        {
-            top = std::min({ top, uppers[layer][i], uppers[layer][i + 1] });
-            bottom = std::max({ bottom, lowers[layer][i], lowers[layer][i + 1] });
-        }
+            for (std::size_t phase = 0; phase <= Phases; ++phase)
+            {
+                top = Smaller(top, uppers[layer][i * Phases + phase]);
+                bottom = Larger(bottom, lowers[layer][i * Phases + phase]);
+            }
         const std::int32_t first = std::max(RowOf(top), range.top);
         const std::int32_t last = std::min(RowOf(bottom), range.bottom);
         spans[i] = { first, std::max(0, last - first + 1) };
@@ -202,33 +200,63 @@ void CurvePainter::SpanStrokes(const Range& range, std::size_t layerCount)
     coverage.resize(size);
 }
 
+void CurvePainter::AddBorder(const float* places, const MColumnSpan& span, float sign)
+{
+    const float straight = (places[Phases] - places[0]) / Phases;
+    float bend = 0;
+    for (std::size_t i = 1; i < Phases; ++i)
+        bend = Larger(bend, std::abs(places[i] - places[0] - straight * static_cast<float>(i)));
+    if (bend <= LeastBend)
+        return AddEdge(places[0], places[Phases], span, sign);
+    for (std::size_t i = 0; i < Phases; ++i)
+        AddEdge(places[i], places[i + 1], span, sign / Phases);
+}
+
+/// In the rows that the edge passes what lies below it; in the first row after those, what all further rows
+/// have more.
+void CurvePainter::AddEdge(float from, float to, const MColumnSpan& span, float weight)
+{
+    const std::int32_t end = span.top + span.height;
+    const std::int32_t first = RowOf(Smaller(from, to));
+    const std::int32_t last = RowOf(Larger(from, to));
+    const std::int32_t full = std::clamp(last + 1, span.top, end);
+    float* const rows = partial.data();
+    if (first == last)
+    {
+        // Most edges pass one row, and leave it evenly.
+        if (first >= span.top && first < end)
+            rows[first - span.top] += (static_cast<float>(first + 1) - (from + to) * 0.5f) * weight;
+    }
+    else
+    {
+        const Edge edge(from, to);
+        for (std::int32_t row = std::max(first, span.top); row < full; ++row)
+            rows[row - span.top] += edge.Below(row) * weight;
+    }
+    steps[static_cast<std::size_t>(full - span.top)] += weight;
+}
+
 void CurvePainter::CoverStroke(const Range& range, std::size_t layer, std::size_t layerCount)
 {
+    const auto rows = static_cast<std::size_t>(range.bottom - range.top) + 2;
+    partial.assign(rows, 0);
+    steps.assign(rows, 0);
     std::uint8_t* bytes = coverage.data() + layer;
-    const std::vector<float>& upper = uppers[layer];
-    const std::vector<float>& lower = lowers[layer];
     for (std::size_t i = 0; i < static_cast<std::size_t>(range.count); ++i)
     {
-        const Edge above(upper[i], upper[i + 1]);
-        const Edge below(lower[i], lower[i + 1]);
-        std::int32_t row = spans[i].top;
-        const std::int32_t end = row + spans[i].height;
-        const auto fill = [&](std::int32_t until, std::uint8_t value)
+        const MColumnSpan& span = spans[i];
+        if (span.height == 0)
+            continue;
+        AddBorder(uppers[layer].data() + i * Phases, span, 1);
+        AddBorder(lowers[layer].data() + i * Phases, span, -1);
+        float full = 0;
+        for (std::size_t row = 0; row < static_cast<std::size_t>(span.height); ++row, bytes += layerCount)
         {
-            for (const std::int32_t last = std::min(until, end); row < last; ++row, bytes += layerCount)
-                *bytes = value;
-        };
-        const auto compute = [&](std::int32_t until)
-        {
-            for (const std::int32_t last = std::min(until, end); row < last; ++row, bytes += layerCount)
-                *bytes = ByteOf(Between(above, below, row));
-        };
-        // Only the rows that the two edges pass have to be computed.
-        fill(RowOf(above.Top()), 0);
-        compute(RowOf(above.Bottom()) + 1);
-        fill(RowOf(below.Top()), 255);
-        compute(RowOf(below.Bottom()) + 1);
-        fill(end, 0);
+            full += steps[row];
+            *bytes = ByteOf(full + partial[row]);
+            steps[row] = partial[row] = 0;
+        }
+        steps[static_cast<std::size_t>(span.height)] = 0;
     }
 }
 
@@ -248,11 +276,30 @@ void CurvePainter::Ribbon(MDrawer& drawer, std::int32_t left, std::span<const do
     }
     PrepareLine(range, edges, Margin(widest));
     for (std::size_t layer = 0; layer < count; ++layer)
-        FindOffsets(range, strokes[layer].width, uppers[layer], lowers[layer]);
+    {
+        const auto radius = static_cast<float>(std::clamp(strokes[layer].width, 0.0, MostWidth) / 2);
+        FindBorder(range, radius, 1, uppers[layer]);
+        FindBorder(range, radius, -1, lowers[layer]);
+    }
     SpanStrokes(range, count);
     for (std::size_t layer = 0; layer < count; ++layer)
         CoverStroke(range, layer, count);
     drawer.CoverColumns(range.left, spans, coverage, std::span(colors, count));
+}
+
+/// Between a line and a level that it may cross.
+float CurvePainter::BetweenLevel(float left, float right, float level, std::int32_t row)
+{
+    const Edge base(level, level);
+    const auto part = [&](float a, float b)
+    {
+        const Edge edge(a, b);
+        return std::abs(edge.Below(row) - base.Below(row));
+    };
+    if ((left < level) == (right < level))
+        return part(left, right);
+    const float crossing = (level - left) / (right - left);
+    return crossing * part(left, level) + (1 - crossing) * part(level, right);
 }
 
 void CurvePainter::Fill(MDrawer& drawer, std::int32_t left, std::span<const double> edges, double base,

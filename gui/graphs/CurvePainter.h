@@ -36,6 +36,8 @@ public:
     static std::int32_t Margin(double width);
 
 private:
+    static constexpr std::size_t Phases = 4;
+
     // The columns that can be seen, of those given.
     struct Range
     {
@@ -45,17 +47,26 @@ private:
         std::int32_t top = 0;
         std::int32_t bottom = -1;
     };
+    class Edge;
+
     static Range Seen(const MDrawer& drawer, std::int32_t left, std::size_t edgeCount);
     void PrepareLine(const Range& range, std::span<const double> edges, std::int32_t margin);
-    void FindOffsets(const Range& range, double width, std::vector<float>& upper, std::vector<float>& lower);
-    void CoverStroke(const Range& range, std::size_t layer, std::size_t layerCount);
+    /// @param side  1 the upper one, -1 the lower one
+    void FindBorder(const Range& range, float radius, float side, std::vector<float>& border) const;
     void SpanStrokes(const Range& range, std::size_t layerCount);
+    void AddBorder(const float* places, const MColumnSpan& span, float sign);
+    void AddEdge(float from, float to, const MColumnSpan& span, float weight);
+    static float BetweenLevel(float left, float right, float level, std::int32_t row);
+    void CoverStroke(const Range& range, std::size_t layer, std::size_t layerCount);
 
     std::vector<float> line;   // of the columns seen, with margins
     std::vector<float> slopes;
     std::vector<float> roots;   // sqrt(1 + slope^2)
-    std::vector<float> uppers[MostStrokes];
+    std::vector<float> sines;   // slope / sqrt(1 + slope^2)
+    std::vector<float> uppers[MostStrokes];   // borders: Phases places in each column, and the end
     std::vector<float> lowers[MostStrokes];
+    std::vector<float> partial;   // of a column: the coverage where borders pass
+    std::vector<float> steps;   // and what each row and all below it have more
     std::vector<MColumnSpan> spans;
     std::vector<MColumnSpan> solids;
     std::vector<std::uint8_t> coverage;

@@ -106,7 +106,8 @@ void MAxisRendererList::Render(MDrawer& drawer, const MRectangle& rectangle, boo
     {
         // Centred, but inside.
         label.start = std::clamp(label.start, 0, std::max(0, space.Length() - label.size));
-        const bool fits = std::none_of(placed.begin(), placed.end(),
+        const bool fits = label.size <= space.Length() &&
+                          std::none_of(placed.begin(), placed.end(),
                                        [&](const MAxisLabel& other)
                                        {
                                            return label.start < other.start + other.size + options.gap &&

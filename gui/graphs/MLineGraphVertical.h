@@ -21,7 +21,7 @@ public:
     using MLineGraphBase<R>::MLineGraphBase;
 
     /// Where on the x axis of the graph a value stands, and back.
-    virtual double ValueToView(double value) const { return value; }
+    virtual double ValueToView(double shown) const { return shown; }
     virtual double ViewToValue(double view) const { return view; }
 
     void Paint(MGraphEditor& editor, MDrawer& drawer) override
@@ -31,9 +31,9 @@ public:
             return;
         const MRectangle& area = editor.GraphRectangle();
         drawer.SetClip(drawer.GetClip().Intersection(area));
-        const MColor color = this->GetColor(drawer);
+        const MColor ink = this->GetColor(drawer);
         const std::int32_t at = Pixel();
-        const MColor line = color.WithAlpha(static_cast<std::uint8_t>(color.Alpha() * 120 / 256));
+        const MColor line = ink.WithAlpha(static_cast<std::uint8_t>(ink.Alpha() * 120 / 256));
         drawer.FillRectangle({ at, area.top, at, area.bottom }, line);
         if (this->TestFlag(Emphasised))
             for (const std::int32_t beside : { at - 1, at + 1 })
@@ -94,7 +94,7 @@ public:
 
     using MLineGraphVertical<R>::MLineGraphVertical;
 
-    double ValueToView(double value) const override { return std::clamp((value - LowestLog) / 3, 0.0, 1.0); }
+    double ValueToView(double shown) const override { return std::clamp((shown - LowestLog) / 3, 0.0, 1.0); }
     double ViewToValue(double view) const override
     {
         return std::clamp(view * 3 + LowestLog, LowestLog, HighestLog);

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 namespace
 {
@@ -135,7 +136,9 @@ MRectangle MZoomer::BarRectangle() const
     if (style == nullptr)
         return {};
     const std::int32_t whole = axis == Axis::X ? Width() : Height();
-    const std::int32_t length = barLength > 0 ? std::min(barLength, whole) : whole;
+    const std::int32_t free =
+        whole - (showsButtons ? style->Pixels(ButtonGap + std::size(buttons) * ButtonPitch) : 0);
+    const std::int32_t length = std::max(0, barLength > 0 ? std::min(barLength, free) : free);
     const std::int32_t thick = style->Pixels(BarThickness);
     const std::int32_t margin = style->Pixels(BarMargin);
     return axis == Axis::X ? MRectangle::OfSize(0, Height() - margin - thick, length, thick)

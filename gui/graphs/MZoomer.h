@@ -51,7 +51,7 @@ public:
     std::int32_t BarPosition() const;
     void SetBarPosition(std::int32_t newPosition);
 
-    /// How much of the control is bar; the buttons, where shown, follow. 0: all of it.
+    /// How much of the control is bar, as far as the buttons behind it leave room. 0: as much as there is.
     void SetBarLength(std::int32_t pixels);
     /// What its buttons zoom, too.
     void SetPartner(MZoomer* other) { partner = other; }

@@ -101,7 +101,7 @@ private:
 
     void PaintPoint(MDrawer& drawer, std::int32_t index) const;
     void PaintHandles(MDrawer& drawer, const State& point, MColor ink) const;
-    void PaintDisc(MDrawer& drawer, std::int32_t index, MPointF centre, MColor ink, bool enabled) const;
+    void PaintNumber(MDrawer& drawer, std::int32_t index, MPoint centre, bool enabled) const;
     void PaintText(MGraphEditor& editor, MDrawer& drawer) const;
 
     IndexEvent rightClick;

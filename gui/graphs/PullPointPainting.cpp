@@ -19,6 +19,8 @@ constexpr double LeastHandle = 10;
 constexpr double HandleOfWidth = 40;
 
 constexpr std::int32_t DisabledAlpha = 51;   // of 256
+constexpr std::int32_t DisabledRingAlpha = 128;
+constexpr double DisabledNumber = 0.7;
 constexpr std::int32_t HandleAlpha = 221;
 
 MColor ShareOf(MColor color, std::int32_t share)
@@ -54,31 +56,35 @@ void PullPointEditing::Paint(MGraphEditor& editor, MDrawer& drawer)
         if (point.enabled && point.hasWidth)
             PaintHandles(drawer, point, ShareOf(ink, HandleAlpha));
         const MBitmap* image = style != nullptr ? style->FindBitmap(PointImage(i)) : nullptr;
+        // An image of even width has no middle pixel.
+        const double half = image != nullptr && image->Width() % 2 == 0 ? 0 : 0.5;
+        const MPointF middle{ centre.x + half, centre.y + half };
+        const MColor shown = point.enabled ? ink : ShareOf(ink, DisabledAlpha);
         if (image != nullptr)
             drawer.BitBlt(centre.x - image->Width() / 2, centre.y - image->Height() / 2, *image,
-                          image->Bounds(), point.enabled ? ink.Alpha() : ShareOf(ink, DisabledAlpha).Alpha());
+                          image->Bounds(), shown.Alpha());
         else
-            PaintDisc(drawer, i, { centre.x + 0.5, centre.y + 0.5 },
-                      point.enabled ? ink : ShareOf(ink, DisabledAlpha), point.enabled);
+            drawer.FillCircle(middle, pointRadius, shown);
+        if (!point.enabled)
+            drawer.Circle(middle, pointRadius - 0.5, 1, ShareOf(ink, DisabledRingAlpha));
+        if (image == nullptr || !point.enabled)
+            PaintNumber(drawer, i, centre, point.enabled);
         const bool isMoved = (dragPoint && dragIndex == i) || keyPoint == i || hoverIndex == i;
         if (isMoved)
-            drawer.Circle({ centre.x + 0.5, centre.y + 0.5 }, pointRadius + RingGap * scale,
-                          RingThickness * scale, drawer.GetColor(static_cast<std::int32_t>(MStdColor::Text)));
+            drawer.Circle(middle, pointRadius + RingGap * scale, RingThickness * scale,
+                          drawer.GetColor(static_cast<std::int32_t>(MStdColor::Text)));
     }
     PaintText(editor, drawer);
 }
 
-void PullPointEditing::PaintDisc(MDrawer& drawer, std::int32_t index, MPointF centre, MColor ink,
-                                 bool enabled) const
+void PullPointEditing::PaintNumber(MDrawer& drawer, std::int32_t index, MPoint centre, bool enabled) const
 {
-    drawer.FillCircle(centre, pointRadius, ink);
-    const MColor white(255, 255, 255);
-    const MRectangle box = MRectangle::OfSize(static_cast<std::int32_t>(centre.x) - 2 * pointRadius,
-                                              static_cast<std::int32_t>(centre.y) - pointRadius,
-                                              4 * pointRadius + 1, 2 * pointRadius + 1);
+    const MColor quiet = drawer.GetColor(static_cast<std::int32_t>(MStdColor::Text2)).Faded(DisabledNumber);
+    const MRectangle box{ centre.x - 2 * pointRadius, centre.y - pointRadius, centre.x + 2 * pointRadius,
+                          centre.y + pointRadius };
     drawer.AlignedTextOut(box, MString::FromInt(index + 1),
                           drawer.GetFont(static_cast<std::int32_t>(MStdFont::Point)),
-                          enabled ? white : ShareOf(white, DisabledAlpha), MPlacement::Middle);
+                          enabled ? MColor(255, 255, 255) : quiet, MPlacement::Middle);
 }
 
 void PullPointEditing::PaintHandles(MDrawer& drawer, const State& point, MColor ink) const
