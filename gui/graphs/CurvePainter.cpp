@@ -44,7 +44,8 @@ float RampArea(float z)
 
 std::uint8_t ByteOf(float share)
 {
-    return static_cast<std::uint8_t>(std::clamp(static_cast<std::int32_t>(share * 255 + 0.5f), 0, 255));
+    const float level = share * 255 + 0.5f;
+    return static_cast<std::uint8_t>(std::clamp(static_cast<std::int32_t>(level), 0, 255));
 }
 }   // namespace
 

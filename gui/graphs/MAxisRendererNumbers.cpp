@@ -32,12 +32,11 @@ void AddNumbers(MAxisRendererList& list, double minimum, double maximum, double 
 
 MAxisRendererVolumedB::MAxisRendererVolumedB(double topdB)
 {
-    constexpr double lowest = -120;
-    constexpr double step = 6;
+    constexpr std::int32_t lowest = -120;
+    constexpr std::int32_t step = 6;
     AddLabel("silence", 0);
-    for (double level = lowest; level <= topdB + StepTolerance; level += step)
-        AddLabel(Format("{0} dB", static_cast<std::int64_t>(level)),
-                 std::sqrt(std::pow(10.0, (level - topdB) / 20)));
+    for (std::int32_t level = lowest; level <= topdB + StepTolerance; level += step)
+        AddLabel(Format("{0} dB", level), std::sqrt(std::pow(10.0, (level - topdB) / 20)));
 }
 
 MAxisRendererVolumedBValues::MAxisRendererVolumedBValues(double minimum, double maximum, double step)

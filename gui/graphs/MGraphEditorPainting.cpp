@@ -130,15 +130,15 @@ void MGraphEditor::PaintBackground(MDrawer& drawer)
     const MRectangle clip = drawer.GetClip();
     const MColor canvas = ColorOf(drawer, MStdColor::Canvas);
     const std::int32_t radius = Pixels(drawer, GraphSizes::CornerRadius);
-    // Most repaints don't touch the edge, which is dear.
-    if (all.Inset(radius, radius).Intersection(clip) == clip)
-        drawer.FillRectangle(clip, canvas);
-    else
+    // Most repaints don't touch the edge, which is dear, or only the graphs.
+    if (all.Inset(radius, radius).Intersection(clip) != clip)
     {
         drawer.FillRoundRectangle(all, radius, canvas);
         const double thick = drawer.GetScale() <= 1.5 ? 1 : drawer.GetScale() <= 2.5 ? 2 : 3;
         drawer.RoundRectangle(all, radius, thick, ColorOf(drawer, MStdColor::CanvasEdge));
     }
+    else if (graphRectangle.Intersection(clip) != clip)
+        drawer.FillRectangle(clip, canvas);
     const bool isDark = canvas.Green() < MiddleGrey;
     const MColor shade = canvas.Mixed(isDark ? MColor(255, 255, 255) : MColor(0, 0, 0), CanvasShade);
     if (!graphRectangle.IsEmpty())

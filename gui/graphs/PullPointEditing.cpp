@@ -54,7 +54,7 @@ std::int32_t PullPointEditing::PointAt(std::int32_t x, std::int32_t y) const
 
 std::int32_t PullPointEditing::HandleAt(std::int32_t x, std::int32_t y, bool& isOnLeft) const
 {
-    const std::int32_t reach = pointRadius + static_cast<std::int32_t>(HandleReach * scale + 0.5);
+    const std::int32_t reach = pointRadius + static_cast<std::int32_t>(std::lround(HandleReach * scale));
     for (std::int32_t i = 0; i < PointCount(); ++i)
     {
         const State point = GetPoint(i);

@@ -47,7 +47,7 @@ void PullPointEditing::Paint(MGraphEditor& editor, MDrawer& drawer)
     const MStyle* style = editor.Style();
     const MBitmap* first = style != nullptr ? style->FindBitmap(PointImage(0)) : nullptr;
     pointRadius =
-        first != nullptr ? first->Width() / 2 : static_cast<std::int32_t>(PlainRadius * scale + 0.5);
+        first != nullptr ? first->Width() / 2 : static_cast<std::int32_t>(std::lround(PlainRadius * scale));
     for (std::int32_t i = PointCount() - 1; i >= 0; --i)
     {
         const State point = GetPoint(i);
@@ -91,7 +91,7 @@ void PullPointEditing::PaintHandles(MDrawer& drawer, const State& point, MColor 
 {
     const auto pixels = [this](double units)
     {
-        return std::max(1, static_cast<std::int32_t>(units * scale + 0.5));
+        return std::max(1, static_cast<std::int32_t>(std::lround(units * scale)));
     };
     const std::int32_t x = PointMapping().x.PixelOf(point.x);
     const std::int32_t y = PointMapping().y.PixelOf(point.y);

@@ -7,8 +7,14 @@
 
 #include <benchmark/benchmark.h>
 
+#include "gui/controls/MWindows.h"
 #include "gui/graphs/CurvePainter.h"
+#include "gui/graphs/MAxisRendererFrequencyLog.h"
+#include "gui/graphs/MAxisRendererNumbers.h"
+#include "gui/graphs/MFunctionGraphT.h"
 #include "gui/painting/MDrawerToMBitmap.h"
+#include "gui/platform/HeadlessWindowSystem.h"
+#include "tests/gui/PlainStyle.h"
 
 namespace
 {
@@ -90,6 +96,64 @@ void RibbonOfPolygons(benchmark::State& state)
         benchmark::ClobberMemory();
     }
 }
+
+class ScaledStyle : public PlainStyle
+{
+public:
+    explicit ScaledStyle(double wanted) : scale(wanted) {}
+    double GetScale() const override { return scale; }
+
+private:
+    double scale;
+};
+
+class Function : public MGraph
+{
+public:
+    void ComputeValues(std::span<const double> x, std::span<double> y) const
+    {
+        for (std::size_t i = 0; i < x.size(); ++i)
+            y[i] = 0.5 + 0.2 * std::sin(x[i] * 16 + shift);
+    }
+
+    double shift = 0;
+};
+
+// What a second has thirty of: the graph's rectangle with its grid and curves, two meters' bars.
+void Repaint(benchmark::State& state)
+{
+    const double scale = static_cast<double>(state.range(0)) / 100;
+    auto system = std::make_unique<HeadlessWindowSystem>(MSize{ 4000, 3000 });
+    HeadlessWindowSystem& screen = *system;
+    MWindows windows(std::move(system));
+    windows.SetStyle(std::make_unique<ScaledStyle>(scale));
+    MWindow window;
+    window.SetSize(static_cast<std::int32_t>(800 * scale), static_cast<std::int32_t>(560 * scale));
+    auto& editor = window.Make<MGraphEditor>();
+    editor.SetSize(window.Width(), window.Height());
+    editor.SetAxis(std::make_shared<MAxisRendererFrequencyLog>(1.3010299956639813, 4.301029995663981),
+                   std::make_shared<MAxisRendererVolumedBValues>(-24, 24, 6));
+    MFunctionGraphT<Function> graphs[5];
+    for (std::size_t i = 0; i < static_cast<std::size_t>(state.range(1)); ++i)
+    {
+        graphs[i].shift = static_cast<double>(i);
+        graphs[i].strokes = { { 4, MColor(0, 64, 172) }, { 1.5, MColor(110, 168, 255) } };
+        graphs[i].drawFill = i == 0;
+        editor.AddGraph(graphs[i]);
+    }
+    window.Open(MWindowSystem::Kind::Normal);
+    for (auto _ : state)
+    {
+        editor.Invalidate(editor.GraphRectangle());
+        for (const std::int32_t meter : { 6, 14 })
+            window.InvalidateArea(MRectangle::OfSize(600, meter, static_cast<std::int32_t>(180 * scale), 4));
+        benchmark::DoNotOptimize(screen.Look(window).Row(0));
+    }
+}
+BENCHMARK(Repaint)
+    ->ArgNames({ "percent", "curves" })
+    ->ArgsProduct({ { 100, 200 }, { 1, 5 } })
+    ->Unit(benchmark::kMicrosecond);
 
 void Sizes(benchmark::internal::Benchmark* bench)
 {
