@@ -98,8 +98,9 @@ bool EventRouting::React(MControl& control, const MControlEvent& event)
         const bool taken = control.OnEvent(event);
         return event.IsDoubleClick() ? Click(control, event) || taken : taken;
     }
+    // No press of its own, but it may have taken the mouse at a double click.
     if ((control.pressed & bit) == 0)
-        return false;
+        return control.HasCapture() && control.OnEvent(event);
     control.pressed &= static_cast<std::uint8_t>(~bit);
     if (control.pressed == 0 && control.HasCapture())
         control.ReleaseCapture();

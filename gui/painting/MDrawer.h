@@ -5,6 +5,7 @@
 
 #include "gui/painting/MBitmap.h"
 #include "gui/painting/MColorOp.h"
+#include "gui/painting/MColumnSpan.h"
 #include "gui/painting/MFill.h"
 #include "gui/painting/MFont.h"
 #include "gui/painting/ShapeOutline.h"
@@ -51,6 +52,8 @@ public:
     virtual MRectangle GetClip() const = 0;
     /// What of `clip` lies inside the clip that the drawer was made with.
     virtual void SetClip(const MRectangle& clip) = 0;
+    /// Puts the place 0, 0 so far to the right and down; what can be painted on stays where it is.
+    virtual void Shift(std::int32_t dx, std::int32_t dy) = 0;
 
     /// Fills with an image.
     virtual void PatBlt(const MRectangle& area, const MBitmap& image, MBitmapFill fill,
@@ -112,6 +115,15 @@ public:
                           MColorOp op = MColorOp::Alphablend) = 0;
     virtual void FillPolygon(std::span<const MPointF> points, const MFill& fill,
                              MColorOp op = MColorOp::Alphablend) = 0;
+
+    /// The spans of neighbouring columns from `left` on, in one colour: what lies below a curve.
+    virtual void FillColumns(std::int32_t left, std::span<const MColumnSpan> columns, MColor color) = 0;
+    /// The same with up to three layers of colour, the lowest first, each with a coverage of its own: the
+    /// edges of curves.
+    /// @param coverage  a byte for each layer of each pixel, 255 is all: those of a pixel stand together, the
+    /// pixels of a column from the top down, columns one after the other
+    virtual void CoverColumns(std::int32_t left, std::span<const MColumnSpan> columns,
+                              std::span<const std::uint8_t> coverage, std::span<const MColor> layers) = 0;
 
     /// Colour 0 outside.
     virtual MColor GetPixel(std::int32_t x, std::int32_t y) const = 0;

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "foundation/text/Boundary.h"
+#include "gui/painting/ColumnPainting.h"
 #include "gui/painting/MAlphaMask.h"
 #include "gui/painting/PixelLoops.h"
 #include "gui/painting/Stretching.h"
@@ -455,6 +456,23 @@ void MDrawerToMBitmap::AlignedTextOut(const MRectangle& area, const MString& tex
                    font.Draw(Target(), area.Moved(originX, originY).Inset(-1, 0).Intersection(clip),
                              x + originX, static_cast<std::int32_t>(std::lround(baseline)) + originY, shown,
                              color, op);
+               });
+}
+
+void MDrawerToMBitmap::FillColumns(std::int32_t left, std::span<const MColumnSpan> columns, MColor color)
+{
+    AtBoundary("MDrawerToMBitmap::FillColumns",
+               [&] {
+                   Columns::Fill(Target(), clip, { left + originX, originY }, columns, color);
+               });
+}
+
+void MDrawerToMBitmap::CoverColumns(std::int32_t left, std::span<const MColumnSpan> columns,
+                                    std::span<const std::uint8_t> coverage, std::span<const MColor> layers)
+{
+    AtBoundary("MDrawerToMBitmap::CoverColumns",
+               [&] {
+                   Columns::Cover(Target(), clip, { left + originX, originY }, columns, coverage, layers);
                });
 }
 

@@ -32,6 +32,11 @@ public:
     {
         clip = newClip.Moved(originX, originY).Intersection(widestClip);
     }
+    void Shift(std::int32_t dx, std::int32_t dy) override
+    {
+        originX += dx;
+        originY += dy;
+    }
 
     void PatBlt(const MRectangle& area, const MBitmap& image, MBitmapFill fill, MColorOp op) override;
     void BitBlt(std::int32_t x, std::int32_t y, const MBitmap& image, const MRectangle& part,
@@ -63,6 +68,9 @@ public:
              MColor color, MColorOp op) override;
     void PolyLine(std::span<const MPointF> points, double thickness, MColor color, MColorOp op) override;
     void FillPolygon(std::span<const MPointF> points, const MFill& fill, MColorOp op) override;
+    void FillColumns(std::int32_t left, std::span<const MColumnSpan> columns, MColor color) override;
+    void CoverColumns(std::int32_t left, std::span<const MColumnSpan> columns,
+                      std::span<const std::uint8_t> coverage, std::span<const MColor> layers) override;
     MColor GetPixel(std::int32_t x, std::int32_t y) const override;
     void SetPixel(std::int32_t x, std::int32_t y, MColor color, MColorOp op) override;
 
