@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "foundation/text/MException.h"
+#include "gui/graphs/RegisterGraphs.h"
 #include "gui/loader/MXmlLoader.h"
 #include "gui/styles/MTexturedStyle.h"
 #include "gui/widgets/RegisterWidgets.h"
@@ -17,6 +18,7 @@ Gallery::Gallery(const std::filesystem::path& folder)
 {
     StartModuleWithResources();
     RegisterWidgets(MXmlLoader::Get());
+    RegisterGraphs(MXmlLoader::Get());
     std::error_code failure;
     for (const auto& entry : std::filesystem::directory_iterator(folder, failure))
         if (entry.path().extension() == ".xml")
@@ -60,6 +62,13 @@ std::vector<std::pair<std::string, std::unique_ptr<MWindow>>> Gallery::MakeDialo
     dialogs.emplace_back("input",
                          std::make_unique<MTextInputWindow>("New folder", "Name of the folder:", "Vocals"));
     return dialogs;
+}
+
+std::unique_ptr<DemoGraphs> Gallery::MakeGraphs(MControl& page)
+{
+    auto graphs = std::make_unique<DemoGraphs>();
+    graphs->Attach(page);
+    return graphs;
 }
 
 std::unique_ptr<MStandardWindow> Gallery::MakeWindow(const Page& page)

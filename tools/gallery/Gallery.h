@@ -8,6 +8,7 @@
 
 #include "gui/controls/MStyle.h"
 #include "gui/windows/MStandardWindow.h"
+#include "tools/gallery/DemoGraphs.h"
 
 /// The pages of the gallery: layout documents in a folder.
 class Gallery
@@ -27,6 +28,8 @@ public:
     static std::unique_ptr<MStyle> MakeStyle(const std::string& look, double scale);
     /// The windows that aren't documents, by name, not yet open.
     static std::vector<std::pair<std::string, std::unique_ptr<MWindow>>> MakeDialogs();
+    /// What the page's graph editors show; keep it as long as the window.
+    static std::unique_ptr<DemoGraphs> MakeGraphs(MControl& page);
     /// A window with a page, not yet open. Throws MException for a document that can't be read.
     static std::unique_ptr<MStandardWindow> MakeWindow(const Page& page);
 

@@ -106,6 +106,7 @@ void GalleryWindow::LoadPage()
         LoadXML(document, MString::FromUTF8(shown.file.string()));
         MXmlLoader::Get().Load(content, document);
         content.SetMinimalClientSize({ content.Width(), content.Height() });
+        graphs = Gallery::MakeGraphs(content);
     }
     catch (const MException& failure)
     {

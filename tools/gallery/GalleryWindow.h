@@ -46,4 +46,5 @@ private:
     MEvent<MOnNotifyParams> reload;   // what is pressed can't be replaced while it handles the press
     std::filesystem::file_time_type written;
     std::vector<std::pair<std::string, std::unique_ptr<MWindow>>> dialogs;
+    std::unique_ptr<DemoGraphs> graphs;
 };

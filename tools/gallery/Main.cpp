@@ -46,7 +46,11 @@ void WritePictures(const Gallery& gallery, const Options& options)
                 std::printf("%s\n", file.c_str());
             };
             for (const Gallery::Page& page : gallery.Pages())
-                write(page.name, *Gallery::MakeWindow(page));
+            {
+                const auto window = Gallery::MakeWindow(page);
+                const auto graphs = Gallery::MakeGraphs(*window);
+                write(page.name, *window);
+            }
             for (const auto& [name, window] : Gallery::MakeDialogs())
                 write(name, *window);
         }
