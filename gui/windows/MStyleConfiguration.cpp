@@ -10,7 +10,7 @@
 
 namespace
 {
-constexpr double WidthUnits = 406;
+constexpr double WidthUnits = 424;
 constexpr double LabelUnits = 118;
 constexpr double RowUnits = 28;
 constexpr double ControlUnits = 22;
