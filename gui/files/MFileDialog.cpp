@@ -218,7 +218,12 @@ bool MFileDialog::Accept(MModalValue result)
     Complain({});
     const std::vector<const FolderEntry*> chosen = list->Chosen();
     if (!name->Text().IsEmpty() && (nameIsTyped || chosen.empty()))
-        return AcceptNames();
+    {
+        const bool accepted = AcceptNames();
+        if (!complaint->caption.IsEmpty())
+            name->SetFocus();
+        return accepted;
+    }
     std::vector<MString> wanted;
     for (const FolderEntry* each : chosen)
         wanted.push_back(FilePaths::Join(list->Folder(), each->name));
