@@ -12,7 +12,7 @@
 namespace
 {
 constexpr double WidthUnits = 640;
-constexpr double HeightUnits = 420;
+constexpr double HeightUnits = 430;
 constexpr double LabelUnits = 46;
 constexpr double TypeUnits = 170;
 constexpr double GapUnits = 6;

@@ -282,7 +282,8 @@ void MFileListBox::PaintItem(MDrawer& drawer, const MRectangle& area, std::int32
     name.left += wide + style.Pixels(IconGapUnits);
     drawer.AlignedTextOut(name, entry.name, style.GetFont(font),
                           style.GetColor(usable ? MStdColor::Text : MStdColor::TextDisabled));
-    const MColor quiet = style.GetColor(usable ? MStdColor::Text3 : MStdColor::TextDisabled);
+    const MStdColor quietRole = (state & DrawOn) != 0 ? MStdColor::Text2 : MStdColor::Text3;
+    const MColor quiet = style.GetColor(usable ? quietRole : MStdColor::TextDisabled);
     MFont& digits = style.GetFont(MStdFont::Value);
     if (const MRectangle place = ColumnArea(Column::Size, area); place.Width() > 0 && !entry.isFolder)
         drawer.AlignedTextOut(place, FileSizeText(entry.size), digits, quiet, MPlacement::End);
