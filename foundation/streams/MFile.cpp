@@ -8,6 +8,7 @@
 #include <fstream>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include <spawn.h>
 #include <sys/stat.h>
@@ -259,6 +260,37 @@ void MFile::ExecuteMail(const MString& address, const MString& subject) noexcept
                });
 }
 
+bool MFile::IsFolder(const MString& path) noexcept
+{
+    try
+    {
+        return IsDirectory(PathBytes(path));
+    }
+    catch (...)
+    {
+        return false;   // no memory for the path
+    }
+}
+
+bool MFile::MatchesPatterns(const MString& name, const MString& patterns)
+{
+    bool isEmpty = true;
+    int start = 0;
+    while (start <= patterns.Length())
+    {
+        int end = patterns.Find(u';', start);
+        end = end < 0 ? patterns.Length() : end;
+        while (start < end && patterns[start] == u' ')
+            ++start;
+        const MString pattern = patterns.SubString(start, end - start);
+        if (!pattern.IsEmpty() && MatchesFilter(name, pattern))
+            return true;
+        isEmpty = isEmpty && pattern.IsEmpty();
+        start = end + 1;
+    }
+    return isEmpty;
+}
+
 MFileIterator::MFileIterator(const MString& path, const MString& filter, int flags)
 {
     if (path.IsEmpty() && (flags & Drives) != 0)
@@ -266,10 +298,10 @@ MFileIterator::MFileIterator(const MString& path, const MString& filter, int fla
         entries.Add({ "/", true });
         return;
     }
-    ListFolder(path, filter, (flags & Directories) != 0);
+    ListFolder(path, filter, flags);
 }
 
-void MFileIterator::ListFolder(const MString& path, const MString& filter, bool withDirectories)
+void MFileIterator::ListFolder(const MString& path, const MString& filter, int flags)
 {
     std::error_code error;
     std::filesystem::directory_iterator item(PathBytes(path), error);
@@ -278,8 +310,17 @@ void MFileIterator::ListFolder(const MString& path, const MString& filter, bool 
         std::error_code ignored;   // an entry that vanished meanwhile is a file without properties
         const bool isDirectory = item->is_directory(ignored);
         const MString name = PathText(item->path().filename().native());
-        if ((withDirectories || !isDirectory) && (filter.IsEmpty() || MatchesFilter(name, filter)))
-            entries.Add({ name, isDirectory });
+        if (((flags & Directories) == 0 && isDirectory) ||
+            (!filter.IsEmpty() && !MatchesFilter(name, filter)))
+            continue;
+        Entry entry{ .name = name, .isDirectory = isDirectory };
+        struct stat information = {};
+        if ((flags & Details) != 0 && stat(item->path().c_str(), &information) == 0)
+        {
+            entry.size = isDirectory ? 0 : information.st_size;
+            entry.writeTime = information.st_mtime;
+        }
+        entries.Add(std::move(entry));
     }
     if (error)
         ThrowSystemError(Format("Could not access path \"{0}\" to get file list.", path), error.value());

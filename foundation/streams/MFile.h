@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <cstdint>
+
 #include "foundation/text/MString.h"
 #include "foundation/text/MStringList.h"
 
@@ -36,6 +38,10 @@ public:
     /// The folder of a kind, absolute and normalised, without a separator at its end; it need not exist.
     /// Throws "Could not retrieve system path." with the reason. Temp never fails.
     static MString GetSpecialFolder(int kind);
+    /// One of the folders that a desktop gives its user, by its name there, such as "MUSIC"; it need not
+    /// exist. Throws as GetSpecialFolder.
+    /// @param otherwise  its name in the user's folder where the desktop tells none
+    static MString GetUserFolder(const char* name, const char* otherwise);
 
     /// Makes a folder and all missing parents; one that exists is fine.
     static void CreatePath(const MString& path);
@@ -46,6 +52,10 @@ public:
     /// A folder with all it holds. Links are removed, not followed.
     static void DeleteTree(const MString& path);
     static bool Exists(const MString& path) noexcept;
+    static bool IsFolder(const MString& path) noexcept;
+    /// Whether a name fits one of some patterns with "*" and "?", without case, such as "*.wav;*.flac". No
+    /// pattern takes all.
+    static bool MatchesPatterns(const MString& name, const MString& patterns);
     /// Opens a document or an address with what the desktop has for it, or runs a program.
     /// @param parameters  of a program: words with the quoting of the shell
     /// @param folder  the working folder of a program; empty leaves the present one
@@ -66,7 +76,8 @@ public:
     {
         Files = 0,
         Directories = 1,   ///< folders as well as files
-        Drives = 2   ///< with an empty path: the roots of the file system
+        Drives = 2,   ///< with an empty path: the roots of the file system
+        Details = 4   ///< sizes and times, too, which takes longer
     };
 
     /// @param filter  names with "*" and "?", without case, such as "*.wav"; empty takes all
@@ -78,15 +89,21 @@ public:
     /// The name without the folder's path. Throws at the end.
     const MString& Name() const { return entries[current].name; }
     bool IsDirectory() const { return entries[current].isDirectory; }
+    /// With Details: bytes, 0 for a folder and for what can't be looked at.
+    std::int64_t Size() const { return entries[current].size; }
+    /// With Details: when it was last written, seconds since 1970; 0 for what can't be looked at.
+    std::int64_t WriteTime() const { return entries[current].writeTime; }
 
 private:
     struct Entry
     {
         MString name;
         bool isDirectory = false;
+        std::int64_t size = 0;
+        std::int64_t writeTime = 0;
     };
 
-    void ListFolder(const MString& path, const MString& filter, bool withDirectories);
+    void ListFolder(const MString& path, const MString& filter, int flags);
 
     MArray<Entry> entries;
     int current = 0;

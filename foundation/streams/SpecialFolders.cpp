@@ -152,10 +152,23 @@ const char* const MFile::SpecialFolderLabels[SpecialFolderCount] = { "data",
                                                                      "fonts",
                                                                      "temp" };
 
-MString MFile::GetSpecialFolder(int kind)
+namespace
 {
-    std::string path = fs::path(FolderOf(kind)).lexically_normal().string();
+MString Normalised(const std::string& folder)
+{
+    std::string path = fs::path(folder).lexically_normal().string();
     while (path.size() > 1 && path.back() == '/')
         path.pop_back();
     return PathText(path);
+}
+}   // namespace
+
+MString MFile::GetSpecialFolder(int kind)
+{
+    return Normalised(FolderOf(kind));
+}
+
+MString MFile::GetUserFolder(const char* name, const char* otherwise)
+{
+    return Normalised(UserFolder(std::string("XDG_") + name + "_DIR", otherwise));
 }

@@ -55,6 +55,14 @@ void MEdit::SelectAll()
     Invalidate();
 }
 
+void MEdit::Select(std::size_t begin, std::size_t end)
+{
+    model.MoveTo(begin, false);
+    model.MoveTo(end, true);
+    ShowCaret();
+    Invalidate();
+}
+
 void MEdit::LoadXml(const MAttribute& node)
 {
     MControl::LoadXml(node);
@@ -307,7 +315,23 @@ void MEdit::Insert(std::u16string_view piece, bool typed)
     if (accepted.empty() && !piece.empty())
         return;
     model.Insert(accepted, typed);
+    if (typed)
+        Suggest();
     Edited();
+}
+
+void MEdit::Suggest()
+{
+    const std::size_t length = model.Text().size();
+    const MString rest = model.Caret() == length ? Continuation(Text()) : MString();
+    if (rest.IsEmpty())
+        return;
+    std::u16string characters;
+    for (int i = 0; i < rest.Length(); ++i)
+        characters.push_back(rest[i]);
+    model.Insert(characters, true);
+    model.MoveTo(model.Text().size(), false);
+    model.MoveTo(length, true);
 }
 
 void MEdit::Replace(const MString& text)

@@ -23,6 +23,8 @@ public:
     /// From outside: nothing to undo, and no event.
     void SetText(const MString& text);
     void SelectAll();
+    /// A part of the text, with the caret at its end.
+    void Select(std::size_t begin, std::size_t end);
     /// Characters that it doesn't accept are left out. Null: takes all. It has to outlive the field.
     void SetFilter(const MCharFilter& accepted) { filter = &accepted; }
     /// With each change that the user makes.
@@ -48,6 +50,9 @@ protected:
     /// By the user: can be undone, and is told.
     void Replace(const MString& text);
     void Finish(std::uintptr_t how);
+    /// How a text that begins so could go on; empty: nothing is known. Asked after a letter was typed at the
+    /// end; what is answered stands behind it, chosen, so that the next letter takes its place.
+    virtual MString Continuation(const MString& /*typed*/) { return {}; }
 
 private:
     bool OnKey(const MControlEvent& event);
@@ -59,6 +64,7 @@ private:
     void InsertText(const MString& text);
     void Insert(std::u16string_view piece, bool typed);
     void Edited();
+    void Suggest();
     void ShowCaret();
     MRectangle TextArea() const;
     /// Where the text starts, from the control's left.

@@ -68,6 +68,7 @@ void StyleSettings::Load(const MAttribute& item)
     LoadScale(item, "ResizeY", resizeY);
     LoadFlag(item, "inverticons", invertIcons);
     LoadFlag(item, "invertbitmaps", invertBitmaps);
+    LoadFlag(item, "motionoff", motionOff);
     for (const AlphaKey& each : alphaKeys)
         if (const MString* text = item.FindAttribute(MString::Literal(each.key)))
             this->*each.alpha = static_cast<std::int32_t>(std::clamp<std::int64_t>(text->ToInt(), 0, 255));
@@ -82,6 +83,7 @@ void StyleSettings::Store(MAttribute& item) const
     item.SetAttribute("ResizeY", MString::FromDouble(resizeY, 6));
     item.SetAttribute("inverticons", MString::FromInt(invertIcons ? 1 : 0));
     item.SetAttribute("invertbitmaps", MString::FromInt(invertBitmaps ? 1 : 0));
+    item.SetAttribute("motionoff", MString::FromInt(motionOff ? 1 : 0));
     for (const AlphaKey& each : alphaKeys)
         item.SetAttribute(MString::Literal(each.key), MString::FromInt(this->*each.alpha));
     item.SetAttribute(

@@ -29,6 +29,7 @@ struct StyleSettings
     double resizeY = 1;   ///< `ResizeY`
     bool invertIcons = false;   ///< `inverticons`
     bool invertBitmaps = false;   ///< `invertbitmaps`
+    bool motionOff = false;   ///< `motionoff`: nothing but curves and meters moves
     std::int32_t minAlpha = 0;   ///< `minalpha`: no control's alpha is below
     std::int32_t disabledAlpha = 255;   ///< `disabledalpha` and its like: of a control's contents in a state
     std::int32_t focusedAlpha = 255;

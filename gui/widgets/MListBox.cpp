@@ -43,16 +43,24 @@ MSize MListBox::ContentMinimum() const
     if (Style() == nullptr)
         return {};
     const std::int32_t inset = Style()->Pixels(InsetUnits);
-    return WidgetText::Inside(*this, { Style()->Pixels(60), minimalRows * RowHeight() + 2 * inset });
+    return WidgetText::Inside(*this,
+                              { Style()->Pixels(60), minimalRows * RowHeight() + HeadHeight() + 2 * inset });
 }
 
 MRectangle MListBox::ListArea() const
 {
     const std::int32_t inset = Style() != nullptr ? Style()->Pixels(InsetUnits) : 0;
     MRectangle area = OwnRectangle().Inset(inset, inset);
+    area.top += HeadHeight();
     if (bar->IsVisible())
         area.right -= bar->Width();
     return area;
+}
+
+MRectangle MListBox::HeadArea() const
+{
+    const MRectangle lines = ListArea();
+    return { lines.left, lines.top - HeadHeight(), lines.right, lines.top - 1 };
 }
 
 void MListBox::OnPlaced()
@@ -60,11 +68,12 @@ void MListBox::OnPlaced()
     if (Style() == nullptr)
         return;
     const std::int32_t inset = Style()->Pixels(InsetUnits);
-    bar->SetRange(Count() * RowHeight(), Height() - 2 * inset);
+    const std::int32_t page = std::max(0, Height() - 2 * inset - HeadHeight());
+    bar->SetRange(Count() * RowHeight(), page);
     bar->SetVisible(bar->IsNeeded());
     const std::int32_t wide = Style()->Pixels(10);
-    bar->SetPosition(Width() - wide - Style()->Hairline(), inset);
-    bar->SetSize(wide, Height() - 2 * inset);
+    bar->SetPosition(Width() - wide - Style()->Hairline(), inset + HeadHeight());
+    bar->SetSize(wide, page);
 }
 
 void MListBox::LoadXml(const MAttribute& node)
@@ -98,6 +107,19 @@ void MListBox::SetItems(std::vector<MListItem> newItems)
     if (current >= 0)
         items[static_cast<std::size_t>(current)].selected = true;
     OnPlaced();
+    Invalidate();
+}
+
+void MListBox::SetItems(std::vector<MListItem> newItems, std::int32_t newCurrent)
+{
+    items = std::move(newItems);
+    current = std::clamp(newCurrent, -1, Count() - 1);
+    anchor = current;
+    hovered = -1;
+    OnPlaced();
+    if (current < 0)
+        bar->SetFirst(0);
+    ShowItem(current);
     Invalidate();
 }
 
@@ -151,6 +173,8 @@ void MListBox::Paint(MDrawer& drawer)
     const std::uint16_t state = GetDrawState();
     style.PaintFace(drawer, OwnRectangle(), controlType, state & DrawEnabled);
     const MRectangle area = ListArea();
+    if (HeadHeight() > 0)
+        PaintHead(drawer, HeadArea());
     if (items.empty())
     {
         drawer.AlignedTextOut(area, emptyText, style.GetFont(MStdFont::Normal),

@@ -26,6 +26,9 @@ public:
 
     /// Keeps what is chosen by its place as far as there are lines.
     void SetItems(std::vector<MListItem> newItems);
+    /// What is chosen is what the lines say.
+    /// @param newCurrent  the line that keys move; -1: none, and the list begins at its top
+    void SetItems(std::vector<MListItem> newItems, std::int32_t newCurrent);
     const std::vector<MListItem>& Items() const { return items; }
     std::int32_t Count() const { return static_cast<std::int32_t>(items.size()); }
     /// The line that keys move; -1: none.
@@ -57,6 +60,10 @@ protected:
     /// What stands on a line, after its background.
     virtual void PaintItem(MDrawer& drawer, const MRectangle& area, std::int32_t index, std::uint16_t state);
     virtual std::int32_t RowHeight() const;
+    /// Pixels above the lines for a head, which doesn't scroll; see HeadArea.
+    virtual std::int32_t HeadHeight() const { return 0; }
+    MRectangle HeadArea() const;
+    virtual void PaintHead(MDrawer&, const MRectangle& /*area*/) {}
 
 private:
     MRectangle ListArea() const;

@@ -54,6 +54,8 @@ bool MTextInputWindow::Accept(MModalValue result)
         return true;
     const MString wrong = check(edit->Text());
     complaint->SetText(wrong);
+    if (!wrong.IsEmpty())
+        edit->SetFocus();
     return wrong.IsEmpty();
 }
 

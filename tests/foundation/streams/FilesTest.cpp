@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include <array>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -9,6 +10,7 @@
 #include <thread>
 #include <vector>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <pwd.h>
 #include <sys/stat.h>
@@ -264,6 +266,22 @@ TEST_F(Files, AreListedByFilter)
     for (const auto& [filter, flags, names] : cases)
         EXPECT_EQ(list(Path(""), filter, flags), names) << filter;
     EXPECT_EQ(list("", "", MFileIterator::Drives), "// ");
+    const std::pair<const char*, bool> patterns[] = { { "", true },         { " ; ", true },
+                                                      { "*.wav", true },    { "*.flac; *.WAV", true },
+                                                      { "*.flac;", false }, { "*.flac;?.mp3", false } };
+    for (const auto& [pattern, matches] : patterns)
+        EXPECT_EQ(MFile::MatchesPatterns("a.wav", MString(pattern)), matches) << pattern;
+    Put("a.wav", "twelve bytes");
+    ASSERT_EQ(utimensat(AT_FDCWD, (folder / "a.wav").c_str(),
+                        std::array<timespec, 2>{ timespec{ 5, 0 }, timespec{ 86400, 0 } }.data(), 0),
+              0);
+    MFileIterator detailed(Path(""), "?.wav", MFileIterator::Directories | MFileIterator::Details);
+    EXPECT_EQ(detailed.Size(), 12);
+    EXPECT_EQ(detailed.WriteTime(), 86400);
+    for (detailed.Next(); !detailed.IsDirectory(); detailed.Next())
+        EXPECT_EQ(detailed.Size(), 0);
+    EXPECT_EQ(detailed.Size(), 0);
+    EXPECT_GT(detailed.WriteTime(), 86400);
     EXPECT_EQ(CodedErrorOf([&] { list(Path("none"), "", 0); }),
               "0 Could not access path " + Quoted("none") + " to get file list. No such file or directory");
 }

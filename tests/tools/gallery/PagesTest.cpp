@@ -89,6 +89,8 @@ TEST_F(GalleryPages, LookAsTheyDid)
         windows.SetStyle(Gallery::MakeStyle(look, 1));
         for (const Gallery::Page& page : Pages().Pages())
         {
+            if (page.name == "files")
+                continue;   // shows the folders of the machine
             const auto window = Gallery::MakeWindow(page);
             const auto graphs = Gallery::MakeGraphs(*window);
             window->Open(MWindowSystem::Kind::Normal);
