@@ -21,7 +21,8 @@ MDirectoryTreeControl::MDirectoryTreeControl()
 
 void MDirectoryTreeControl::LoadXml(const MAttribute& node)
 {
-    MControl::LoadXml(node);
+    // Its lines are folders: those of a document aren't any.
+    MControl::LoadXml(node);   // NOLINT(bugprone-parent-virtual-call)
     const XmlAttributes attributes(node);
     if (bool shows = false; attributes.Read("showhidden", shows))
         SetShowsHidden(shows);

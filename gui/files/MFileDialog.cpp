@@ -225,6 +225,7 @@ bool MFileDialog::Accept(MModalValue result)
         return accepted;
     }
     std::vector<MString> wanted;
+    wanted.reserve(chosen.size());
     for (const FolderEntry* each : chosen)
         wanted.push_back(FilePaths::Join(list->Folder(), each->name));
     if (wanted.empty() && WantsFolder())

@@ -39,6 +39,8 @@ MControlEvent HeadlessWindowSystem::MouseEvent(MWindow& window, MEventCode code,
 
 void HeadlessWindowSystem::MoveMouse(MWindow& window, std::int32_t x, std::int32_t y)
 {
+    if (Find(window) == nullptr)
+        return;
     const MWindows::MessageScope scope(*MWindows::Get());
     window.MouseMessage(MouseEvent(window, MEventCode::Move, x, y));
 }
@@ -46,6 +48,8 @@ void HeadlessWindowSystem::MoveMouse(MWindow& window, std::int32_t x, std::int32
 void HeadlessWindowSystem::PressMouse(MWindow& window, std::int32_t x, std::int32_t y, std::int32_t button)
 {
     MoveMouse(window, x, y);
+    if (Find(window) == nullptr)
+        return;
     const MWindows::MessageScope scope(*MWindows::Get());
     buttons |= ButtonBits[button];
     if (!MWindows::Get()->ClosePopUps(&window))
@@ -56,7 +60,9 @@ void HeadlessWindowSystem::ReleaseMouse(MWindow& window, std::int32_t x, std::in
 {
     const MWindows::MessageScope scope(*MWindows::Get());
     buttons &= static_cast<std::uint8_t>(~ButtonBits[button]);
-    window.MouseMessage(MouseEvent(window, static_cast<MEventCode>(button + 3), x, y));
+    // The press may have closed it.
+    if (Find(window) != nullptr)
+        window.MouseMessage(MouseEvent(window, static_cast<MEventCode>(button + 3), x, y));
 }
 
 void HeadlessWindowSystem::Click(MWindow& window, std::int32_t x, std::int32_t y, std::int32_t button)
@@ -87,6 +93,8 @@ bool HeadlessWindowSystem::Key(MWindow& window, std::int32_t key, std::uint8_t m
     bool taken = false;
     for (const MEventCode code : { MEventCode::KeyDown, MEventCode::KeyUp })
     {
+        if (Find(window) == nullptr)
+            break;   // the key closed it
         const MWindows::MessageScope scope(*MWindows::Get());
         MControlEvent event;
         event.code = code;
@@ -100,7 +108,7 @@ bool HeadlessWindowSystem::Key(MWindow& window, std::int32_t key, std::uint8_t m
 
 void HeadlessWindowSystem::Type(MWindow& window, const MString& text)
 {
-    for (int i = 0; i < text.Length(); ++i)
+    for (int i = 0; i < text.Length() && Find(window) != nullptr; ++i)
     {
         const MWindows::MessageScope scope(*MWindows::Get());
         MControlEvent event;

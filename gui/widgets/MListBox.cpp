@@ -305,7 +305,7 @@ void MListBox::OnMouseLeave()
 bool MListBox::OnKey(const MControlEvent& event)
 {
     const std::int32_t page = std::max(1, ListArea().Height() / RowHeight() - 1);
-    std::int32_t next = current;
+    std::int32_t next = 0;
     std::int32_t direction = 1;
     switch (event.key)
     {
