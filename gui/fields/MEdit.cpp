@@ -17,11 +17,7 @@ constexpr double PaddingUnits = 6;
 
 MEdit::MEdit()
 {
-    controlType = MControlType::Edit;
     font = MStdFont::Value;
-    cursor = MStdCursor::Text;
-    tabStop = true;
-    acceptsText = true;
 }
 
 void MEdit::Realize()
@@ -41,17 +37,8 @@ MSize MEdit::ContentMinimum() const
 
 void MEdit::SetText(const MString& text)
 {
-    std::u16string characters;
-    for (int i = 0; i < text.Length(); ++i)
-        characters.push_back(text[i]);
-    model.SetText(characters);
+    model.SetText(CharactersOf(text));
     scrolled = 0;
-    Invalidate();
-}
-
-void MEdit::SelectAll()
-{
-    model.SelectAll();
     Invalidate();
 }
 
@@ -94,7 +81,7 @@ double MEdit::TextStart()
                                         : area.left + std::floor((room - width) / 2);
 }
 
-std::size_t MEdit::PlaceAt(std::int32_t x)
+std::size_t MEdit::PlaceAt(std::int32_t x, std::int32_t)
 {
     return static_cast<std::size_t>(Style()->GetFont(font).IndexAt(Text(), x - TextStart()));
 }
@@ -204,19 +191,19 @@ bool MEdit::OnMouse(const MControlEvent& event)
     switch (event.code)
     {
     case MEventCode::LeftDown:
-        model.MoveTo(PlaceAt(event.x), event.Has(ModifierShift));
+        model.MoveTo(PlaceAt(event.x, event.y), event.Has(ModifierShift));
         selecting = true;
         break;
     case MEventCode::Move:
         if (!selecting)
             return false;
-        model.MoveTo(PlaceAt(event.x), true);
+        model.MoveTo(PlaceAt(event.x, event.y), true);
         break;
     case MEventCode::LeftUp:
         selecting = false;
         return true;
     case MEventCode::LeftDoubleClick:
-        model.SelectWord(PlaceAt(event.x));
+        model.SelectWord(PlaceAt(event.x, event.y));
         break;
     default:
         return false;
@@ -280,38 +267,22 @@ bool MEdit::OnKey(const MControlEvent& event)
     return true;
 }
 
-bool MEdit::OnCommand(const MControlEvent& event)
+std::u16string MEdit::Accepted(std::u16string_view piece) const
 {
-    switch (event.key)
+    std::u16string accepted;
+    for (const char16_t each : piece)
     {
-    case 'A':
-        SelectAll();
-        return true;
-    case 'C':
-    case 'X':
-        Copy(event.key == 'X' && !readOnly);
-        return true;
-    case 'V':
-        Paste();
-        return true;
-    case 'Z':
-    case 'Y':
-        if (readOnly)
-            return false;
-        if (event.key == 'Y' || event.Has(ModifierShift) ? model.Redo() : model.Undo())
-            Edited();
-        return true;
-    default:
-        return false;
+        // A text of many lines becomes one.
+        const char16_t character = each == u'\n' || each == u'\t' ? u' ' : each;
+        if (character >= 0x20 && character != 0x7F && (filter == nullptr || filter->IsAllowed(character)))
+            accepted.push_back(character);
     }
+    return accepted;
 }
 
 void MEdit::Insert(std::u16string_view piece, bool typed)
 {
-    std::u16string accepted;
-    for (const char16_t each : piece.substr(0, model.limit))
-        if (each >= 0x20 && each != 0x7F && (filter == nullptr || filter->IsAllowed(each)))
-            accepted.push_back(each);
+    const std::u16string accepted = Accepted(piece.substr(0, model.limit));
     if (accepted.empty() && !piece.empty())
         return;
     model.Insert(accepted, typed);
@@ -336,59 +307,7 @@ void MEdit::Suggest()
 
 void MEdit::Replace(const MString& text)
 {
-    std::u16string characters;
-    for (int i = 0; i < text.Length(); ++i)
-        characters.push_back(text[i]);
     model.SelectAll();
-    model.Insert(characters);
+    model.Insert(CharactersOf(text));
     Edited();
-}
-
-void MEdit::Copy(bool cuts)
-{
-    MWindows* windows = MWindows::Get();
-    if (windows == nullptr || !model.HasSelection())
-        return;
-    windows->Platform().SetClipboardText(MString(std::u16string_view(model.Selected())));
-    if (!cuts)
-        return;
-    model.Insert({});
-    Edited();
-}
-
-void MEdit::Paste()
-{
-    MWindows* windows = MWindows::Get();
-    if (windows == nullptr || readOnly)
-        return;
-    InsertText(windows->Platform().GetClipboardText());
-}
-
-bool MEdit::OnDropText(const MString& text, std::int32_t x, std::int32_t)
-{
-    if (readOnly || Style() == nullptr)
-        return false;
-    SetFocus();
-    model.MoveTo(PlaceAt(x), false);
-    InsertText(text);
-    return true;
-}
-
-void MEdit::InsertText(const MString& text)
-{
-    std::u16string characters;
-    for (int i = 0; i < text.Length(); ++i)
-        // A text of many lines becomes one.
-        characters.push_back(text[i] == '\n' || text[i] == '\t' ? u' ' : text[i]);
-    if (!characters.empty())
-        Insert(characters, false);
-}
-
-void MEdit::Edited()
-{
-    ShowCaret();
-    Invalidate();
-    MOnNotifyParams params;
-    params.source = this;
-    textChange.Call(params);
 }

@@ -1,16 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "foundation/containers/MCallback.h"
 #include "foundation/containers/MEvent.h"
-#include "gui/controls/MControl.h"
-#include "gui/fields/EditModel.h"
+#include "gui/fields/MTextField.h"
 
 class MCharFilter;
 
 /// A field with one line of text. Text is taken over with Enter and when another control gets the keyboard,
 /// given up with Escape.
-class MEdit : public MControl
+class MEdit : public MTextField
 {
 public:
     /// Of OnDone.
@@ -19,26 +17,19 @@ public:
 
     MEdit();
 
-    MString Text() const { return model.String(); }
     /// From outside: nothing to undo, and no event.
     void SetText(const MString& text);
-    void SelectAll();
     /// A part of the text, with the caret at its end.
     void Select(std::size_t begin, std::size_t end);
     /// Characters that it doesn't accept are left out. Null: takes all. It has to outlive the field.
     void SetFilter(const MCharFilter& accepted) { filter = &accepted; }
-    /// With each change that the user makes.
-    MCallback<MOnNotifyParams>& OnTextChange() { return textChange; }
     MEvent<MOnClickParams>& OnDone() { return done; }
 
     void LoadXml(const MAttribute& node) override;
     void Paint(MDrawer& drawer) override;
     bool OnEvent(const MControlEvent& event) override;
-    /// Goes in where it was let go.
-    bool OnDropText(const MString& text, std::int32_t x, std::int32_t y) override;
 
     MPlacement alignment = MPlacement::Begin;
-    bool readOnly = false;
     MString placeholder;   ///< shown while there is no text
 
 protected:
@@ -54,29 +45,21 @@ protected:
     /// end; what is answered stands behind it, chosen, so that the next letter takes its place.
     virtual MString Continuation(const MString& /*typed*/) { return {}; }
 
+    std::u16string Accepted(std::u16string_view piece) const override;
+    void Insert(std::u16string_view piece, bool typed) override;
+    void ShowCaret() override;
+    std::size_t PlaceAt(std::int32_t x, std::int32_t y) override;
+
 private:
     bool OnKey(const MControlEvent& event);
-    bool OnCommand(const MControlEvent& event);
     bool OnMouse(const MControlEvent& event);
     void OnFocus(bool focused);
-    void Copy(bool cuts);
-    void Paste();
-    void InsertText(const MString& text);
-    void Insert(std::u16string_view piece, bool typed);
-    void Edited();
     void Suggest();
-    void ShowCaret();
     MRectangle TextArea() const;
     /// Where the text starts, from the control's left.
     double TextStart();
-    std::size_t PlaceAt(std::int32_t x);
 
-    EditModel model;
     const MCharFilter* filter = nullptr;
-    MCallback<MOnNotifyParams> textChange;
     MEvent<MOnClickParams> done;
     MString textBefore;   // when it got the keyboard
-    double scrolled = 0;   // pixels of text left of the field
-    bool selecting = false;
-    bool hasKeyboard = false;
 };

@@ -5,7 +5,6 @@
 #include <cmath>
 
 #include "gui/controls/MWindow.h"
-#include "gui/controls/MWindows.h"
 #include "gui/controls/XmlAttributes.h"
 #include "gui/fields/WidgetText.h"
 
@@ -17,10 +16,6 @@ constexpr double BarUnits = 10;
 
 MMultiLineEdit::MMultiLineEdit()
 {
-    controlType = MControlType::Edit;
-    cursor = MStdCursor::Text;
-    tabStop = true;
-    acceptsText = true;
     bar = &Make<MScrollBar>();
     bar->overlay = true;
     bar->cursor = MStdCursor::Arrow;
@@ -310,87 +305,23 @@ bool MMultiLineEdit::OnKey(const MControlEvent& event)
     return true;
 }
 
-bool MMultiLineEdit::OnCommand(const MControlEvent& event)
+std::u16string MMultiLineEdit::Accepted(std::u16string_view piece) const
 {
-    switch (event.key)
-    {
-    case 'A':
-        model.SelectAll();
-        Invalidate();
-        return true;
-    case 'C':
-    case 'X':
-        Copy(event.key == 'X' && !readOnly);
-        return true;
-    case 'V':
-        Paste();
-        return true;
-    case 'Z':
-    case 'Y':
-        if (readOnly)
-            return false;
-        if (event.key == 'Y' || event.Has(ModifierShift) ? model.Redo() : model.Undo())
-            Edited();
-        return true;
-    default:
-        return false;
-    }
-}
-
-void MMultiLineEdit::Copy(bool cuts)
-{
-    MWindows* windows = MWindows::Get();
-    if (windows == nullptr || !model.HasSelection())
-        return;
-    windows->Platform().SetClipboardText(MString(std::u16string_view(model.Selected())));
-    if (cuts)
-        Insert({}, false);
-}
-
-void MMultiLineEdit::Paste()
-{
-    MWindows* windows = MWindows::Get();
-    if (windows == nullptr || readOnly)
-        return;
-    InsertText(windows->Platform().GetClipboardText());
-}
-
-bool MMultiLineEdit::OnDropText(const MString& text, std::int32_t x, std::int32_t y)
-{
-    if (readOnly || Style() == nullptr)
-        return false;
-    SetFocus();
-    model.MoveTo(PlaceAt(x, y), false);
-    InsertText(text);
-    return true;
-}
-
-void MMultiLineEdit::InsertText(const MString& text)
-{
-    std::u16string characters;
-    for (int i = 0; i < text.Length(); ++i)
-        if (text[i] == '\n' || (text[i] >= 0x20 && text[i] != 0x7F))
-            characters.push_back(text[i]);
-        else if (text[i] == '\t')
-            characters.push_back(u' ');
-    if (!characters.empty())
-        Insert(characters, false);
-}
-
-void MMultiLineEdit::Insert(std::u16string_view piece, bool typed)
-{
-    model.Insert(piece, typed);
-    Edited();
+    std::u16string accepted;
+    for (const char16_t each : piece)
+        if (each == u'\n' || (each >= 0x20 && each != 0x7F))
+            accepted.push_back(each);
+        else if (each == u'\t')
+            accepted.push_back(u' ');
+    return accepted;
 }
 
 void MMultiLineEdit::Edited()
 {
     SplitLines();
     OnPlaced();
-    Moved();
-    MOnNotifyParams params;
-    params.source = this;
-    textChange.Call(params);
+    wantedX = -1;
+    MTextField::Edited();
 }
 
 void MMultiLineEdit::Moved()

@@ -1,34 +1,32 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "foundation/containers/MCallback.h"
-#include "gui/controls/MControl.h"
-#include "gui/fields/EditModel.h"
 #include "gui/fields/MScrollBar.h"
+#include "gui/fields/MTextField.h"
 
 /// A field with lines of text. Lines aren't wrapped; what doesn't fit is scrolled to.
-class MMultiLineEdit : public MControl
+class MMultiLineEdit : public MTextField
 {
 public:
     MMultiLineEdit();
 
-    MString Text() const { return model.String(); }
     /// From outside: nothing to undo, and no event.
     void SetText(const MString& text);
-    MCallback<MOnNotifyParams>& OnTextChange() { return textChange; }
 
     void LoadXml(const MAttribute& node) override;
     void Paint(MDrawer& drawer) override;
     bool OnEvent(const MControlEvent& event) override;
-    /// Goes in where it was let go.
-    bool OnDropText(const MString& text, std::int32_t x, std::int32_t y) override;
 
-    bool readOnly = false;
     std::int32_t minimalLines = 3;
 
 protected:
     MSize ContentMinimum() const override;
     void OnPlaced() override;
+
+    std::u16string Accepted(std::u16string_view piece) const override;
+    void Edited() override;
+    void ShowCaret() override;
+    std::size_t PlaceAt(std::int32_t x, std::int32_t y) override;
 
 private:
     struct Line
@@ -42,28 +40,15 @@ private:
     MString LineText(std::size_t line) const;
     MRectangle TextArea() const;
     std::int32_t LineHeight() const;
-    std::size_t PlaceAt(std::int32_t x, std::int32_t y);
     double XOf(std::size_t place);
     void MoveDown(std::int32_t lines, bool selects);
     bool OnKey(const MControlEvent& event);
-    bool OnCommand(const MControlEvent& event);
     bool OnMouse(const MControlEvent& event);
-    void Insert(std::u16string_view piece, bool typed);
-    void Copy(bool cuts);
-    void Paste();
-    void InsertText(const MString& text);
-    void Edited();
     void Moved();
-    void ShowCaret();
     void PaintLine(MDrawer& drawer, std::size_t line);
     void OnScrolled(const MOnNotifyParams&) { Invalidate(); }
 
-    EditModel model;
     std::vector<Line> lines;
     MScrollBar* bar = nullptr;
-    MCallback<MOnNotifyParams> textChange;
-    double scrolled = 0;   // pixels of text left of the field
     double wantedX = -1;   // that Up and Down keep
-    bool selecting = false;
-    bool hasKeyboard = false;
 };

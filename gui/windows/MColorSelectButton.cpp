@@ -2,8 +2,8 @@
 #include "gui/windows/MColorSelectButton.h"
 
 #include "gui/controls/XmlAttributes.h"
-#include "gui/widgets/MColorEditor.h"
 #include "gui/fields/WidgetText.h"
+#include "gui/widgets/MColorEditor.h"
 #include "gui/windows/ColorSwatch.h"
 #include "gui/windows/MColorWindow.h"
 

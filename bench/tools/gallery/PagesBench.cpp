@@ -3,6 +3,7 @@
 // anew, and what a control that changes costs. Arguments: percent of scale.
 #include <benchmark/benchmark.h>
 
+#include "bench/tools/gallery/BenchPages.h"
 #include "gui/controls/MLayoutClient.h"
 #include "gui/controls/MLayoutGrid.h"
 #include "gui/controls/MPanel.h"
@@ -10,24 +11,9 @@
 #include "gui/platform/HeadlessWindowSystem.h"
 #include "gui/widgets/MKnob.h"
 #include "gui/widgets/MLevelMeter.h"
-#include "tools/gallery/Gallery.h"
 
 namespace
 {
-const Gallery& Pages()
-{
-    static const Gallery gallery(BENCH_PAGES);
-    return gallery;
-}
-
-const Gallery::Page& PageOf(const std::string& name)
-{
-    for (const Gallery::Page& each : Pages().Pages())
-        if (each.name == name)
-            return each;
-    return Pages().Pages().front();
-}
-
 struct Screen
 {
     explicit Screen(std::int64_t percent) : windows(std::make_unique<HeadlessWindowSystem>())

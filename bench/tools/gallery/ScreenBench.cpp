@@ -8,30 +8,16 @@
 
 #include <benchmark/benchmark.h>
 
+#include "bench/tools/gallery/BenchPages.h"
 #include "gui/controls/MWindows.h"
 #include "gui/platform/XcbWindowSystem.h"
 #include "gui/widgets/MButton.h"
 #include "gui/widgets/MKnob.h"
 #include "tests/gui/platform/XClient.h"
 #include "tests/gui/platform/XServer.h"
-#include "tools/gallery/Gallery.h"
 
 namespace
 {
-const Gallery& Pages()
-{
-    static const Gallery gallery(BENCH_PAGES);
-    return gallery;
-}
-
-const Gallery::Page& PageOf(const std::string& name)
-{
-    for (const Gallery::Page& each : Pages().Pages())
-        if (each.name == name)
-            return each;
-    return Pages().Pages().front();
-}
-
 struct Screen
 {
     Screen()

@@ -7,9 +7,9 @@
 #include <gtest/gtest.h>
 
 #include "foundation/text/MStringFormat.h"
+#include "gui/fields/MEdit.h"
 #include "gui/loader/MXmlLoader.h"
 #include "gui/styles/StyleConfiguration.h"
-#include "gui/fields/MEdit.h"
 #include "gui/windows/MColorSelectButton.h"
 #include "gui/windows/MColorWindow.h"
 #include "gui/windows/MStyleWindow.h"
