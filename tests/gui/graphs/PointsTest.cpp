@@ -292,6 +292,13 @@ TEST_F(Points, RightClicksCountOnlyOverTheSamePoint)
     EXPECT_EQ(graph.PointAt(first.x, first.y), 3);
     bool isOnLeft = false;
     EXPECT_EQ(graph.HandleAt(first.x + 20, first.y, isOnLeft), -1);
+
+    // What is out of the view can't be touched beside the graph.
+    editor->SetView(0.2, 0.5, 0, 1);
+    graph.points.At(2).x = graph.Mapping().x.ValueOf(editor->GraphRectangle().right + 4);
+    EXPECT_EQ(graph.PointAt(editor->GraphRectangle().right + 4, PixelOf(2).y), -1);
+    graph.points.At(2).x = graph.Mapping().x.ValueOf(editor->GraphRectangle().right);
+    EXPECT_EQ(graph.PointAt(editor->GraphRectangle().right + 4, PixelOf(2).y), 2);
 }
 
 TEST_F(Points, KeysStepInChooseMoveAndLeave)
