@@ -44,6 +44,19 @@ std::unique_ptr<MControl> MControl::RemoveChild(MControl& child)
     return taken;
 }
 
+void MControl::RemoveContent()
+{
+    layouts.clear();
+    MWindows* windows = MWindows::Get();
+    while (!children.empty())
+    {
+        children.back()->layout.layout = nullptr;
+        std::unique_ptr<MControl> taken = RemoveChild(*children.back());
+        if (windows != nullptr)
+            windows->DeleteLater(std::move(taken));
+    }
+}
+
 MControl& MControl::Root()
 {
     return parentControl == nullptr ? *this : parentControl->Root();

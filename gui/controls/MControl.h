@@ -37,6 +37,8 @@ public:
         return static_cast<Child&>(AddChild(std::make_unique<Child>(std::forward<Arguments>(arguments)...)));
     }
     std::unique_ptr<MControl> RemoveChild(MControl& child);
+    /// Takes all children and layouts out. The children are deleted when no event runs any more.
+    void RemoveContent();
     const std::vector<std::unique_ptr<MControl>>& Children() const { return children; }
     MControl* Parent() const { return parentControl; }
     MControl& Root();
@@ -150,7 +152,9 @@ public:
     {
         return false;
     }
-    /// While files are held over it, and when they leave.
+    /// A text was dropped on it; false: not taken.
+    virtual bool OnDropText(const MString& /*text*/, std::int32_t /*x*/, std::int32_t /*y*/) { return false; }
+    /// While files or a text that it accepts are held over it, and when they leave.
     virtual void OnDragOver(bool /*isOver*/) {}
     virtual MStdCursor GetCursor(std::int32_t x, std::int32_t y) const;
     /// Asks the control, and those above it, whether the window may close.
@@ -190,6 +194,8 @@ public:
     bool receivesMouse = true;   ///< otherwise what lies behind it gets the events
     bool opaque = false;   ///< it paints every pixel of its rectangle, so that nothing behind has to
     bool acceptsFiles = false;
+    std::uint16_t shownState = 0;   ///< DrawState that it shows besides its own: for pictures of all states
+    bool acceptsText = false;   ///< dropped on it
     bool usesParentHelp = false;
     bool showsHelp = true;
     bool savesState = false;   ///< that it is collapsed, with the window's place and size

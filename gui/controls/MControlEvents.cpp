@@ -116,7 +116,7 @@ void MControl::Paint(MDrawer& drawer)
 
 std::uint16_t MControl::GetDrawState() const
 {
-    std::uint16_t state = 0;
+    std::uint16_t state = shownState;
     if (IsUsable())
         state |= DrawEnabled;
     // Dragged out, it would do nothing if it were released.

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What a control takes from its element of a layout document. Sizes there are units at 100 %.
+#include <algorithm>
+
 #include "gui/controls/MControl.h"
 #include "gui/controls/MWindow.h"
 #include "gui/controls/XmlAttributes.h"
@@ -10,12 +12,15 @@ namespace
 constexpr const char* AlignmentNames[] = { "center,center", "left,center", "right,center", nullptr,
                                            "center,top",    "left,top",    "right,top",    nullptr,
                                            "center,bottom", "left,bottom", "right,bottom" };
+/// No screen is as large, and sums of such numbers still are numbers.
+constexpr std::int32_t LargestSize = 32767;
 }   // namespace
 
 std::int32_t MControl::PixelsOf(std::int32_t units) const
 {
     const MStyle* used = Style();
-    return used != nullptr ? used->Pixels(units) : units;
+    const std::int32_t limited = std::clamp(units, -LargestSize, LargestSize);
+    return used != nullptr ? used->Pixels(limited) : limited;
 }
 
 void MControl::LoadXml(const MAttribute& node)
@@ -40,6 +45,8 @@ void MControl::LoadXml(const MAttribute& node)
     attributes.Read("help", help);
     attributes.Read("useparenthelp", usesParentHelp);
     attributes.Read("enablesavestate", savesState);
+    if (std::int32_t bits = 0; attributes.Read("shownstate", bits))
+        shownState = static_cast<std::uint16_t>(bits);
 }
 
 void MControl::LoadSizes(const MAttribute& node)
@@ -78,6 +85,8 @@ void MControl::LoadLayoutOptions(const MAttribute& node)
     const XmlAttributes attributes(node);
     attributes.Read("layoutratiox", layout.x.ratio);
     attributes.Read("layoutratioy", layout.y.ratio);
+    layout.x.ratio = std::clamp(layout.x.ratio, 0, LargestSize);
+    layout.y.ratio = std::clamp(layout.y.ratio, 0, LargestSize);
     for (const Axis axis : { Axis::X, Axis::Y })
         if (std::int32_t units = 0;
             attributes.Read(axis == Axis::X ? "layoutborderx" : "layoutbordery", units))

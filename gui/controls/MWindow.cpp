@@ -54,6 +54,7 @@ void MWindow::AttachToParent(MWindowSystem::Handle hostWindow)
         return;
     Platform()->Initialize();
     Start(MWindowSystem::Kind::Child, nullptr, hostWindow);
+    attached = true;
     Platform()->Show(*this);
 }
 
@@ -121,6 +122,7 @@ void MWindow::Close()
         freed->blocker = nullptr;
     ownerWindow = nullptr;
     modal = false;
+    attached = false;
     windows.Platform().DestroyWindow(*this);
     windows.Remove(*this);
     if (freed != nullptr && freed->open)
@@ -199,6 +201,9 @@ void MWindow::SetFocusOwner(MControl* control)
         before->Invalidate();
         before->SendEvent(event);
     }
+    // Nobody needs keys any more: they are the host's again.
+    if (control == nullptr && focusOwner == nullptr && open)
+        Platform()->ReturnKeyboard(*this);
     // Losing it, the other may have handed it on.
     if (control != nullptr && focusOwner == control)
     {
@@ -209,6 +214,12 @@ void MWindow::SetFocusOwner(MControl* control)
         if (open)
             Platform()->TakeKeyboard(*this);
     }
+}
+
+void MWindow::ReturnKeyboard()
+{
+    if (open && attached)
+        Platform()->ReturnKeyboard(*this);
 }
 
 void MWindow::MoveFocus(bool forward)

@@ -64,6 +64,8 @@ public:
     /// To the next control that takes the keyboard, or the one before.
     void MoveFocus(bool forward);
     bool ShowsFocusRing() const { return showsFocusRing; }
+    /// In a host's window: gives the keyboard back to it, as after something was typed.
+    void ReturnKeyboard();
     MControl* CaptureOwner() const { return captureOwner; }
     /// Null lets the mouse go.
     void SetCaptureOwner(MControl* control);
@@ -88,14 +90,20 @@ public:
     void CloseMessage();
     /// The platform's window is gone.
     void LostMessage();
-    void DragMessage(std::int32_t x, std::int32_t y, bool isOver);
-    bool CanDropAt(std::int32_t x, std::int32_t y) const;
+    enum class Dragged : std::uint8_t
+    {
+        Files,
+        Text
+    };
+    void DragMessage(std::int32_t x, std::int32_t y, bool isOver, Dragged what = Dragged::Files);
+    bool CanDropAt(std::int32_t x, std::int32_t y, Dragged what = Dragged::Files) const;
     bool DropMessage(const std::vector<MString>& files, std::int32_t x, std::int32_t y);
+    bool DropTextMessage(const MString& text, std::int32_t x, std::int32_t y);
     /// Paints what is invalid; what has to be shown of Picture() then stands in Shown(). An exception of a
     /// control is logged; the rest is painted.
     void PaintMessage();
     const MBitmap& Picture() const { return picture; }
-    const std::vector<MRectangle>& Shown() const { return shown; }
+    const std::vector<MRectangle>& Shown() const { return shownAreas; }
 
     // Tree and picture
     /// Of the picture.
@@ -174,12 +182,12 @@ private:
     void PaintTree(MControl& control, const MRectangle& area);
     void PaintOne(MControl& control, const MRectangle& area, void (MControl::*paint)(MDrawer&));
     MControl& CoveringControl(const MRectangle& area);
-    MControl* DropTargetAt(std::int32_t x, std::int32_t y) const;
+    MControl* DropTargetAt(std::int32_t x, std::int32_t y, Dragged what) const;
     MPoint FirstPlace(MWindow* owner);
 
     MBitmap picture;
     DirtyRegion dirty;
-    std::vector<MRectangle> shown;
+    std::vector<MRectangle> shownAreas;
     MERWLock windowLock;
     MEvent<MOnWindowCloseParams> closed;
     std::vector<MWindowShortcut> shortcuts;
@@ -201,5 +209,6 @@ private:
     bool dragging = false;
     bool modal = false;
     bool open = false;
+    bool attached = false;   // to a host's window
     bool showsFocusRing = false;
 };

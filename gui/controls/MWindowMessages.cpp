@@ -205,24 +205,25 @@ void MWindow::LostMessage()
     Close();
 }
 
-MControl* MWindow::DropTargetAt(std::int32_t x, std::int32_t y) const
+MControl* MWindow::DropTargetAt(std::int32_t x, std::int32_t y, Dragged what) const
 {
     if (BlockedBy() != nullptr)
         return nullptr;
     MControl* target = const_cast<MWindow*>(this)->LeafAt(x, y);
-    while (target != nullptr && (!target->acceptsFiles || !target->IsUsable()))
+    const auto accepts = what == Dragged::Files ? &MControl::acceptsFiles : &MControl::acceptsText;
+    while (target != nullptr && (!(target->*accepts) || !target->IsUsable()))
         target = target->Parent();
     return target;
 }
 
-bool MWindow::CanDropAt(std::int32_t x, std::int32_t y) const
+bool MWindow::CanDropAt(std::int32_t x, std::int32_t y, Dragged what) const
 {
-    return DropTargetAt(x, y) != nullptr;
+    return DropTargetAt(x, y, what) != nullptr;
 }
 
-void MWindow::DragMessage(std::int32_t x, std::int32_t y, bool isOver)
+void MWindow::DragMessage(std::int32_t x, std::int32_t y, bool isOver, Dragged what)
 {
-    MControl* target = isOver ? DropTargetAt(x, y) : nullptr;
+    MControl* target = isOver ? DropTargetAt(x, y, what) : nullptr;
     if (target == dropTarget)
         return;
     if (dropTarget != nullptr)
@@ -234,16 +235,23 @@ void MWindow::DragMessage(std::int32_t x, std::int32_t y, bool isOver)
 
 bool MWindow::DropMessage(const std::vector<MString>& files, std::int32_t x, std::int32_t y)
 {
-    MControl* target = DropTargetAt(x, y);
+    MControl* target = DropTargetAt(x, y, Dragged::Files);
     DragMessage(x, y, false);
     return target != nullptr && target->OnDrop(files, x - target->AbsoluteX(), y - target->AbsoluteY());
+}
+
+bool MWindow::DropTextMessage(const MString& text, std::int32_t x, std::int32_t y)
+{
+    MControl* target = DropTargetAt(x, y, Dragged::Text);
+    DragMessage(x, y, false);
+    return target != nullptr && target->OnDropText(text, x - target->AbsoluteX(), y - target->AbsoluteY());
 }
 
 std::uint8_t MWindow::GetResizeZone(std::int32_t x, std::int32_t y) const
 {
     if (resizeBorder <= 0 || !OwnRectangle().Contains(x, y))
         return 0;
-    const auto zone = [this](std::int32_t at, std::int32_t size, std::int32_t reach) -> std::uint8_t
+    const auto zone = [](std::int32_t at, std::int32_t size, std::int32_t reach) -> std::uint8_t
     {
         return at < reach ? 1 : at >= size - reach ? 2 : 0;
     };

@@ -18,7 +18,7 @@ void MWindow::InvalidateArea(const MRectangle& area)
 
 void MWindow::PaintMessage()
 {
-    shown.clear();
+    shownAreas.clear();
     if (!open)
         return;
     const MSyncGuard guard(&windowLock, MERWLock::Read);
@@ -41,7 +41,7 @@ void MWindow::PaintMessage()
         if (area.IsEmpty())
             continue;
         PaintArea(area);
-        shown.push_back(area);
+        shownAreas.push_back(area);
     }
 }
 

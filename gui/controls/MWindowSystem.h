@@ -69,7 +69,7 @@ public:
     virtual void Minimize(MWindow& root) = 0;
     /// Brings it forward and asks for the keyboard.
     virtual void Activate(MWindow& root) = 0;
-    /// Takes the keyboard for a window in a host's, and gives it back.
+    /// Takes the keyboard for a window in a host's, and gives it back; a window of the desktop keeps its own.
     virtual void TakeKeyboard(MWindow& root) = 0;
     virtual void ReturnKeyboard(MWindow& root) = 0;
     virtual bool HasKeyboard(const MWindow& root) const = 0;

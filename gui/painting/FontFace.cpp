@@ -8,7 +8,8 @@
 #include "gui/painting/FontLibrary.h"
 #include "gui/painting/RestOfStream.h"
 
-FontFace::FontFace(std::vector<std::uint8_t> fileBytes) : bytes(std::move(fileBytes))
+FontFace::FontFace(std::vector<std::uint8_t> fileBytes)
+    : library(FontLibrary::Shared()), bytes(std::move(fileBytes))
 {
     const FT_Error error =
         FT_New_Memory_Face(FontLibrary::Get(), bytes.data(), static_cast<FT_Long>(bytes.size()), 0, &face);

@@ -12,6 +12,8 @@
 
 class MStream;
 
+class FontLibrary;
+
 /// The outlines of one font file, shared by all sizes. Thread: GUI.
 class FontFace
 {
@@ -34,6 +36,7 @@ public:
     std::uint32_t GlyphOf(char32_t character) const { return FT_Get_Char_Index(face, character); }
 
 private:
+    std::shared_ptr<const FontLibrary> library;   // outlives the face
     std::vector<std::uint8_t> bytes;   // FreeType reads from them as long as the face lives
     FT_Face face = nullptr;
     mutable double sizeInUse = 0;

@@ -14,8 +14,8 @@ FontLibrary::~FontLibrary()
     FT_Done_FreeType(library);
 }
 
-FT_Library FontLibrary::Get()
+const std::shared_ptr<const FontLibrary>& FontLibrary::Shared()
 {
-    static FontLibrary only;
-    return only.library;
+    static const std::shared_ptr<const FontLibrary> only(new FontLibrary);
+    return only;
 }

@@ -20,6 +20,12 @@ public:
     {
         return reinterpret_cast<Function*>(Symbol(name));
     }
+    /// Finds a variable of it.
+    template <typename Data>
+    Data* FindData(const char* name) const
+    {
+        return static_cast<Data*>(Symbol(name));
+    }
 
 private:
     void* Symbol(const char* name) const;

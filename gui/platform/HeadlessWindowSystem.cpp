@@ -169,11 +169,12 @@ MRectangle HeadlessWindowSystem::GetWorkArea(std::int32_t, std::int32_t) const
     return MRectangle::OfSize(0, 0, screen.width, screen.height);
 }
 
-void HeadlessWindowSystem::CreateWindow(MWindow& root, Kind, Handle owner)
+void HeadlessWindowSystem::CreateWindow(MWindow& root, Kind kind, Handle owner)
 {
     Window& made = windows[&root];
     made.handle = ++lastHandle;
     made.owner = owner;
+    made.isChild = kind == Kind::Child;
     made.place = MRectangle::OfSize(root.X(), root.Y(), root.Width(), root.Height());
 }
 
@@ -277,7 +278,8 @@ void HeadlessWindowSystem::Activate(MWindow& root)
 
 void HeadlessWindowSystem::ReturnKeyboard(MWindow& root)
 {
-    if (active != &root)
+    const Window* window = Find(root);
+    if (active != &root || window == nullptr || !window->isChild)
         return;
     const MWindows::MessageScope scope(*MWindows::Get());
     active = nullptr;

@@ -106,6 +106,7 @@ private:
         MRectangle place;
         MString title;
         MStdCursor cursor = MStdCursor::Arrow;
+        bool isChild = false;
         bool shown = false;
         bool invalid = false;
     };

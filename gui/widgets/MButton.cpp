@@ -4,7 +4,7 @@
 #include <algorithm>
 
 #include "gui/controls/XmlAttributes.h"
-#include "gui/widgets/WidgetText.h"
+#include "gui/fields/WidgetText.h"
 
 namespace
 {
@@ -70,6 +70,7 @@ void MButton::LoadXml(const MAttribute& node)
     attributes.Read("text", caption);
     attributes.Read("text2", secondLine);
     attributes.ReadName("icon", icon, "MStdIcon");
+    attributes.ReadName("iconcolor", iconColor, "MStdColor");
     attributes.Read("toggle", isToggle);
     attributes.Read("on", on);
     attributes.Read("primary", primary);
@@ -87,8 +88,9 @@ MSize MButton::ContentMinimum() const
     const bool both = text > 0 && picture.width > 0;
     const std::int32_t padding = text > 0 ? style.Pixels(PaddingUnits) : style.Pixels(4);
     const double height = secondLine.IsEmpty() ? 0 : TallUnits;
-    return { text + picture.width + (both ? style.Pixels(IconGapUnits) : 0) + 2 * padding,
-             std::max(style.Pixels(height), picture.height + 2 * style.Pixels(2)) };
+    return WidgetText::Inside(*this,
+                              { text + picture.width + (both ? style.Pixels(IconGapUnits) : 0) + 2 * padding,
+                                std::max(style.Pixels(height), picture.height + 2 * style.Pixels(2)) });
 }
 
 std::uint16_t MButton::GetDrawState() const
@@ -121,7 +123,7 @@ void MButton::PaintContent(MDrawer& drawer, const MRectangle& area, std::uint16_
     const MSize picture = icon != MStdIcon::None ? style.IconSize(icon) : MSize{};
     if (caption.IsEmpty())
     {
-        style.PaintIcon(drawer, area, icon, style.GetColor(WidgetText::ColorOf(state, MStdColor::Icon)));
+        style.PaintIcon(drawer, area, icon, style.GetColor(WidgetText::ColorOf(state, iconColor)));
         return;
     }
     const std::int32_t padding = style.Pixels(PaddingUnits);
@@ -134,7 +136,9 @@ void MButton::PaintContent(MDrawer& drawer, const MRectangle& area, std::uint16_
         std::int32_t left = room.left;
         if (alignment == MPlacement::Middle && secondLine.IsEmpty())
             left += std::max(0, (room.Width() - width - gap - picture.width) / 2);
-        style.PaintIcon(drawer, { left, area.top, left + picture.width - 1, area.bottom }, icon, text);
+        style.PaintIcon(drawer, { left, area.top, left + picture.width - 1, area.bottom }, icon,
+                        iconColor == MStdColor::Icon ? text
+                                                     : style.GetColor(WidgetText::ColorOf(state, iconColor)));
         room.left = left + picture.width + gap;
         if (alignment == MPlacement::Middle && secondLine.IsEmpty())
             room.right = std::max(room.left, room.left + width);

@@ -30,6 +30,7 @@ public:
 
     bool isToggle = false;   ///< a click switches it on or off by itself
     MPlacement alignment = MPlacement::Middle;
+    MStdColor iconColor = MStdColor::Icon;
 
 protected:
     MSize ContentMinimum() const override;

@@ -9,8 +9,8 @@
 #include "gui/controls/MWindow.h"
 #include "gui/controls/MWindows.h"
 #include "gui/controls/XmlAttributes.h"
+#include "gui/fields/MEdit.h"
 #include "gui/loader/MXmlLoader.h"
-#include "gui/widgets/MEdit.h"
 
 namespace
 {
@@ -247,6 +247,7 @@ bool MControlValue::BeginTyping()
     if (value == nullptr || field != nullptr || area.IsEmpty())
         return false;
     EndGesture();
+    typingByKey = Window() != nullptr && Window()->ShowsFocusRing();
     field = &Make<MEdit>();
     field->overlay = true;
     field->font = ValueFont();
@@ -276,6 +277,8 @@ void MControlValue::EndTyping(bool takes)
         windows->DeleteLater(RemoveChild(*done));
     if (hadFocus)
         SetFocus();
+    if (hadFocus && !typingByKey && Window() != nullptr)
+        Window()->ReturnKeyboard();
     if (!takes || value == nullptr || text == ValueText())
         return;
     BeginGesture();

@@ -95,4 +95,5 @@ private:
     MPoint dragPlace;
     bool dragging = false;
     bool dragged = false;
+    bool typingByKey = false;   // begun by a key: the user stays at the keyboard
 };

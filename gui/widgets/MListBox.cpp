@@ -6,7 +6,9 @@
 
 #include "gui/controls/MWindow.h"
 #include "gui/controls/MWindows.h"
-#include "gui/widgets/WidgetText.h"
+#include "gui/controls/XmlAttributes.h"
+#include "gui/fields/WidgetText.h"
+#include "state/tree/MAttribute.h"
 
 namespace
 {
@@ -41,7 +43,7 @@ MSize MListBox::ContentMinimum() const
     if (Style() == nullptr)
         return {};
     const std::int32_t inset = Style()->Pixels(InsetUnits);
-    return { Style()->Pixels(60), minimalRows * RowHeight() + 2 * inset };
+    return WidgetText::Inside(*this, { Style()->Pixels(60), minimalRows * RowHeight() + 2 * inset });
 }
 
 MRectangle MListBox::ListArea() const
@@ -63,6 +65,28 @@ void MListBox::OnPlaced()
     const std::int32_t wide = Style()->Pixels(10);
     bar->SetPosition(Width() - wide - Style()->Hairline(), inset);
     bar->SetSize(wide, Height() - 2 * inset);
+}
+
+void MListBox::LoadXml(const MAttribute& node)
+{
+    MControl::LoadXml(node);
+    const XmlAttributes attributes(node);
+    attributes.Read("emptytext", emptyText);
+    attributes.Read("multiple", multiple);
+    attributes.Read("rows", minimalRows);
+    std::vector<MListItem> lines;
+    for (int i = 0; i < node.SubItemCount(); ++i)
+    {
+        const XmlAttributes own(node.SubItemAt(i));
+        MListItem& line = lines.emplace_back();
+        own.Read("text", line.text);
+        own.Read("detail", line.detail);
+        own.Read("enabled", line.enabled);
+        own.ReadName("icon", line.icon, "MStdIcon");
+    }
+    SetItems(std::move(lines));
+    if (std::int32_t chosen = -1; attributes.Read("current", chosen))
+        SetCurrent(chosen);
 }
 
 void MListBox::SetItems(std::vector<MListItem> newItems)
@@ -111,10 +135,10 @@ void MListBox::SetCurrent(std::int32_t index)
 
 void MListBox::ShowItem(std::int32_t index)
 {
-    if (index < 0)
+    const std::int32_t page = ListArea().Height();
+    if (index < 0 || page < RowHeight())
         return;
     const std::int32_t top = index * RowHeight();
-    const std::int32_t page = ListArea().Height();
     if (top < bar->First())
         bar->SetFirst(top);
     else if (top + RowHeight() > bar->First() + page)

@@ -5,7 +5,7 @@
 
 #include "foundation/containers/MEvent.h"
 #include "gui/controls/MControl.h"
-#include "gui/widgets/MScrollBar.h"
+#include "gui/fields/MScrollBar.h"
 
 /// A line of a list.
 struct MListItem
@@ -40,6 +40,8 @@ public:
     /// A right click; -1: beside the lines.
     MEvent<MOnItemParams<std::int32_t>>& OnContext() { return context; }
 
+    /// Elements "item" with "text", "detail" and "icon" are its lines.
+    void LoadXml(const MAttribute& node) override;
     void Paint(MDrawer& drawer) override;
     bool OnEvent(const MControlEvent& event) override;
     void OnMouseLeave() override;

@@ -4,7 +4,7 @@
 #include <algorithm>
 
 #include "gui/controls/MWindows.h"
-#include "gui/widgets/WidgetText.h"
+#include "gui/fields/WidgetText.h"
 
 namespace
 {

@@ -21,7 +21,7 @@ void MProgressBar::SetShare(double newShare)
 {
     const double limited = std::isfinite(newShare) ? std::clamp(newShare, 0.0, 1.0) : 0;
     // What moves by less than half a pixel shows nothing new.
-    if (std::abs(limited - share) * Width() < 0.5 && limited != 0 && limited != 1)
+    if (Width() > 0 && std::abs(limited - share) * Width() < 0.5 && limited != 0 && limited != 1)
         return;
     share = limited;
     Invalidate();

@@ -2,7 +2,7 @@
 #include "gui/widgets/MStatic.h"
 
 #include "gui/controls/XmlAttributes.h"
-#include "gui/widgets/WidgetText.h"
+#include "gui/fields/WidgetText.h"
 
 MStatic::MStatic()
 {

@@ -4,7 +4,7 @@
 #include <algorithm>
 
 #include "gui/controls/XmlAttributes.h"
-#include "gui/widgets/WidgetText.h"
+#include "gui/fields/WidgetText.h"
 
 namespace
 {
@@ -52,9 +52,10 @@ MSize MSwitcher::ContentMinimum() const
         widest = std::max(widest, WidgetText::Width(*this, font, LabelAt(i)));
     const std::int32_t height = style.GetDefaultSize(controlType).height;
     if (segments)
-        return { Count() * (widest + 2 * padding), height };
-    return { widest + 2 * padding + style.IconSize(MStdIcon::CaretDown).width + style.Pixels(CaretSideUnits),
-             height };
+        return WidgetText::Inside(*this, { Count() * (widest + 2 * padding), height });
+    return WidgetText::Inside(*this, { widest + 2 * padding + style.IconSize(MStdIcon::CaretDown).width +
+                                           style.Pixels(CaretSideUnits),
+                                       height });
 }
 
 MRectangle MSwitcher::SegmentArea(std::int32_t index) const

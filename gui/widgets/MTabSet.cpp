@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "gui/widgets/WidgetText.h"
+#include "gui/fields/WidgetText.h"
 
 namespace
 {

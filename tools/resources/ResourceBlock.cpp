@@ -51,6 +51,14 @@ std::string FileBytes(const std::string& path)
     return bytes;
 }
 
+std::string PathOf(const std::string& file, const std::string& folder, const std::string& built)
+{
+    constexpr std::string_view prefix = "built/";
+    if (!built.empty() && file.starts_with(prefix))
+        return built + "/" + file.substr(prefix.size());
+    return folder + "/" + file;
+}
+
 std::string Compressed(const std::string& bytes)
 {
     MMemoryStream target;
@@ -89,7 +97,8 @@ std::vector<ResourceLine> ParseResourceLines(std::string_view text, const std::s
     return lines;
 }
 
-std::string MakeResourceBlock(const std::vector<ResourceLine>& lines, const std::string& folder)
+std::string MakeResourceBlock(const std::vector<ResourceLine>& lines, const std::string& folder,
+                              const std::string& built)
 {
     MAttribute solution("solution");
     MAttribute& list = solution.AddSubItem("resources");
@@ -103,7 +112,7 @@ std::string MakeResourceBlock(const std::vector<ResourceLine>& lines, const std:
             element.SetAttribute("filename", Text(line.file));
             continue;
         }
-        std::string bytes = FileBytes(folder + "/" + line.file);
+        std::string bytes = FileBytes(PathOf(line.file, folder, built));
         if (line.compressed)
         {
             bytes = Compressed(bytes);

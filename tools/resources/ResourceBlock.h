@@ -20,8 +20,10 @@ struct ResourceLine
 /// anything that is no description, and for an id that comes twice.
 std::vector<ResourceLine> ParseResourceLines(std::string_view text, const std::string& name);
 
-/// The block in the format that MResourceTable reads, with the files taken from `folder`. Throws MException.
-std::string MakeResourceBlock(const std::vector<ResourceLine>& lines, const std::string& folder);
+/// The block in the format that MResourceTable reads, with the files taken from `folder`, and those whose
+/// name begins with "built/" from `built`. Throws MException.
+std::string MakeResourceBlock(const std::vector<ResourceLine>& lines, const std::string& folder,
+                              const std::string& built = {});
 
 /// C++ source that defines the block as `EmbeddedResourceBlock` and its size.
 std::string MakeResourceSource(std::string_view block);

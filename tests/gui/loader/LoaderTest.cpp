@@ -150,7 +150,7 @@ TEST_F(Loader, ReadsEachAttributeByItsRule)
         { "posx='99999999999'",
           [](const MControl& c)
           {
-              return c.X() == 2147483647;
+              return c.X() == 32767;
           } },
         { "posx='+5'",
           [](const MControl& c)

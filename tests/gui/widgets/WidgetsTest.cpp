@@ -11,11 +11,9 @@
 #include "control/values/MValueQuantities.h"
 #include "foundation/text/MCharFilter.h"
 #include "gui/controls/MLayoutClient.h"
-#include "gui/controls/MWindows.h"
-#include "gui/platform/HeadlessWindowSystem.h"
+#include "gui/fields/MEdit.h"
 #include "gui/widgets/MButton.h"
 #include "gui/widgets/MCheckBox.h"
-#include "gui/widgets/MEdit.h"
 #include "gui/widgets/MKnob.h"
 #include "gui/widgets/MLevelMeter.h"
 #include "gui/widgets/MListBox.h"
@@ -24,66 +22,10 @@
 #include "gui/widgets/MSwitcher.h"
 #include "gui/widgets/MTabSet.h"
 #include "gui/widgets/MTracker.h"
-#include "tests/gui/PlainStyle.h"
+#include "tests/gui/widgets/WidgetsFixture.h"
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-
-namespace
-{
-class Widgets : public ::testing::Test, public MEventTarget
-{
-protected:
-    Widgets()
-    {
-        auto system = std::make_unique<HeadlessWindowSystem>();
-        screen = system.get();
-        windows = std::make_unique<MWindows>(std::move(system));
-        windows->SetStyle(std::make_unique<PlainStyle>());
-        window = std::make_unique<MWindow>();
-        window->SetSize(400, 300);
-        window->Open(MWindowSystem::Kind::Normal);
-    }
-    ~Widgets() override { window.reset(); }
-
-    template <typename Widget>
-    Widget& Add(MRectangle place)
-    {
-        Widget& made = window->Make<Widget>();
-        made.SetPosition(place.left, place.top);
-        made.SetSize(place.Width(), place.Height());
-        return made;
-    }
-
-public:
-    void OnClick(const MOnControlClickParams&) { log.push_back("click"); }
-    void OnCheck(const MOnCheckParams& params)
-    {
-        log.push_back("check " + std::to_string(static_cast<int>(params.state)));
-    }
-    void OnDone(const MOnClickParams& params) { log.push_back("done " + std::to_string(params.data)); }
-    void OnText(const MOnNotifyParams&) { log.push_back("text"); }
-    void OnValue(const MOnValueChangeParams& params)
-    {
-        const char* const phases[] = { "begin", "change", "end" };
-        log.push_back(phases[static_cast<int>(params.phase)]);
-    }
-    void OnItem(const MOnItemParams<std::int32_t>& params, std::uintptr_t kind)
-    {
-        const char* const kinds[] = { "select", "activate", "context", "page" };
-        log.push_back(std::string(kinds[kind]) + " " + std::to_string(params.item));
-    }
-
-protected:
-    std::vector<std::string> Taken() { return std::exchange(log, {}); }
-    void Key(std::int32_t key, std::uint8_t modifiers = 0) { screen->Key(*window, key, modifiers); }
-
-    std::vector<std::string> log;
-    HeadlessWindowSystem* screen = nullptr;
-    std::unique_ptr<MWindows> windows;
-    std::unique_ptr<MWindow> window;
-};
-}   // namespace
 
 TEST_F(Widgets, ButtonsClickByMouseAndKeysAndRepeatWhileHeld)
 {
@@ -245,6 +187,32 @@ TEST_F(Widgets, ValuesAreTypedAndRefusedTextChangesNothing)
     screen->MoveMouse(*window, 1, 1);
     EXPECT_NEAR(bound.Get(), 0.4, 1e-12);
     EXPECT_TRUE(other.HasFocus());
+}
+
+TEST_F(Widgets, InAHostsWindowGiveTheKeyboardBackAfterTyping)
+{
+    window->Close();
+    window->AttachToParent(4711);
+    MRelaxed<double> bound{ 0.5 };
+    MValuePercents value(&bound, 0, 1, 0.25);
+    auto& knob = Add<MKnob>(MRectangle::OfSize(10, 10, 60, 90));
+    knob.SetValue(&value);
+    window->Relayout();
+    screen->DoubleClick(*window, 40, 50);
+    EXPECT_TRUE(screen->HasKeyboard(*window));
+    screen->Type(*window, "12");
+    Key(MKey::Enter);
+    EXPECT_NEAR(bound.Get(), 0.12, 1e-12);
+    EXPECT_FALSE(screen->HasKeyboard(*window)) << "begun by the mouse";
+    screen->Click(*window, 40, 50);
+    Key(MKey::Up);
+    Key(MKey::Enter);
+    screen->Type(*window, "34");
+    Key(MKey::Enter);
+    EXPECT_NEAR(bound.Get(), 0.34, 1e-12);
+    EXPECT_TRUE(screen->HasKeyboard(*window)) << "begun by a key";
+    window->Detach();
+    EXPECT_EQ(screen->WindowCount(), 0);
 }
 
 TEST_F(Widgets, SlidersFollowThePointerAndJumpToIt)

@@ -54,6 +54,12 @@ TEST(MakeResources, ABlockGivesBackTheFiles)
         spelled += static_cast<char>(std::stoi(source.substr(place, 4), nullptr, 16));
     EXPECT_EQ(spelled, block);
     EXPECT_NE(source.find("Size = " + std::to_string(block.size()) + ";"), std::string::npos);
+    // What the build made may stand in another folder.
+    const auto lines = ParseResourceLines("resource b built/b.txt", "list");
+    MResourceTable fromBuilt;
+    const std::string built = MakeResourceBlock(lines, "/nowhere", (folder / "deeper").string());
+    fromBuilt.Read(built.data(), static_cast<std::int32_t>(built.size()));
+    EXPECT_EQ(Content(fromBuilt.Get("b")), "plain");
     EXPECT_EQ(WEXITSTATUS(std::system(("'" + program + "' 2>/dev/null").c_str())), 2);
     EXPECT_EQ(WEXITSTATUS(std::system(("'" + program + "' /nowhere x 2>/dev/null").c_str())), 1);
     MResourceTable table;
