@@ -148,34 +148,31 @@ void CurvePainter::FindBorder(const Range& range, float radius, float side, std:
     border.assign(static_cast<std::size_t>(count), side * static_cast<float>(FarthestPixel));
     float* const places = border.data();
     constexpr auto phases = static_cast<float>(Phases);
-    const auto reach = [=](float from, float to, auto&& heightAt)
+    // All is computed from the segment's begin, so that it comes out alike wherever the columns begin.
+    std::int32_t origin = -margin * static_cast<std::int32_t>(Phases);
+    const auto reach = [&](float from, float to, auto&& heightAt)
     {
         // Rounded outward: where pieces meet both are right.
-        const std::int32_t first = std::max(0, RowOf(from * phases + 1 - Overlap));
-        const std::int32_t last = std::min(count - 1, RowOf(to * phases + Overlap));
+        const std::int32_t first = std::max(0, origin + RowOf(from * phases + 1 - Overlap));
+        const std::int32_t last = std::min(count - 1, origin + RowOf(to * phases + Overlap));
         for (std::int32_t i = first; i <= last; ++i)
         {
-            const float height = heightAt(static_cast<float>(i) / phases);
+            const float height = heightAt(static_cast<float>(i - origin) / phases);
             places[i] = side > 0 ? Smaller(places[i], height) : Larger(places[i], height);
         }
     };
     const float offset = side * radius;
-    for (std::size_t j = 0; j < slopes.size(); ++j)
+    for (std::size_t j = 0; j < slopes.size(); ++j, origin += static_cast<std::int32_t>(Phases))
     {
-        const float begin = static_cast<float>(static_cast<std::int32_t>(j) - margin);
-        const float moved = begin + offset * sines[j];
         const float height = line[j];
         const float slope = slopes[j];
         const float thick = offset * roots[j];
-        reach(moved, moved + 1, [=](float x) { return height + (x - begin) * slope - thick; });
-        const float movedBefore = j > 0 ? begin + offset * sines[j - 1] : moved;
+        const float moved = offset * sines[j];
+        reach(moved, moved + 1, [=](float x) { return height + x * slope - thick; });
+        const float movedBefore = j > 0 ? offset * sines[j - 1] : moved;
         if (movedBefore < moved)
             reach(movedBefore, moved,
-                  [=](float x)
-                  {
-                      const float square = radius * radius - (x - begin) * (x - begin);
-                      return height - side * std::sqrt(Larger(square, 0));
-                  });
+                  [=](float x) { return height - side * std::sqrt(Larger(radius * radius - x * x, 0)); });
     }
 }
 

@@ -27,6 +27,7 @@ constexpr double ReadoutBelow = 15;
 constexpr double ReadoutPadding = 8;
 constexpr double ReadoutRadius = 4;
 constexpr double CursorTextHeight = 15;
+constexpr double LeastCaptionSpace = 8;   // around captions beside the graph
 
 MColor ShareOf(MColor color, std::int32_t share)
 {
@@ -186,10 +187,15 @@ void MGraphEditor::PaintGrid(MDrawer& drawer, bool isHorizontal) const
     const double low = isHorizontal ? XMin() : YMin();
     const double range = isHorizontal ? XMax() - low : YMax() - low;
     MAxisRendererList plain;
+    MFont& face = drawer.GetFont(static_cast<std::int32_t>(MStdFont::Axis));
     const auto add = [&](double share)
     {
-        plain.AddLabel(
-            ValueText(isHorizontal ? formatX : formatY, low + range * (from + share * (to - from))), share);
+        MString text =
+            ValueText(isHorizontal ? formatX : formatY, low + range * (from + share * (to - from)));
+        // Beside the graph there is no room for more than the number.
+        if (!isHorizontal && face.Width(text) > captions.Width() - Pixels(drawer, LeastCaptionSpace))
+            text = text.SubString(0, std::max(0, text.Find(u' ')));
+        plain.AddLabel(text, share);
     };
     const std::int32_t last = side.Length() - 1;
     for (std::int32_t at = 0; at < last; at += spacing)

@@ -16,7 +16,7 @@ public:
         Emphasised = MGraph::FirstOwn,   ///< three pixels wide
         Dragging
     };
-    static constexpr std::int32_t ReachPixels = 3;
+    static constexpr std::int32_t Reach = 3;   ///< units at 100 %
 
     using MLineGraphBase<R>::MLineGraphBase;
 
@@ -80,7 +80,7 @@ private:
     bool IsNear(const MGraphEditor& editor, std::int32_t x, std::int32_t y) const
     {
         return this->value != nullptr && editor.ClipRectangle().Contains(x, y) &&
-               std::abs(x - Pixel()) <= ReachPixels;
+               std::abs(x - Pixel()) <= editor.PixelsOf(Reach);
     }
 };
 

@@ -36,14 +36,24 @@ void PullPointEditing::Select(std::int32_t index)
         *selection = index;
 }
 
+bool PullPointEditing::IsInView(MPoint pixel) const
+{
+    return Editor() != nullptr && Editor()->ClipRectangle().Contains(pixel.x, pixel.y);
+}
+
+MPoint PullPointEditing::PixelOf(const State& point) const
+{
+    return { PointMapping().x.PixelOf(point.x), PointMapping().y.PixelOf(point.y) };
+}
+
 std::int32_t PullPointEditing::PointAt(std::int32_t x, std::int32_t y) const
 {
     std::int32_t disabled = -1;
     for (std::int32_t i = 0; i < PointCount(); ++i)
     {
         const State point = GetPoint(i);
-        if (std::abs(PointMapping().x.PixelOf(point.x) - x) > pointRadius ||
-            std::abs(PointMapping().y.PixelOf(point.y) - y) > pointRadius)
+        const MPoint pixel = PixelOf(point);
+        if (std::abs(pixel.x - x) > pointRadius || std::abs(pixel.y - y) > pointRadius || !IsInView(pixel))
             continue;
         if (point.enabled)
             return i;
@@ -58,11 +68,11 @@ std::int32_t PullPointEditing::HandleAt(std::int32_t x, std::int32_t y, bool& is
     for (std::int32_t i = 0; i < PointCount(); ++i)
     {
         const State point = GetPoint(i);
-        const std::int32_t pointX = PointMapping().x.PixelOf(point.x);
-        if (!point.enabled || !point.hasWidth || std::abs(pointX - x) > reach ||
-            std::abs(PointMapping().y.PixelOf(point.y) - y) > pointRadius)
+        const MPoint pixel = PixelOf(point);
+        if (!point.enabled || !point.hasWidth || std::abs(pixel.x - x) > reach ||
+            std::abs(pixel.y - y) > pointRadius || !IsInView(pixel))
             continue;
-        isOnLeft = x < pointX;
+        isOnLeft = x < pixel.x;
         return i;
     }
     return -1;

@@ -71,6 +71,9 @@ protected:
     virtual MColor PointColor(const MDrawer& drawer, std::int32_t index) const;
 
 private:
+    /// Zoomed out of the view, a point can neither be seen nor touched.
+    bool IsInView(MPoint pixel) const;
+    MPoint PixelOf(const State& point) const;
     /// Changes a point under the lock and tells it.
     template <typename Change>
     void ChangePoint(MGraphEditor& editor, std::int32_t index, Change&& change);
@@ -100,7 +103,7 @@ private:
     void LeaveKeys(MGraphEditor& editor);
 
     void PaintPoint(MDrawer& drawer, std::int32_t index) const;
-    void PaintHandles(MDrawer& drawer, const State& point, MColor ink) const;
+    void PaintHandles(MDrawer& drawer, MPoint centre, double width, MColor ink) const;
     void PaintNumber(MDrawer& drawer, std::int32_t index, MPoint centre, bool enabled) const;
     void PaintText(MGraphEditor& editor, MDrawer& drawer) const;
 

@@ -51,10 +51,18 @@ void PullPointEditing::Paint(MGraphEditor& editor, MDrawer& drawer)
     for (std::int32_t i = PointCount() - 1; i >= 0; --i)
     {
         const State point = GetPoint(i);
-        const MPoint centre{ PointMapping().x.PixelOf(point.x), PointMapping().y.PixelOf(point.y) };
+        const MPoint centre = PixelOf(point);
+        if (!IsInView(centre))
+            continue;
         const MColor ink = PointColor(drawer, i);
         if (point.enabled && point.hasWidth)
-            PaintHandles(drawer, point, ShareOf(ink, HandleAlpha));
+        {
+            // Handles end at the graph; a point at its edge reaches over it.
+            const MRectangle clip = drawer.GetClip();
+            drawer.SetClip(clip.Intersection(editor.ClipRectangle()));
+            PaintHandles(drawer, centre, point.width, ShareOf(ink, HandleAlpha));
+            drawer.SetClip(clip);
+        }
         const MBitmap* image = style != nullptr ? style->FindBitmap(PointImage(i)) : nullptr;
         // An image of even width has no middle pixel.
         const double half = image != nullptr && image->Width() % 2 == 0 ? 0 : 0.5;
@@ -87,15 +95,15 @@ void PullPointEditing::PaintNumber(MDrawer& drawer, std::int32_t index, MPoint c
                           enabled ? MColor(255, 255, 255) : quiet, MPlacement::Middle);
 }
 
-void PullPointEditing::PaintHandles(MDrawer& drawer, const State& point, MColor ink) const
+void PullPointEditing::PaintHandles(MDrawer& drawer, MPoint centre, double width, MColor ink) const
 {
     const auto pixels = [this](double units)
     {
         return std::max(1, static_cast<std::int32_t>(std::lround(units * scale)));
     };
-    const std::int32_t x = PointMapping().x.PixelOf(point.x);
-    const std::int32_t y = PointMapping().y.PixelOf(point.y);
-    const std::int32_t reach = pointRadius + pixels(LeastHandle + HandleOfWidth * point.width);
+    const std::int32_t x = centre.x;
+    const std::int32_t y = centre.y;
+    const std::int32_t reach = pointRadius + pixels(LeastHandle + HandleOfWidth * width);
     const std::int32_t bar = pixels(BarThickness);
     const std::int32_t cap = pixels(CapHeight);
     const std::int32_t capWidth = pixels(CapWidth);
@@ -124,5 +132,5 @@ void PullPointEditing::PaintText(MGraphEditor& editor, MDrawer& drawer) const
     else
         text = format ? format(index) : editor.PointText(point.x, point.y);
     // At the point, which is at the pointer as long as no limit holds it.
-    editor.PaintReadout(drawer, PointMapping().x.PixelOf(point.x), PointMapping().y.PixelOf(point.y), text);
+    editor.PaintReadout(drawer, PixelOf(point).x, PixelOf(point).y, text);
 }

@@ -15,6 +15,8 @@
 
 namespace
 {
+constexpr std::int32_t ShortRow = 4;   // pixels
+
 /// A drawer is made for each control in each paint: the memory of its shapes is kept beside all of them.
 ShapeOutline& SharedOutline()
 {
@@ -66,12 +68,22 @@ const MDrawerOwner& MDrawerToMBitmap::Owner() const
 void MDrawerToMBitmap::FillArea(const MRectangle& area, MColor color, MColorOp op)
 {
     const MRectangle seen = area.Moved(originX, originY).Intersection(clip);
-    if (!seen.IsEmpty())
-        Pixels::Fill({ .first = Target().Row(seen.top) + seen.left,
-                       .stride = Target().Width(),
-                       .width = seen.Width(),
-                       .height = seen.Height() },
-                     color, op);
+    if (seen.IsEmpty())
+        return;
+    if (seen.Width() < ShortRow && op == MColorOp::Alphablend)
+    {
+        // An upright line: the loop over a row's pixels would cost more than they do.
+        for (std::int32_t y = seen.top; y <= seen.bottom; ++y)
+            for (std::uint32_t* pixel = Target().Row(y) + seen.left; pixel <= Target().Row(y) + seen.right;
+                 ++pixel)
+                *pixel = Pixels::Alphablended(*pixel, color.value, color.Alpha());
+        return;
+    }
+    Pixels::Fill({ .first = Target().Row(seen.top) + seen.left,
+                   .stride = Target().Width(),
+                   .width = seen.Width(),
+                   .height = seen.Height() },
+                 color, op);
 }
 
 void MDrawerToMBitmap::FillRectangle(const MRectangle& area, MColor color, MColorOp op)

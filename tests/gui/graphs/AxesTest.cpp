@@ -167,6 +167,15 @@ TEST_F(GraphWindow, GridLinesLieWhereTheValuesAre)
             for (std::int32_t x = area.left + 1; x < area.right; ++x)
                 if (pixel(x) != pixel(x - 1) && pixel(x) != pixel(area.left + 3))
                     lines.insert(x);
+            // Three weaker ones between any two, a quarter of the way apart.
+            const double positions[] = { 0, std::log10(2.5) / 3, std::log10(5.0) / 3 };
+            for (const std::size_t i : { 0u, 1u })
+                for (std::int32_t k = 0; k <= 4; ++k)
+                {
+                    const double position = positions[i] + (positions[i + 1] - positions[i]) * k / 4;
+                    const std::int32_t x = graph.Mapping().x.PixelOf(position);
+                    EXPECT_EQ(lines.count(x), x > area.left && x < area.right ? 1u : 0u) << k << " at " << x;
+                }
             for (const double hertz : { 50.0, 100.0, 200.0, 500.0, 1000.0 })
             {
                 const std::int32_t x = graph.Mapping().x.PixelOf((std::log10(hertz) - lowLog) / 3);

@@ -71,6 +71,12 @@ protected:
         window->Invalidate();
         return Look();
     }
+    /// What was painted bit by bit is what is painted in one go.
+    bool IsWhole()
+    {
+        const std::vector<std::uint32_t> before = Look();
+        return before == LookAgain();
+    }
     MPoint Middle() const
     {
         const MRectangle& area = editor->GraphRectangle();
