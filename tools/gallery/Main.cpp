@@ -97,5 +97,10 @@ int main(int argc, char** argv)
         std::fprintf(stderr, "gallery: %s\n", failure.Message.ToUTF8().c_str());
         return 1;
     }
+    catch (const std::filesystem::filesystem_error& failure)
+    {
+        std::fprintf(stderr, "gallery: %s: %s\n", failure.path1().c_str(), failure.code().message().c_str());
+        return 1;
+    }
     return 0;
 }
