@@ -10,6 +10,8 @@
 #include "gui/controls/MPanel.h"
 #include "gui/controls/MWindows.h"
 #include "gui/loader/MXmlLoader.h"
+#include "gui/styles/MBaseStyle.h"
+#include "gui/styles/StyleCursors.h"
 #include "gui/widgets/MButton.h"
 #include "gui/widgets/MStaticMultiLine.h"
 #include "state/tree/XML.h"
@@ -54,6 +56,8 @@ void GalleryWindow::Show(std::int32_t shownPage, const std::string& shownLook, i
 void GalleryWindow::Rebuild()
 {
     MWindows::Get()->SetStyle(Gallery::MakeStyle(Looks[look.Get()], Percents[scale.Get()] / 100.0));
+    if (const auto* drawn = dynamic_cast<const MBaseStyle*>(Style()))
+        GiveCursors(*drawn, MWindows::Get()->Platform());
     RemoveContent();
     SetSize(0, 0);
     const MStyle& style = *Style();
@@ -140,6 +144,8 @@ void GalleryWindow::OnDialog(const MOnControlClickParams& params)
 void GalleryWindow::OnOpened()
 {
     SetTimer(watcher, WatchMilliseconds);
+    if (const MBitmap* icon = Style()->GetBitmap(MStdBitmap::Icon))
+        MWindows::Get()->Platform().SetIcon(*this, *icon);
 }
 
 void GalleryWindow::Watcher::OnTimer()
