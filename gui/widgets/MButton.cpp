@@ -2,6 +2,7 @@
 #include "gui/widgets/MButton.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "gui/controls/XmlAttributes.h"
 #include "gui/fields/WidgetText.h"
@@ -154,8 +155,9 @@ void MButton::PaintContent(MDrawer& drawer, const MRectangle& area, std::uint16_
         const MString fits = used.Shortened(shown, room.Width());
         const double width = used.Width(fits);
         drawer.TextOut(room.left + std::max(0.0, (room.Width() - width) / 2),
-                       area.top + static_cast<std::int32_t>(baseline / TallUnits * area.Height() + 0.5), fits,
-                       used, color);
+                       area.top +
+                           static_cast<std::int32_t>(std::lround(baseline / TallUnits * area.Height())),
+                       fits, used, color);
     };
     const bool usable = (state & DrawEnabled) != 0;
     line(caption, MStdFont::Large1, HeadBaseline, text);

@@ -24,7 +24,7 @@ MColor FromHSV(double hue, double saturation, double value, std::uint8_t alpha)
     {
         const double k = std::fmod(offset + hue * 6, 6);
         const double share = value - value * saturation * std::clamp(std::min(k, 4 - k), 0.0, 1.0);
-        return static_cast<std::uint8_t>(share * 255 + 0.5);
+        return static_cast<std::uint8_t>(std::lround(share * 255));
     };
     return { channel(5), channel(3), channel(1), alpha };
 }
@@ -200,7 +200,7 @@ void MColorEditor::Follow(const MControlEvent& event)
     else if (held == Part::Hue)
         hue = std::min(down, 0.9999);
     else
-        alpha = static_cast<std::uint8_t>((1 - down) * 255 + 0.5);
+        alpha = static_cast<std::uint8_t>(std::lround((1 - down) * 255));
     Changed();
 }
 

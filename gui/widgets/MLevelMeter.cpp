@@ -61,7 +61,7 @@ MRectangle MLevelMeter::BarOf(std::size_t channel) const
 std::int32_t MLevelMeter::PixelOf(double db) const
 {
     const double share = std::clamp((db - LowestDb) / -LowestDb, 0.0, 1.0);
-    return static_cast<std::int32_t>(share * Width() + 0.5);
+    return static_cast<std::int32_t>(std::lround(share * Width()));
 }
 
 void MLevelMeter::Follow(Channel& channel, double amplitude, double seconds, std::uint64_t now)
