@@ -38,8 +38,9 @@ void WritePictures(const Gallery& gallery, const Options& options)
             const auto write = [&](const std::string& name, MWindow& window)
             {
                 window.Open(MWindowSystem::Kind::Normal);
-                const std::filesystem::path file = std::filesystem::path(options.pictures) /
-                                                   (name + "-" + look + "-" + std::to_string(scale) + ".png");
+                std::string fileName = name;
+                fileName.append("-").append(look).append("-").append(std::to_string(scale)).append(".png");
+                const std::filesystem::path file = std::filesystem::path(options.pictures) / fileName;
                 MStdFileStream stream(MString::FromUTF8(file.string()),
                                       MStdFileStream::WriteAccess | MStdFileStream::CreateFile);
                 ImageFiles::SavePNG(screen.Look(window), stream);
