@@ -186,33 +186,6 @@ void MEdit::Finish(std::uintptr_t how)
     done.Post(GlobalEventProcessor(), params);
 }
 
-bool MEdit::OnMouse(const MControlEvent& event)
-{
-    switch (event.code)
-    {
-    case MEventCode::LeftDown:
-        model.MoveTo(PlaceAt(event.x, event.y), event.Has(ModifierShift));
-        selecting = true;
-        break;
-    case MEventCode::Move:
-        if (!selecting)
-            return false;
-        model.MoveTo(PlaceAt(event.x, event.y), true);
-        break;
-    case MEventCode::LeftUp:
-        selecting = false;
-        return true;
-    case MEventCode::LeftDoubleClick:
-        model.SelectWord(PlaceAt(event.x, event.y));
-        break;
-    default:
-        return false;
-    }
-    ShowCaret();
-    Invalidate();
-    return true;
-}
-
 bool MEdit::OnKey(const MControlEvent& event)
 {
     const bool byWord = event.Has(ModifierCtrl);

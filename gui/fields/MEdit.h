@@ -52,7 +52,6 @@ protected:
 
 private:
     bool OnKey(const MControlEvent& event);
-    bool OnMouse(const MControlEvent& event);
     void OnFocus(bool focused);
     void Suggest();
     MRectangle TextArea() const;

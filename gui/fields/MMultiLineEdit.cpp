@@ -199,6 +199,8 @@ bool MMultiLineEdit::OnEvent(const MControlEvent& event)
     }
     if (Style() == nullptr)
         return false;
+    if (event.code == MEventCode::Wheel)
+        return bar->OnEvent(event);
     if (event.IsMouse())
         return OnMouse(event);
     if (event.code == MEventCode::Character)
@@ -211,34 +213,6 @@ bool MMultiLineEdit::OnEvent(const MControlEvent& event)
     if (event.code == MEventCode::KeyDown && OnKey(event))
         return true;
     return MControl::OnEvent(event);
-}
-
-bool MMultiLineEdit::OnMouse(const MControlEvent& event)
-{
-    switch (event.code)
-    {
-    case MEventCode::LeftDown:
-        model.MoveTo(PlaceAt(event.x, event.y), event.Has(ModifierShift));
-        selecting = true;
-        break;
-    case MEventCode::Move:
-        if (!selecting)
-            return false;
-        model.MoveTo(PlaceAt(event.x, event.y), true);
-        break;
-    case MEventCode::LeftUp:
-        selecting = false;
-        return true;
-    case MEventCode::LeftDoubleClick:
-        model.SelectWord(PlaceAt(event.x, event.y));
-        break;
-    case MEventCode::Wheel:
-        return bar->OnEvent(event);
-    default:
-        return false;
-    }
-    Moved();
-    return true;
 }
 
 void MMultiLineEdit::MoveDown(std::int32_t count, bool selects)

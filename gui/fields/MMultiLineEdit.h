@@ -26,6 +26,7 @@ protected:
     std::u16string Accepted(std::u16string_view piece) const override;
     void Edited() override;
     void ShowCaret() override;
+    void Moved() override;
     std::size_t PlaceAt(std::int32_t x, std::int32_t y) override;
 
 private:
@@ -43,8 +44,6 @@ private:
     double XOf(std::size_t place);
     void MoveDown(std::int32_t lines, bool selects);
     bool OnKey(const MControlEvent& event);
-    bool OnMouse(const MControlEvent& event);
-    void Moved();
     void PaintLine(MDrawer& drawer, std::size_t line);
     void OnScrolled(const MOnNotifyParams&) { Invalidate(); }
 

@@ -49,6 +49,16 @@ void MScrollBar::SetFirst(std::int32_t first)
     Invalidate();
 }
 
+void MScrollBar::ShowPart(std::int32_t first, std::int32_t size)
+{
+    if (pageSize < size)
+        return;
+    if (first < position)
+        SetFirst(first);
+    else if (first + size > position + pageSize)
+        SetFirst(first + size - pageSize);
+}
+
 void MScrollBar::ScrollBy(std::int32_t way)
 {
     const std::int32_t before = position;

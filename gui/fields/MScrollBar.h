@@ -15,6 +15,8 @@ public:
     void SetRange(std::int32_t whole, std::int32_t page);
     /// Limited to what there is. From outside: no event.
     void SetFirst(std::int32_t first);
+    /// Moves as little as brings a part of the whole into sight. From outside: no event.
+    void ShowPart(std::int32_t first, std::int32_t size);
     std::int32_t First() const { return position; }
     std::int32_t Last() const;   ///< the largest First()
     bool IsNeeded() const { return wholeSize > pageSize; }

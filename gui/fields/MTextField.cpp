@@ -51,6 +51,38 @@ bool MTextField::OnCommand(const MControlEvent& event)
     }
 }
 
+bool MTextField::OnMouse(const MControlEvent& event)
+{
+    switch (event.code)
+    {
+    case MEventCode::LeftDown:
+        model.MoveTo(PlaceAt(event.x, event.y), event.Has(ModifierShift));
+        selecting = true;
+        break;
+    case MEventCode::Move:
+        if (!selecting)
+            return false;
+        model.MoveTo(PlaceAt(event.x, event.y), true);
+        break;
+    case MEventCode::LeftUp:
+        selecting = false;
+        return true;
+    case MEventCode::LeftDoubleClick:
+        model.SelectWord(PlaceAt(event.x, event.y));
+        break;
+    default:
+        return false;
+    }
+    Moved();
+    return true;
+}
+
+void MTextField::Moved()
+{
+    ShowCaret();
+    Invalidate();
+}
+
 void MTextField::Copy(bool cuts)
 {
     MWindows* windows = MWindows::Get();

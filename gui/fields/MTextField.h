@@ -23,6 +23,8 @@ public:
 protected:
     /// Ctrl with a letter: all, copy, cut, paste, undo, redo.
     bool OnCommand(const MControlEvent& event);
+    /// Presses, drags and double clicks move the caret and choose.
+    bool OnMouse(const MControlEvent& event);
     void Copy(bool cuts);
     void Paste();
     /// What of a piece goes in.
@@ -32,6 +34,8 @@ protected:
     void InsertText(const MString& text);
     /// The user has changed the text: shows it and tells.
     virtual void Edited();
+    /// The caret stands elsewhere, or something else is chosen.
+    virtual void Moved();
     /// Brings the caret into sight.
     virtual void ShowCaret() = 0;
     virtual std::size_t PlaceAt(std::int32_t x, std::int32_t y) = 0;

@@ -157,14 +157,8 @@ void MListBox::SetCurrent(std::int32_t index)
 
 void MListBox::ShowItem(std::int32_t index)
 {
-    const std::int32_t page = ListArea().Height();
-    if (index < 0 || page < RowHeight())
-        return;
-    const std::int32_t top = index * RowHeight();
-    if (top < bar->First())
-        bar->SetFirst(top);
-    else if (top + RowHeight() > bar->First() + page)
-        bar->SetFirst(top + RowHeight() - page);
+    if (index >= 0)
+        bar->ShowPart(index * RowHeight(), RowHeight());
 }
 
 void MListBox::Paint(MDrawer& drawer)

@@ -216,14 +216,8 @@ void MTreeControl::SetCurrent(MTreeItem* item)
 
 void MTreeControl::ShowRow(std::int32_t index)
 {
-    const std::int32_t page = ListArea().Height();
-    if (index < 0 || page < RowHeight())
-        return;
-    const std::int32_t top = index * RowHeight();
-    if (top < bar->First())
-        bar->SetFirst(top);
-    else if (top + RowHeight() > bar->First() + page)
-        bar->SetFirst(top + RowHeight() - page);
+    if (index >= 0)
+        bar->ShowPart(index * RowHeight(), RowHeight());
 }
 
 void MTreeControl::Choose(std::int32_t index)
